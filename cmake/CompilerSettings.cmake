@@ -1,0 +1,48 @@
+# Compiler settings that the whole tree shares, as interface targets.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG")
+
+find_program(SE_CCACHE ccache)
+if(SE_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${SE_CCACHE})
+    set(CMAKE_C_COMPILER_LAUNCHER ${SE_CCACHE})
+endif()
+
+option(SE_WERROR "Treat warnings as errors" ON)
+set(SE_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined or thread")
+set(SE_PROCESSOR "all" CACHE STRING
+    "Processor generations to compile hot loops for: all (chosen at load time), baseline, avx2 or avx512")
+set_property(CACHE SE_PROCESSOR PROPERTY STRINGS all baseline avx2 avx512)
+
+add_library(se_warnings INTERFACE)
+target_compile_options(se_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    $<$<BOOL:${SE_WERROR}>:-Werror>)
+
+# Linked by everything: instrumentation has to be everywhere or nowhere.
+add_library(se_sanitizers INTERFACE)
+if(SE_SANITIZE)
+    target_compile_options(se_sanitizers INTERFACE -fsanitize=${SE_SANITIZE} -fno-sanitize-recover=all
+        -fno-omit-frame-pointer -g1)
+    target_link_options(se_sanitizers INTERFACE -fsanitize=${SE_SANITIZE})
+endif()
+
+# Floating results are the same on every processor: no contraction to fused multiply-add, no fast-math.
+add_library(se_module_flags INTERFACE)
+target_compile_options(se_module_flags INTERFACE -ffp-contract=off)
+target_link_libraries(se_module_flags INTERFACE se_sanitizers)
+if(SE_SANITIZE OR NOT SE_PROCESSOR STREQUAL "all")
+    target_compile_definitions(se_module_flags INTERFACE SE_SINGLE_TARGET)
+endif()
+if(SE_PROCESSOR STREQUAL "avx2")
+    target_compile_options(se_module_flags INTERFACE -march=x86-64-v3)
+elseif(SE_PROCESSOR STREQUAL "avx512")
+    target_compile_options(se_module_flags INTERFACE -march=x86-64-v4 -mavx512vbmi)
+endif()

@@ -1,0 +1,21 @@
+# Installation: the library, its two public headers, a CMake package and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS specialeffects EXPORT specialeffects-targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES framework/SpecialEffectFilter.h framework/SpecialEffectFactory.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/specialeffects/framework)
+
+install(EXPORT specialeffects-targets NAMESPACE specialeffects::
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/specialeffects)
+configure_package_config_file(cmake/specialeffects-config.cmake.in
+    ${PROJECT_BINARY_DIR}/specialeffects-config.cmake
+    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/specialeffects)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/specialeffects-config-version.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/specialeffects-config.cmake
+    ${PROJECT_BINARY_DIR}/specialeffects-config-version.cmake
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/specialeffects)
+
+configure_file(cmake/specialeffects.pc.in ${PROJECT_BINARY_DIR}/specialeffects.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/specialeffects.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

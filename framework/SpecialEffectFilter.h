@@ -1,0 +1,229 @@
+// The contract between a host and an effect: records, result codes and the two exported interfaces.
+//
+// A host may know nothing but slot numbers and record layouts. Slot n of an interface is entry n of the
+// object's table of virtual operations; the order of the declarations below is therefore the interface, and
+// nothing may be put between them. The destructor of slot 0 is an ordinary virtual operation, because a C++
+// virtual destructor would take two entries with this target's compilers and shift all that follow.
+#ifndef SPECIALEFFECTS_FRAMEWORK_SPECIALEFFECTFILTER_H
+#define SPECIALEFFECTS_FRAMEWORK_SPECIALEFFECTFILTER_H
+
+#include <cstddef>
+#include <cstdint>
+
+#if defined(_WIN32)
+#define SPECIALEFFECTS_API __declspec(dllexport)
+#else
+#define SPECIALEFFECTS_API __attribute__((visibility("default")))
+#endif
+
+/// Outcome of an effect operation.
+using ResultCode = uint32_t;
+
+inline constexpr ResultCode kSuccess = 0;
+/// A null required pointer, a format code other than 0 or 2, a property name that the effect does not have,
+/// a size below 1 or above 16384, a buffer that is too short.
+inline constexpr ResultCode kInvalidArgument = 0x80070057;
+/// A frame whose format differs from the configured one, a workspace that does not exist, a file that cannot
+/// be opened, an unknown effect.
+inline constexpr ResultCode kFailure = 0x80004005;
+/// A format that the effect advertises but does not process.
+inline constexpr ResultCode kNotImplemented = 0x80004001;
+inline constexpr ResultCode kOutOfMemory = 0x8007000E;
+/// A text was cut to fit its buffer.
+inline constexpr ResultCode kTextTruncated = 0x8007007A;
+
+/// Planar YUV 4:2:0: luma width by height with a row step of width bytes; chroma width/2 by height/2.
+inline constexpr int32_t kFormatPlanar = 0;
+/// Packed 24-bit pixels, 3 bytes a pixel, row step 3 * width.
+inline constexpr int32_t kFormatPacked = 2;
+
+/// Characters of a wide operation's texts: 16-bit, UTF-16.
+#if defined(_WIN32)
+using WideChar = wchar_t;
+#else
+using WideChar = char16_t;
+#endif
+
+/// What `Configure` is told of the stream.
+struct StreamDescription {
+    uint32_t Reserved;  ///< stored with the rest; no effect reads it
+    int32_t Width;      ///< pixels, 1 to 16384
+    int32_t Height;     ///< pixels, 1 to 16384
+    int32_t Format;     ///< kFormatPlanar or kFormatPacked
+};
+
+/// A picture. The planes are input and output; they belong to the host.
+struct ImageRecord {
+    int32_t Format;         ///< format code of this frame
+    uint8_t* Plane[3];      ///< Y, U, V; packed pictures use Plane[0] only
+    uint32_t Reserved;      ///< no effect reads it
+    int32_t PlaneSize[3];   ///< bytes in each plane
+};
+
+struct FrameRecord {
+    uint32_t Reserved[3];  ///< the host's own; no effect reads them
+    ImageRecord* Image;
+};
+
+/// One property by name, both as text. `GetProperty` writes `Value`, and in its wide form `Name` as well:
+/// both buffers then hold 256 characters.
+template <class Char>
+struct BasicPropertyRecord {
+    uint32_t Cookie;  ///< passed through, never read
+    Char* Name;
+    Char* Value;
+};
+using PropertyRecord = BasicPropertyRecord<char>;
+using WidePropertyRecord = BasicPropertyRecord<WideChar>;
+
+template <class Char>
+struct BasicSettingsRecord {
+    uint32_t Cookie;  ///< passed through, never read
+    Char* Name;       ///< passed through, never read
+    Char* Path;       ///< path of a settings file
+    uint32_t Reserved[2];
+};
+using SettingsRecord = BasicSettingsRecord<char>;
+using WideSettingsRecord = BasicSettingsRecord<WideChar>;
+
+/// Rectangle of interest in luma pixels; all zero means none.
+struct RegionRect {
+    int32_t left, right, top, bottom;
+};
+
+struct RegionRecord {
+    uint32_t Reserved;
+    RegionRect* Rect;
+};
+
+/// Type of a property. The values of the enum not named here are in no table.
+enum class PropTypeSet : int32_t {
+    None = -1,    ///< no such property
+    Integer = 0,  ///< decimal text, range "lo,hi"
+    Boolean = 3,  ///< "TRUE" or "FALSE"
+    Color = 6,    ///< "red,green,blue", each 0 to 255
+};
+
+#if defined(__x86_64__) || defined(_M_X64)
+static_assert(sizeof(StreamDescription) == 16 && offsetof(StreamDescription, Format) == 12);
+static_assert(sizeof(ImageRecord) == 48 && offsetof(ImageRecord, Plane) == 8 &&
+              offsetof(ImageRecord, Reserved) == 32 && offsetof(ImageRecord, PlaneSize) == 36);
+static_assert(sizeof(FrameRecord) == 24 && offsetof(FrameRecord, Image) == 16);
+static_assert(sizeof(PropertyRecord) == 24 && offsetof(PropertyRecord, Name) == 8 &&
+              offsetof(PropertyRecord, Value) == 16);
+static_assert(sizeof(SettingsRecord) == 32 && offsetof(SettingsRecord, Path) == 16 &&
+              offsetof(SettingsRecord, Reserved) == 24);
+static_assert(sizeof(RegionRecord) == 16 && offsetof(RegionRecord, Rect) == 8);
+#endif
+
+/// What an effect says of itself: its name and its property table. Constant texts; owned by the effect and
+/// valid as long as it is.
+class CInternalInfo {
+  public:
+    /// Slots 0 and 1. 1 when the whole name was copied; 0 when it was cut (the buffer is terminated all the
+    /// same), when the size is 0 or above 0x7FFFFFFF, or when the buffer is null.
+    virtual int32_t GetName(WideChar* name, int32_t length) = 0;
+    virtual int32_t GetName(char* name, uint32_t size) = 0;
+
+    /// Slot 2. Rows of the property table.
+    virtual int32_t GetPropCount() = 0;
+
+    /// Slots 3 and 4. Copies the three texts of row `index`, each cut to fit; a null buffer or one of size 0
+    /// is left out. None, and no buffer touched, for an index outside the table.
+    virtual PropTypeSet GetPropTypeInfo(int32_t index, WideChar* name, uint32_t nameLength,
+                                        WideChar* defaultText, uint32_t defaultLength, WideChar* range,
+                                        uint32_t rangeLength) = 0;
+    virtual PropTypeSet GetPropTypeInfo(int32_t index, char* name, uint32_t nameSize, char* defaultText,
+                                        uint32_t defaultSize, char* range, uint32_t rangeSize) = 0;
+
+  protected:
+    ~CInternalInfo() = default;
+};
+
+/// An effect. One object belongs to one thread at a time; different objects may be used on different threads.
+///
+/// Order of calls: `Configure`, any number of `ProcessFrame` with properties set in between, `Shutdown`.
+/// Properties may be set before `Configure` too; the effects whose `Configure` resets some say so.
+/// Text operations have a wide (UTF-16) and a narrow (UTF-8) form with the same result. Texts of 256 bytes or
+/// more are cut at a whole character.
+class SPECIALEFFECTS_API CSpecialEffectFilter {
+  public:
+    CSpecialEffectFilter();
+    CSpecialEffectFilter(const CSpecialEffectFilter&);
+    CSpecialEffectFilter& operator=(const CSpecialEffectFilter&);
+
+    /// Slot 0. Destroys the effect, frees its memory when bit 0 of `flags` is set, returns its address.
+    virtual void* DeletingDestructor(uint32_t flags);
+
+    /// Slot 1. Stores 0. A null pointer is ignored.
+    virtual ResultCode GetFilterFlags(uint32_t* flags) = 0;
+
+    /// Slot 2. With a null list stores 2 in `count`; with a list and a count of 2 or more stores 0 and 2 in
+    /// the list and leaves `count` alone; a smaller count, or a null `count`, is an invalid argument.
+    virtual ResultCode GetSupportedFormats(int32_t* list, int32_t* count) = 0;
+
+    /// Slot 3. Stores the description and makes the workspace, after releasing an earlier one. A format code
+    /// other than 0 or 2, or a size outside 1 to 16384, is stored and refused with kInvalidArgument, and
+    /// leaves the effect without workspace. Throws std::bad_alloc when memory runs out.
+    virtual ResultCode Configure(StreamDescription* description) = 0;
+
+    /// Slots 4 and 5.
+    virtual ResultCode LoadSettings(WideSettingsRecord* settings) = 0;
+    virtual ResultCode LoadSettings(SettingsRecord* settings) = 0;
+
+    /// Slot 6. Changes the frame in place. Null record, image or plane: kInvalidArgument. Another format than
+    /// the configured one, or no workspace: kFailure. Format 2 in an effect that is planar only:
+    /// kNotImplemented. In all these cases the frame is unchanged.
+    virtual ResultCode ProcessFrame(FrameRecord* frame) = 0;
+
+    /// Slots 7 and 8. Property names match in any case; a value out of range is clamped, never refused. An
+    /// unknown name, or a null record, name or value, is an invalid argument in an effect with properties;
+    /// an effect without any answers 0 to everything.
+    virtual ResultCode SetProperty(WidePropertyRecord* property) = 0;
+    virtual ResultCode SetProperty(PropertyRecord* property) = 0;
+
+    /// Slots 9 and 10. Do nothing.
+    virtual ResultCode ApplyProperty(WidePropertyRecord* property, int32_t argument) = 0;
+    virtual ResultCode ApplyProperty(PropertyRecord* property, int32_t argument) = 0;
+
+    /// Slots 11 and 12. Writes the present value to `Value`, a buffer of 256 characters. The wide form writes
+    /// `Name` back as well.
+    virtual ResultCode GetProperty(WidePropertyRecord* property) = 0;
+    virtual ResultCode GetProperty(PropertyRecord* property) = 0;
+
+    /// Slot 13. Releases the workspace; properties keep their values. Harmless when repeated.
+    virtual ResultCode Shutdown() = 0;
+
+    /// Slot 14. Does nothing.
+    virtual ResultCode Flush(uint32_t argument) = 0;
+
+    /// Slot 15. The effect's name and property table; null on the abstract classes.
+    virtual CInternalInfo* GetInternalInfo();
+
+    /// Slots 16 to 18. Always 0 and None: ask the object that `GetInternalInfo` returns.
+    virtual int32_t GetPropCount();
+    virtual PropTypeSet GetPropTypeInfo(int32_t index, WideChar* name, uint32_t nameLength,
+                                        WideChar* defaultText, uint32_t defaultLength, WideChar* range,
+                                        uint32_t rangeLength);
+    virtual PropTypeSet GetPropTypeInfo(int32_t index, char* name, uint32_t nameSize, char* defaultText,
+                                        uint32_t defaultSize, char* range, uint32_t rangeSize);
+
+  protected:
+    ~CSpecialEffectFilter() = default;
+};
+
+/// An effect that works on a region of interest.
+class SPECIALEFFECTS_API CROISpecialEffectFilter : public CSpecialEffectFilter {
+  public:
+    CROISpecialEffectFilter();
+    CROISpecialEffectFilter(const CROISpecialEffectFilter&);
+    CROISpecialEffectFilter& operator=(const CROISpecialEffectFilter&);
+
+    /// Slot 19. `ProcessFrame` with a region that the caller knows.
+    virtual ResultCode ProcessRegion(FrameRecord* frame, RegionRecord* region) = 0;
+
+  protected:
+    ~CROISpecialEffectFilter() = default;
+};
+
+#endif

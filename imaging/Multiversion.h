@@ -1,0 +1,23 @@
+// One source, several processor generations.
+//
+// SE_MULTIVERSION in front of a function lets the compiler build it for the baseline and for later
+// generations, and choose when the library is loaded. The code is the same for all of them; so are the
+// results. It is empty where one generation was asked for at build time and in sanitizer builds.
+//
+// Use it on free functions that hold a frame-sized loop. What the loop calls must be inlined into it: helpers
+// are SE_INLINE, and lambdas handed to an SE_INLINE template are too small to stay out of line.
+#ifndef SPECIALEFFECTS_IMAGING_MULTIVERSION_H
+#define SPECIALEFFECTS_IMAGING_MULTIVERSION_H
+
+#if defined(__x86_64__) && defined(__linux__) && !defined(SE_SINGLE_TARGET)
+#define SE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
+#else
+#define SE_MULTIVERSION
+#endif
+
+#define SE_INLINE inline __attribute__((always_inline))
+
+/// A pointer that aliases no other in its scope.
+#define SE_RESTRICT __restrict
+
+#endif
