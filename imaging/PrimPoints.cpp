@@ -1,0 +1,529 @@
+// Point operations: what becomes of a pixel depends on that pixel alone.
+//
+// Each operation is one frame-sized loop, a few integer steps a pixel in 8 or 16 bits that the compiler turns
+// into vector code.
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include "imaging/Lookup.h"
+#include "imaging/Multiversion.h"
+#include "imaging/Prim.h"
+#include "imaging/PrimCheck.h"
+
+using prim::CheckAlignment;
+using prim::CheckImage;
+using prim::CheckImages;
+using prim::CheckPointers;
+using prim::CheckSize;
+using prim::CheckStep;
+using prim::FirstError;
+
+namespace {
+
+/// dst(x, y) = op(src(x, y), dst(x, y)). The two images may be one and the same.
+template <typename Op>
+SE_INLINE void ForPixels(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                         ptrdiff_t width, ptrdiff_t height, Op op) {
+    if (srcStep == width && dstStep == width) {
+        width *= height;
+        height = 1;
+    }
+    for (; height > 0; --height, src += srcStep, dst += dstStep) {
+        for (ptrdiff_t x = 0; x < width; ++x) {
+            dst[x] = op(src[x], dst[x]);
+        }
+    }
+}
+
+/// data(x, y) = op(data(x, y)).
+template <typename Op>
+SE_INLINE void ForPixels(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height, Op op) {
+    if (step == width) {
+        width *= height;
+        height = 1;
+    }
+    for (; height > 0; --height, data += step) {
+        for (ptrdiff_t x = 0; x < width; ++x) {
+            data[x] = op(data[x]);
+        }
+    }
+}
+
+/// v / 2^shift to the nearest, ties to even, for the shifts 1 to 16.
+class EvenShift {
+  public:
+    explicit EvenShift(int32_t shift)
+        : factor_(static_cast<uint16_t>(1u << (16 - shift))),
+          mask_(static_cast<uint16_t>((1u << shift) - 1)),
+          half_(static_cast<uint16_t>(1u << (shift - 1))) {}
+
+    SE_INLINE uint16_t operator()(uint16_t v) const {
+        const auto quotient = static_cast<uint16_t>((uint32_t{v} * factor_) >> 16);
+        const auto remainder = static_cast<uint16_t>((v & mask_) + (quotient & 1));
+        return static_cast<uint16_t>(quotient + (remainder > half_ ? 1 : 0));
+    }
+
+  private:
+    uint16_t factor_;  // the high half of a product with it is the quotient
+    uint16_t mask_;
+    uint16_t half_;
+};
+
+SE_INLINE uint8_t Saturate(uint16_t v) {
+    return static_cast<uint8_t>(std::min<uint16_t>(v, 255));
+}
+
+/// sat8(v << shift) for shifts 0 to 8.
+SE_INLINE uint8_t ShiftUp(uint16_t v, int32_t shift) {
+    return Saturate(static_cast<uint16_t>(Saturate(v) << shift));
+}
+
+/// The left shift of a scale at or below 0. A shift by 8 takes all that is not 0 to 255, as any greater one
+/// does.
+int32_t UpShift(int32_t scale) {
+    return scale <= -8 ? 8 : -scale;
+}
+
+SE_MULTIVERSION void AddUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                           ptrdiff_t width, ptrdiff_t height, int32_t shift) {
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
+              [=](uint8_t a, uint8_t b) { return ShiftUp(static_cast<uint16_t>(a + b), shift); });
+}
+
+SE_MULTIVERSION void AddDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                             ptrdiff_t width, ptrdiff_t height, int32_t shift) {
+    const EvenShift evenShift(shift);
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height, [=](uint8_t a, uint8_t b) {
+        return static_cast<uint8_t>(evenShift(static_cast<uint16_t>(a + b)));
+    });
+}
+
+SE_INLINE uint16_t SubtractDownTo0(uint8_t a, uint8_t b) {
+    return static_cast<uint16_t>(std::max(a, b) - b);
+}
+
+SE_MULTIVERSION void SubUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                           ptrdiff_t width, ptrdiff_t height, int32_t shift) {
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
+              [=](uint8_t a, uint8_t b) { return ShiftUp(SubtractDownTo0(b, a), shift); });
+}
+
+SE_MULTIVERSION void SubDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                             ptrdiff_t width, ptrdiff_t height, int32_t shift) {
+    const EvenShift evenShift(shift);
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
+              [=](uint8_t a, uint8_t b) { return static_cast<uint8_t>(evenShift(SubtractDownTo0(b, a))); });
+}
+
+SE_MULTIVERSION void MulUp(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                           int32_t shift) {
+    ForPixels(data, step, width, height,
+              [=](uint8_t a) { return ShiftUp(static_cast<uint16_t>(a * value), shift); });
+}
+
+SE_MULTIVERSION void MulDown(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                             int32_t shift) {
+    const EvenShift evenShift(shift);
+    ForPixels(data, step, width, height,
+              [=](uint8_t a) { return Saturate(evenShift(static_cast<uint16_t>(a * value))); });
+}
+
+SE_MULTIVERSION void MulScale(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                              ptrdiff_t width, ptrdiff_t height) {
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height, [](uint8_t a, uint8_t b) {
+        const auto product = static_cast<uint16_t>(a * b);  // at most 65025: the sum below stays in 16 bits
+        return static_cast<uint8_t>(static_cast<uint16_t>(product + (product >> 8) + 1) >> 8);
+    });
+}
+
+SE_MULTIVERSION void And(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                         ptrdiff_t width, ptrdiff_t height) {
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
+              [](uint8_t a, uint8_t b) { return static_cast<uint8_t>(a & b); });
+}
+
+SE_MULTIVERSION void Not(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height) {
+    ForPixels(data, step, width, height, [](uint8_t a) { return static_cast<uint8_t>(a ^ 255); });
+}
+
+SE_MULTIVERSION void ThresholdLT(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                                 uint8_t threshold) {
+    ForPixels(data, step, width, height, [=](uint8_t a) { return std::max(a, threshold); });
+}
+
+SE_MULTIVERSION void ThresholdGT(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                                 uint8_t threshold, uint8_t value) {
+    ForPixels(data, step, width, height, [=](uint8_t a) { return a > threshold ? value : a; });
+}
+
+SE_MULTIVERSION void ThresholdBoth(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                                   ptrdiff_t width, ptrdiff_t height, uint8_t lo, uint8_t loValue, uint8_t hi,
+                                   uint8_t hiValue) {
+    ForPixels(src, srcStep, dst, dstStep, width, height, [=](uint8_t a, uint8_t) {
+        const uint8_t above = a < lo ? loValue : a;
+        return a > hi ? hiValue : above;
+    });
+}
+
+void Fill(uint8_t value, uint8_t* dst, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height) {
+    if (step == width) {
+        width *= height;
+        height = 1;
+    }
+    for (; height > 0; --height, dst += step) {
+        std::memset(dst, value, static_cast<size_t>(width));
+    }
+}
+
+}  // namespace
+
+PrimStatus PrimSet8uC1(uint8_t value, uint8_t* dst, int32_t step, int32_t width, int32_t height) {
+    if (const PrimStatus error = CheckImage(dst, step, width, height)) {
+        return error;
+    }
+    Fill(value, dst, step, width, height);
+    return kPrimOk;
+}
+
+PrimStatus PrimCopy8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, int32_t width,
+                        int32_t height) {
+    if (const PrimStatus error = CheckImages(src, srcStep, dst, dstStep, width, height)) {
+        return error;
+    }
+    if (src == dst && srcStep == dstStep) {
+        return kPrimOk;
+    }
+    size_t rowBytes = static_cast<size_t>(width);
+    ptrdiff_t rows = height;
+    if (srcStep == width && dstStep == width) {
+        rowBytes *= static_cast<size_t>(height);
+        rows = 1;
+    }
+    for (; rows > 0; --rows, src += srcStep, dst += dstStep) {
+        std::memcpy(dst, src, rowBytes);
+    }
+    return kPrimOk;
+}
+
+namespace {
+
+SE_MULTIVERSION uint64_t SumRows(const uint8_t* src, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height) {
+    uint64_t total = 0;
+    for (; height > 0; --height, src += step) {
+        for (ptrdiff_t begin = 0; begin < width; begin += 1 << 20) {
+            const ptrdiff_t end = std::min<ptrdiff_t>(width, begin + (1 << 20));
+            uint32_t sum = 0;  // of 2^20 bytes at most
+            for (ptrdiff_t x = begin; x < end; ++x) {
+                sum += src[x];
+            }
+            total += sum;
+        }
+    }
+    return total;
+}
+
+}  // namespace
+
+PrimStatus PrimMean8uC1(const uint8_t* src, int32_t step, int32_t width, int32_t height, double* mean) {
+    if (const PrimStatus error =
+            FirstError(CheckPointers(src, mean), CheckSize(width, height), CheckStep(step, width))) {
+        return error;
+    }
+    const double count = static_cast<double>(int64_t{width} * height);
+    *mean = static_cast<double>(SumRows(src, step, width, height)) / count;
+    return kPrimOk;
+}
+
+PrimStatus PrimAddSfs8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, int32_t srcDstStep,
+                          int32_t width, int32_t height, int32_t scale) {
+    if (const PrimStatus error = CheckImages(src, srcStep, srcDst, srcDstStep, width, height)) {
+        return error;
+    }
+    if (scale > 9) {
+        Fill(0, srcDst, srcDstStep, width, height);
+    } else if (scale > 0) {
+        AddDown(src, srcStep, srcDst, srcDstStep, width, height, scale);
+    } else {
+        AddUp(src, srcStep, srcDst, srcDstStep, width, height, UpShift(scale));
+    }
+    return kPrimOk;
+}
+
+PrimStatus PrimSubSfs8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, int32_t srcDstStep,
+                          int32_t width, int32_t height, int32_t scale) {
+    if (const PrimStatus error = CheckImages(src, srcStep, srcDst, srcDstStep, width, height)) {
+        return error;
+    }
+    if (scale > 8) {
+        Fill(0, srcDst, srcDstStep, width, height);
+    } else if (scale > 0) {
+        SubDown(src, srcStep, srcDst, srcDstStep, width, height, scale);
+    } else {
+        SubUp(src, srcStep, srcDst, srcDstStep, width, height, UpShift(scale));
+    }
+    return kPrimOk;
+}
+
+PrimStatus PrimMulCSfs8uC1(uint8_t value, uint8_t* data, int32_t step, int32_t width, int32_t height,
+                           int32_t scale) {
+    if (const PrimStatus error = CheckImage(data, step, width, height)) {
+        return error;
+    }
+    if (value == 0 || scale > 16) {
+        Fill(0, data, step, width, height);
+    } else if (scale > 0) {
+        MulDown(value, data, step, width, height, scale);
+    } else if (value != 1 || scale != 0) {
+        MulUp(value, data, step, width, height, UpShift(scale));
+    }
+    return kPrimOk;
+}
+
+PrimStatus PrimMulScale8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, int32_t srcDstStep,
+                            int32_t width, int32_t height) {
+    if (const PrimStatus error = CheckImages(src, srcStep, srcDst, srcDstStep, width, height)) {
+        return error;
+    }
+    MulScale(src, srcStep, srcDst, srcDstStep, width, height);
+    return kPrimOk;
+}
+
+PrimStatus PrimAnd8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, int32_t srcDstStep,
+                       int32_t width, int32_t height) {
+    if (const PrimStatus error = CheckImages(src, srcStep, srcDst, srcDstStep, width, height)) {
+        return error;
+    }
+    And(src, srcStep, srcDst, srcDstStep, width, height);
+    return kPrimOk;
+}
+
+PrimStatus PrimNot8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height) {
+    if (const PrimStatus error = CheckImage(data, step, width, height)) {
+        return error;
+    }
+    Not(data, step, width, height);
+    return kPrimOk;
+}
+
+PrimStatus PrimThresholdLT8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height,
+                               uint8_t threshold) {
+    if (const PrimStatus error = CheckImage(data, step, width, height)) {
+        return error;
+    }
+    ThresholdLT(data, step, width, height, threshold);
+    return kPrimOk;
+}
+
+PrimStatus PrimThresholdGTVal8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height,
+                                  uint8_t threshold, uint8_t value) {
+    if (const PrimStatus error = CheckImage(data, step, width, height)) {
+        return error;
+    }
+    ThresholdGT(data, step, width, height, threshold, value);
+    return kPrimOk;
+}
+
+PrimStatus PrimThresholdLTValGTVal8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
+                                       int32_t width, int32_t height, uint8_t lo, uint8_t loValue, uint8_t hi,
+                                       uint8_t hiValue) {
+    if (const PrimStatus error = FirstError(CheckImages(src, srcStep, dst, dstStep, width, height),
+                                            hi < lo ? kPrimThresholdError : kPrimOk)) {
+        return error;
+    }
+    ThresholdBoth(src, srcStep, dst, dstStep, width, height, lo, loValue, hi, hiValue);
+    return kPrimOk;
+}
+
+PrimStatus PrimThresholdLTValGTValInPlace8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height,
+                                              uint8_t lo, uint8_t loValue, uint8_t hi, uint8_t hiValue) {
+    return PrimThresholdLTValGTVal8uC1(data, step, data, step, width, height, lo, loValue, hi, hiValue);
+}
+
+// ---- bit reduction ---------------------------------------------------------------------------------------
+
+PrimStatus PrimReduceBits8uC3(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
+                              int32_t width, int32_t height, int32_t noise, int32_t /*ditherType*/,
+                              int32_t levels) {
+    if (const PrimStatus error =
+            FirstError(CheckPointers(src, dst), CheckSize(width, height), CheckStep(srcStep, width, 3),
+                       CheckStep(dstStep, width, 3), noise < 0 || noise > 100 ? kPrimNoiseError : kPrimOk,
+                       levels < 2 || levels > 256 ? kPrimLevelsError : kPrimOk)) {
+        return error;
+    }
+    uint8_t table[256];
+    const double steps = levels - 1;
+    for (int32_t i = 0; i < 256; ++i) {
+        const double q = i / 255.0;
+        double k = std::trunc(steps * q) / steps;
+        if (q - k >= 0.5 / steps) {
+            k += 1 / steps;
+        }
+        table[i] = static_cast<uint8_t>(std::min(255, static_cast<int32_t>(k * 255)));
+    }
+    for (int32_t y = 0; y < height; ++y, src += srcStep, dst += dstStep) {
+        LookupBytes(table, src, dst, static_cast<size_t>(width) * 3);
+    }
+    return kPrimOk;
+}
+
+// ---- float to bytes ---------------------------------------------------------------------------------------
+
+namespace {
+
+SE_MULTIVERSION void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdiff_t width, float lo, float hi,
+                              double factor, double offset) {
+    for (ptrdiff_t x = 0; x < width; ++x) {
+        const float value = src[x];
+        const bool inside = value > lo && value < hi;
+        const double scaled = (inside ? value : lo) * factor + offset;  // above 0 and below 256
+        const auto whole = static_cast<int32_t>(scaled);
+        const int32_t even = whole - (static_cast<double>(whole) == scaled ? whole & 1 : 0);
+        const int32_t outside = value >= hi ? 255 : 0;
+        dst[x] = static_cast<uint8_t>(inside ? even : outside);
+    }
+}
+
+}  // namespace
+
+PrimStatus PrimScale32f8u(const float* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, int32_t width,
+                          int32_t height, float lo, float hi) {
+    if (const PrimStatus error = FirstError(
+            CheckPointers(src, dst), CheckSize(width, height), CheckStep(srcStep, width, 4),
+            CheckStep(dstStep, width), CheckAlignment(srcStep, 4), hi > lo ? kPrimOk : kPrimRangeError)) {
+        return error;
+    }
+    const double factor = 255 / (double{hi} - double{lo});
+    const double offset = 0.5 - factor * double{lo};
+    for (int32_t y = 0; y < height; ++y, dst += dstStep) {
+        const auto* row = reinterpret_cast<const std::byte*>(src) + ptrdiff_t{y} * srcStep;
+        ScaleRow(reinterpret_cast<const float*>(row), dst, width, lo, hi, factor, offset);
+    }
+    return kPrimOk;
+}
+
+// ---- motion history ---------------------------------------------------------------------------------------
+
+namespace {
+
+/// The bit pattern of a float as an integer that orders like the float.
+SE_INLINE int32_t OrderedBits(float value) {
+    const auto bits = std::bit_cast<int32_t>(value);
+    return bits ^ ((bits >> 31) & 0x7fffffff);
+}
+
+SE_MULTIVERSION void UpdateHistoryRow(const uint8_t* SE_RESTRICT silhouette, float* SE_RESTRICT history,
+                                      ptrdiff_t width, float timestamp, float oldest) {
+    const int32_t oldestBits = OrderedBits(oldest);
+    for (ptrdiff_t x = 0; x < width; ++x) {
+        const float kept = OrderedBits(history[x]) < oldestBits ? 0.0f : history[x];
+        history[x] = silhouette[x] != 0 ? timestamp : kept;
+    }
+}
+
+}  // namespace
+
+PrimStatus PrimUpdateMotionHistory8u32f(const uint8_t* silhouette, int32_t silhouetteStep, float* mhi,
+                                        int32_t mhiStep, int32_t width, int32_t height, float timestamp,
+                                        float duration) {
+    if (const PrimStatus error =
+            FirstError(CheckPointers(silhouette, mhi), CheckSize(width, height),
+                       CheckStep(silhouetteStep, width), CheckStep(mhiStep, width, 4),
+                       CheckAlignment(mhiStep, 4), duration < 0 ? kPrimNegativeError : kPrimOk)) {
+        return error;
+    }
+    const float oldest = timestamp - duration;
+    for (int32_t y = 0; y < height; ++y, silhouette += silhouetteStep) {
+        auto* row = reinterpret_cast<std::byte*>(mhi) + ptrdiff_t{y} * mhiStep;
+        UpdateHistoryRow(silhouette, reinterpret_cast<float*>(row), width, timestamp, oldest);
+    }
+    return kPrimOk;
+}
+
+// ---- noise
+// --------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Samples of the standard normal distribution by the polar method, two at a time, from a subtractive and a
+/// congruential generator added up. All arithmetic wraps at 32 bits.
+class NormalGenerator {
+  public:
+    explicit NormalGenerator(uint32_t seed)
+        : a_(seed), b_(a_ * 69069u + 1013904243u), c_(b_ * 69069u + 1013904243u) {}
+
+    /// Two samples, stretched and moved.
+    std::pair<double, double> Next(double mean, double stdDev) {
+        double u = 0;
+        double v = 0;
+        double r = 0;
+        do {
+            Step(u, v);
+            r = u * u + v * v;
+        } while (r >= 1 || r == 0);
+        const double m = std::sqrt(std::log(r) * -2 / r);
+        return {stdDev * m * u + mean, stdDev * m * v + mean};
+    }
+
+    uint32_t seed() const { return a_; }
+
+  private:
+    /// Two uniform numbers in -1..1.
+    void Step(double& u, double& v) {
+        const uint32_t e = b_ - c_ + borrow_;
+        c_ = a_;
+        const uint32_t f = a_ - b_ - (e >> 31);
+        b_ = e - (e >> 31) * 18;
+        const uint32_t g = b_ + d_ * 69069u + 1013904243u;
+        d_ = d_ * 475559465u + 924302730u;
+        borrow_ = 0 - (f >> 31);
+        a_ = f - (f >> 31) * 18;
+        u = static_cast<int32_t>(g) * 4.656612873077e-10;
+        v = static_cast<int32_t>(a_ + d_) * 4.656612873077e-10;
+    }
+
+    uint32_t a_;
+    uint32_t b_;
+    uint32_t c_;
+    uint32_t d_ = 1131199209u;
+    uint32_t borrow_ = ~0u;  // 0 or all bits
+};
+
+/// pixel + trunc(sample), 0..255.
+uint8_t AddSample(uint8_t pixel, double sample) {
+    // Any sample of 256 and more, of either sign, saturates; one that is not a number adds nothing.
+    const double bounded = sample > -256 ? std::min(sample, 256.0) : sample <= -256 ? -256.0 : 0.0;
+    return static_cast<uint8_t>(std::clamp(pixel + static_cast<int32_t>(bounded), 0, 255));
+}
+
+}  // namespace
+
+PrimStatus PrimAddGaussNoise8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height, double mean,
+                                 double stdDev, uint32_t* seed) {
+    if (const PrimStatus error = CheckPointers(data, seed)) {
+        return error;
+    }
+    if (width < 1) {
+        *seed = 0;
+    }
+    if (const PrimStatus error = FirstError(CheckSize(width, height), CheckStep(step, width))) {
+        return error;
+    }
+    NormalGenerator generator(*seed);
+    std::pair<double, double> samples;
+    bool pending = false;  // the second sample of the pair has not been used yet
+    for (int32_t y = 0; y < height; ++y, data += step) {
+        for (ptrdiff_t x = 0; x < width; ++x) {
+            if (!pending) {
+                samples = generator.Next(mean, stdDev);
+            }
+            data[x] = AddSample(data[x], pending ? samples.second : samples.first);
+            pending = !pending;
+        }
+    }
+    *seed = generator.seed();
+    return kPrimOk;
+}
