@@ -1,0 +1,184 @@
+// One 8-bit image plane, and what effects do with whole planes.
+//
+// Rows are packed: the row step of every plane equals its width. Nothing here reads or writes outside the
+// planes that it is given, whatever their sizes: where the sizes do not fit together an operation is cut to
+// what the planes share or leaves the destination alone, as stated with each. An empty plane (no memory, or a
+// size below 1) is left alone by everything.
+#ifndef SPECIALEFFECTS_IMAGING_PLANE8U_H
+#define SPECIALEFFECTS_IMAGING_PLANE8U_H
+
+#include <cstddef>
+#include <cstdint>
+
+/// A plane of unsigned bytes that owns its memory, or looks at memory of somebody else: a plane of the host's
+/// frame, a part of another buffer. A plane that only looks must not outlive what it looks at; effects attach
+/// anew for every frame.
+class CPlane8u {
+  public:
+    CPlane8u() = default;
+    /// An owned plane of zeros; empty when the memory cannot be had or a size is below 1.
+    CPlane8u(int32_t planeWidth, int32_t planeHeight) { Allocate(planeWidth, planeHeight); }
+    /// Owned copy of the pixels, also of those of a plane that only looks. An empty plane gives an empty one.
+    /// Throws std::bad_alloc when the memory cannot be had.
+    CPlane8u(const CPlane8u& other);
+    CPlane8u(CPlane8u&& other) noexcept { Swap(other); }
+    CPlane8u& operator=(CPlane8u other) noexcept {
+        Swap(other);
+        return *this;
+    }
+    ~CPlane8u() { Release(); }
+
+    /// A plane that looks at `data`.
+    static CPlane8u Over(uint8_t* data, int32_t width, int32_t height) {
+        CPlane8u plane;
+        plane.Attach(data, width, height);
+        return plane;
+    }
+
+    /// Looks at `planeData` from now on. Memory that the plane owned is released first.
+    void Attach(uint8_t* planeData, int32_t planeWidth, int32_t planeHeight);
+
+    /// Takes a new block of zeros; what the plane owned is released first. False when the memory cannot be
+    /// had, a size is below 1 or their product is above 2^31 - 1: `data` is then null, the other fields are
+    /// untouched.
+    bool Allocate(int32_t planeWidth, int32_t planeHeight);
+
+    /// Frees `data` if it is owned; all fields become zero.
+    void Release();
+
+    void Swap(CPlane8u& other) noexcept;
+
+    bool Empty() const { return data == nullptr || width < 1 || height < 1; }
+    /// Bytes of the plane; 0 if it is empty.
+    size_t Size() const { return Empty() ? 0 : static_cast<size_t>(width) * static_cast<size_t>(height); }
+    uint8_t* Row(int32_t y) { return data + static_cast<ptrdiff_t>(y) * width; }
+    const uint8_t* Row(int32_t y) const { return data + static_cast<ptrdiff_t>(y) * width; }
+
+    void Fill(uint8_t value);
+
+    /// Copies bytes in memory order, as many as the smaller of the two planes has. The shapes are not
+    /// compared.
+    void CopyPixels(const CPlane8u& src);
+
+    /// Copies `src` to (x, y) of this plane; what lies outside this plane is cut away.
+    void Paste(const CPlane8u& src, int32_t x, int32_t y);
+
+    /// Fills a frame of `thickness` pixels along the four edges; all of a plane that is no wider than that.
+    void FillBorder(int32_t thickness, uint8_t value);
+
+    /// Mean of all pixels, truncated; 0 for an empty plane.
+    uint8_t MeanByte() const;
+
+    /// Copies `src` to (border, border) and repeats its edges all round. Needs a plane that holds `src` and
+    /// the left and upper border, and is left alone otherwise.
+    void CopyWithBorder(const CPlane8u& src, int32_t border);
+
+    /// Fills this plane from the rectangle of `src` whose corner is (x, y). Pixels for which `src` has no
+    /// counterpart stay as they are.
+    void CopyRegion(const CPlane8u& src, int32_t x, int32_t y);
+
+    /// Scales the given rectangle of `src` to this whole plane, linearly. Where the rectangle reaches past
+    /// the right or lower edge of `src`, the pixels that would show what is missing stay as they are; a
+    /// rectangle that starts outside `src` does nothing.
+    void ResizeRegion(const CPlane8u& src, int32_t regionWidth, int32_t regionHeight, int32_t x, int32_t y);
+
+    /// Overwrites a frame of `border` pixels with the nearest pixels inside it. Does nothing where no pixel
+    /// is left inside.
+    void ReplicateBorder(int32_t border);
+
+    /// max(this - src, 0) * 16, saturated. Needs planes of the same size, and does nothing otherwise.
+    CPlane8u& SubtractBoost(const CPlane8u& src);
+
+    /// 255 minus each pixel.
+    void Invert();
+
+    /// Mirrors in place: axis 0 upside down, 1 left to right, 2 both.
+    void Mirror(int32_t axis);
+
+    /// Reads an uncompressed bitmap of 8 bits a pixel. The pixel bytes are taken as grey levels, the palette
+    /// is skipped, rows are taken without padding, and the file's last row becomes row 0. A plane of another
+    /// size than the bitmap's is allocated anew. False, with the plane untouched, for a file that cannot be
+    /// read, is no such bitmap, is wider or higher than 16384 or holds fewer pixels than it says.
+    bool LoadBmp(const char* path);
+
+    uint8_t* data = nullptr;
+    int32_t width = 0;  ///< pixels; also the row step in bytes
+    int32_t height = 0;
+    bool owned = false;  ///< whether `data` is released with the plane
+};
+
+/// Throws std::bad_alloc unless `allocated`: for workspaces whose lack the host has to hear of.
+/// `Require(Scratch.Allocate(width, height));`
+void Require(bool allocated);
+
+// ---- filters ---------------------------------------------------------------------------------------
+//
+// They work on the interior: a frame of r pixels, r being half the mask, stays as it was in the destination.
+// The source's size rules; a destination that is smaller in either direction is left alone, and so is one
+// whose interior is empty. Source and destination are different planes.
+
+/// Gaussian 3 by 3 (r 1) and 5 by 5 (r 2).
+void FilterGauss3(const CPlane8u& src, CPlane8u& dst);
+void FilterGauss5(const CPlane8u& src, CPlane8u& dst);
+
+/// Mean of 3 by 3 (r 1) and of 5 by 5 (r 2).
+void FilterLowpass3(const CPlane8u& src, CPlane8u& dst);
+void FilterLowpass5(const CPlane8u& src, CPlane8u& dst);
+
+/// Median of 5 by 5 (r 2).
+void FilterMedian5(const CPlane8u& src, CPlane8u& dst);
+
+/// Mean of maskSize by maskSize in place (r = maskSize / 2). The mask has to be smaller than the interior.
+void FilterBoxInPlace(CPlane8u& plane, int32_t maskSize);
+
+/// Maximum of 3 by 3 in place, minimum of 3 by 3 (r 1).
+void Dilate3(CPlane8u& plane);
+void Erode3(const CPlane8u& src, CPlane8u& dst);
+
+// ---- grey levels -----------------------------------------------------------------------------------
+
+/// Spreads the grey levels: each becomes the share of pixels that are no brighter, times 255, truncated.
+void EqualizeHistogram(CPlane8u& plane);
+
+/// Sum of all bytes, 0 for an empty plane: modulo 2^32, and whole.
+uint32_t SumPixels(const CPlane8u& plane);
+uint64_t SumPixelsWide(const CPlane8u& plane);
+
+/// x below `lo` becomes `loValue`, x above `hi` becomes `hiValue`; nothing is done for hi below lo.
+void ThresholdPlane(CPlane8u& plane, uint8_t lo, uint8_t loValue, uint8_t hi, uint8_t hiValue);
+
+// ---- geometry --------------------------------------------------------------------------------------
+
+/// Scales all of `src` to all of `dst`, linearly; the corners of one land on the corners of the other.
+void ResizePlane(const CPlane8u& src, CPlane8u& dst);
+
+/// dst(x, y) = src(xMap(x, y), yMap(x, y)). The maps have one entry for each pixel of `dst`, row after row;
+/// where an entry lies outside `src` the pixel stays as it was. Interpolation 1 is the nearest pixel, 2
+/// linear.
+void RemapPlane(const CPlane8u& src, const float* xMap, const float* yMap, CPlane8u& dst,
+                int32_t interpolation);
+
+/// Refraction: each interior pixel of `dst` is fetched from `src` at a distance that is the slope of `bump`
+/// there, and brightened by the horizontal part of the slope. The upper, lower and left edge repeat their
+/// neighbours; the last column is not written. All three planes have one size, otherwise nothing is done, nor
+/// on a plane 1 wide or 1 high. `dst` is a plane of its own.
+void DisplaceByGradient(const CPlane8u& bump, const CPlane8u& src, CPlane8u& dst);
+
+/// Relief lighting: each interior pixel of `dst` is the brightness of a ball at the place that the slope of
+/// `src`, less `bias`, points to; 0 beyond the ball. The outermost pixels of `dst` stay as they were. Both
+/// planes have one size, otherwise nothing is done. `dst` is a plane of its own.
+void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias);
+
+// ---- chance ----------------------------------------------------------------------------------------
+
+struct PlanePoint {
+    int32_t x, y;
+};
+
+/// A pixel of the plane by two draws of `rand`, x first. An empty plane also takes two, and gives (0, 0).
+PlanePoint RandomPoint(const CPlane8u& plane);
+
+/// True with probability `p`: p * 10000 > rand() % 10000.
+bool RandomChance(double p);
+
+#endif
