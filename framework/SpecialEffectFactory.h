@@ -20,7 +20,8 @@ class ISpecialEffectFactory {
     /// Slot 0. Adds a reference; always returns 0. A new factory has a count of 0.
     virtual uint32_t AddRef() = 0;
 
-    /// Slot 1. Takes a reference away, if there is one, and destroys the factory when none is left. Returns 0.
+    /// Slot 1. Takes a reference away, if there is one, and destroys the factory when none is left. Returns
+    /// 0.
     virtual uint32_t Release() = 0;
 
     /// Slot 2. Creates the effect `id`, not yet configured, and stores it in `effect`; kFailure for an

@@ -54,10 +54,10 @@ struct StreamDescription {
 
 /// A picture. The planes are input and output; they belong to the host.
 struct ImageRecord {
-    int32_t Format;         ///< format code of this frame
-    uint8_t* Plane[3];      ///< Y, U, V; packed pictures use Plane[0] only
-    uint32_t Reserved;      ///< no effect reads it
-    int32_t PlaneSize[3];   ///< bytes in each plane
+    int32_t Format;        ///< format code of this frame
+    uint8_t* Plane[3];     ///< Y, U, V; packed pictures use Plane[0] only
+    uint32_t Reserved;     ///< no effect reads it
+    int32_t PlaneSize[3];  ///< bytes in each plane
 };
 
 struct FrameRecord {

@@ -1,0 +1,38 @@
+#include "effects/tone/Sepia.h"
+
+#include "imaging/Prim.h"
+
+namespace {
+
+/// Rows give the first, second and third channel of the output; the offset of the third is meant, so that
+/// black comes out with one level of blue.
+constexpr float kColorTwistMatrix[12] = {
+    0.393F, 0.769F, 0.189F, 0.0F,  //
+    0.349F, 0.686F, 0.168F, 0.0F,  //
+    0.272F, 0.534F, 0.131F, 1.0F,  //
+};
+
+}  // namespace
+
+void CSepiaSpecialEffectFilter::Prepare() {
+    Workspace.resize(PackedBytes(Width(), Height()));
+}
+
+void CSepiaSpecialEffectFilter::Release() {
+    Workspace = {};
+}
+
+ResultCode CSepiaSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    if (!frame.HoldsRoundedUpChroma()) return kInvalidArgument;
+    uint8_t* const planes[3] = {frame.y.data, frame.u.data, frame.v.data};
+    PrimYuv420ToRgb(planes, Workspace.data(), Width(), Height());
+    PrimColorTwist8uC3(Workspace.data(), 3 * Width(), Width(), Height(), kColorTwistMatrix);
+    PrimRgbToYuv420(Workspace.data(), planes, Width(), Height());
+    return kSuccess;
+}
+
+ResultCode CSepiaSpecialEffectFilter::ProcessPacked(uint8_t* pixels) {
+    if (pixels == nullptr) return kInvalidArgument;
+    PrimColorTwist8uC3(pixels, 3 * Width(), Width(), Height(), kColorTwistMatrix);
+    return kSuccess;
+}

@@ -1,0 +1,78 @@
+#include "framework/SpecialEffectFactory.h"
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <new>
+
+#include "framework/Catalogue.h"
+#include "framework/Guid.h"
+
+namespace {
+
+class CSpecialEffectFactory final : public ISpecialEffectFactory {
+  public:
+    uint32_t AddRef() override {
+        ++references_;
+        return 0;
+    }
+
+    uint32_t Release() override {
+        // A count of 0 does not underflow: a host that never added a reference frees the factory just so.
+        if (references_ > 0) --references_;
+        if (references_ == 0) CSpecialEffectFactory::DeletingDestructor(1);
+        return 0;
+    }
+
+    ResultCode CreateEffect(EffectGuid id, uint32_t, CSpecialEffectFilter** effect) override {
+        if (effect == nullptr) return kInvalidArgument;
+        for (const CatalogueRow& row : EffectCatalogue()) {
+            if (SameGuid(row.id, id) && row.create != nullptr) {
+                *effect = row.create();
+                return kSuccess;
+            }
+        }
+        return kFailure;
+    }
+
+    void DestroyEffect(CSpecialEffectFilter* effect) override {
+        if (effect == nullptr) return;
+        effect->Shutdown();
+        effect->DeletingDestructor(1);
+    }
+
+    uint32_t ReservedQuery(uint32_t, uint32_t, uint32_t, uint32_t, uint32_t) override { return 0; }
+
+    ResultCode EnumerateEffects(EffectGuid* list, uint32_t* count) override {
+        const auto listing = EffectListing();
+        const auto size = static_cast<uint32_t>(listing.size());
+        if (count == nullptr) return kInvalidArgument;
+        if (list != nullptr) {
+            if (*count < size) return kInvalidArgument;
+            std::copy(listing.begin(), listing.end(), list);
+        }
+        *count = size;
+        return kSuccess;
+    }
+
+    void ReservedNoOp() override {}
+
+    void* DeletingDestructor(uint32_t flags) override {
+        void* const memory = this;
+        if ((flags & 1U) != 0) {
+            delete this;
+        } else {
+            std::destroy_at(this);
+        }
+        return memory;
+    }
+
+  private:
+    std::atomic<uint32_t> references_ = 0;
+};
+
+}  // namespace
+
+ISpecialEffectFactory* CreateSpecialEffectFactory() {
+    return new (std::nothrow) CSpecialEffectFactory;
+}

@@ -1,0 +1,38 @@
+#include "framework/SpecialEffectFilter.h"
+
+#include <new>
+
+// The exported classes have no data: constructing sets the type, copying copies nothing.
+CSpecialEffectFilter::CSpecialEffectFilter() = default;
+CSpecialEffectFilter::CSpecialEffectFilter(const CSpecialEffectFilter&) {}
+CSpecialEffectFilter& CSpecialEffectFilter::operator=(const CSpecialEffectFilter&) {
+    return *this;
+}
+
+void* CSpecialEffectFilter::DeletingDestructor(uint32_t flags) {
+    void* const memory = this;
+    this->~CSpecialEffectFilter();
+    if ((flags & 1U) != 0) ::operator delete(memory);
+    return memory;
+}
+
+CInternalInfo* CSpecialEffectFilter::GetInternalInfo() {
+    return nullptr;
+}
+int32_t CSpecialEffectFilter::GetPropCount() {
+    return 0;
+}
+PropTypeSet CSpecialEffectFilter::GetPropTypeInfo(int32_t, WideChar*, uint32_t, WideChar*, uint32_t,
+                                                  WideChar*, uint32_t) {
+    return PropTypeSet::None;
+}
+PropTypeSet CSpecialEffectFilter::GetPropTypeInfo(int32_t, char*, uint32_t, char*, uint32_t, char*,
+                                                  uint32_t) {
+    return PropTypeSet::None;
+}
+
+CROISpecialEffectFilter::CROISpecialEffectFilter() = default;
+CROISpecialEffectFilter::CROISpecialEffectFilter(const CROISpecialEffectFilter&) : CSpecialEffectFilter() {}
+CROISpecialEffectFilter& CROISpecialEffectFilter::operator=(const CROISpecialEffectFilter&) {
+    return *this;
+}
