@@ -2,6 +2,7 @@
 #include <array>
 #include <cstring>
 
+#include "imaging/Lookup.h"
 #include "imaging/Multiversion.h"
 #include "imaging/Plane8u.h"
 
@@ -61,5 +62,5 @@ void EqualizeHistogram(CPlane8u& plane) {
         sum += count[level];
         table[level] = static_cast<uint8_t>(sum * 255 / size);
     }
-    for (size_t i = 0; i < size; ++i) plane.data[i] = table[plane.data[i]];
+    LookupBytes(table.data(), plane.data, size);
 }
