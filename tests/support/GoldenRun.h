@@ -1,0 +1,44 @@
+// Golden frames: what every effect made of a fixed scene, as checksums.
+#ifndef SPECIALEFFECTS_TESTS_SUPPORT_GOLDENRUN_H
+#define SPECIALEFFECTS_TESTS_SUPPORT_GOLDENRUN_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+struct GoldenSize {
+    int32_t width, height, frames;
+};
+/// The small sizes run past the longest warm-up of an effect with a history.
+inline constexpr GoldenSize kGoldenSizes[] = {{320, 240, 40}, {177, 143, 40}, {640, 480, 8}, {1280, 720, 4}};
+
+/// Rows of the catalogue are counted from 1.
+int GoldenRows();
+bool GoldenRowExists(int row);
+std::string GoldenRowName(int row);
+
+/// Runs the effect of a row over its frames at one size and returns a checksum of all that came out, of the
+/// result codes and of the state in which the C library's generator was left. Fixed seed and clock. Works in
+/// the current directory, which should be empty.
+uint64_t RunGolden(int row, const GoldenSize& size);
+
+/// "row WxH" to checksum, from the text file that the tool `update_goldens` writes.
+using GoldenTable = std::map<std::string, uint64_t>;
+std::string GoldenKey(int row, const GoldenSize& size);
+GoldenTable ReadGoldens(const std::string& path);
+void WriteGoldens(const std::string& path, const GoldenTable& table);
+
+/// Makes an empty directory and changes to it; changes back and removes it at the end.
+class TemporaryDirectory {
+  public:
+    TemporaryDirectory();
+    ~TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+    const std::string& path() const { return path_; }
+
+  private:
+    std::string path_, before_;
+};
+
+#endif
