@@ -1,0 +1,48 @@
+# The commands that people type. Each installs what is missing (Debian 12) and builds what it needs.
+#
+#   make demo     every effect over a clip: pictures, clips, a showreel and a page to look at them
+#   make check    all tests: release build, sanitizers, and the same frames from both compilers
+#   make bench    times of every primitive and effect
+#   make build    the module and the host program in build/release
+#   make install  PREFIX=/usr/local by default
+
+PREFIX ?= /usr/local
+JOBS := $(shell nproc)
+
+.PHONY: build demo check bench install setup clean
+
+build: setup
+	cmake --preset release
+	cmake --build --preset release
+
+demo: setup
+	cmake --preset release
+	cmake --build --preset release --target specialeffects specialeffects_program
+	tools/make_demo.sh build/release build/demo
+
+# Clang first, and on the golden frames alone: what it adds is that it compiles cleanly and computes the same.
+check: setup
+	cmake --preset clang -DSE_BUILD_BENCH=OFF
+	cmake --build --preset clang
+	ctest --preset clang -j $(JOBS) -R 'Golden|check_kernels'
+	cmake --preset sanitize
+	cmake --build --preset sanitize
+	ctest --preset sanitize -j $(JOBS)
+	cmake --preset release
+	cmake --build --preset release
+	ctest --preset release -j $(JOBS)
+
+bench: setup
+	cmake --preset release
+	cmake --build --preset release --target bench_primitives bench_effects
+	build/release/bench/bench_primitives --benchmark_counters_tabular=true
+	build/release/bench/bench_effects --benchmark_counters_tabular=true
+
+install: build
+	cmake --install build/release --prefix $(PREFIX)
+
+setup:
+	@tools/setup.sh
+
+clean:
+	rm -rf build
