@@ -11,6 +11,7 @@ TestFrame::TestFrame(int32_t width, int32_t height, int32_t format)
                              format == kFormatPacked ? 0 : (w / 2) * (h / 2),
                              format == kFormatPacked ? 0 : (w / 2) * (h / 2)};
     for (int i = 0; i < 3; ++i) {
+        storage_[i].reserve(1);  // an empty plane still has an address
         storage_[i].assign(bytes[i] + 2 * kGuard, kGuardByte);
         std::fill(plane(i).begin(), plane(i).end(), uint8_t{0});
     }
@@ -18,7 +19,10 @@ TestFrame::TestFrame(int32_t width, int32_t height, int32_t format)
 
 TestFrame::TestFrame(const TestFrame& other)
     : width_(other.width_), height_(other.height_), format_(other.format_) {
-    for (int i = 0; i < 3; ++i) storage_[i] = other.storage_[i];
+    for (int i = 0; i < 3; ++i) {
+        storage_[i].reserve(1);
+        storage_[i] = other.storage_[i];
+    }
 }
 
 TestFrame& TestFrame::operator=(const TestFrame& other) {
