@@ -1,0 +1,208 @@
+// check_kernels: compares every primitive with its plain model, or times both.
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/check_kernels/Trial.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: check_kernels [--group NAME] [--filter TEXT] [--seed N] [--light]\n"
+    "       check_kernels --bench [--all] [--size WxH] [--group NAME] [--filter TEXT]\n"
+    "       check_kernels --list\n"
+    "\n"
+    "Compares each primitive with its plain model on random pictures of many sizes.\n"
+    "  --group NAME   only the kernels of one group\n"
+    "  --filter TEXT  only kernels whose name holds TEXT\n"
+    "  --seed N       start of the random numbers (default 1)\n"
+    "  --light        fewer sizes and parameters, for slow builds\n"
+    "  --bench        times instead: primitive, model, ratio to a memcpy of the same plane\n"
+    "  --all          with every combination of parameters, not the chief one alone\n"
+    "  --size WxH     of the timed pictures (default 1280x720)\n";
+
+struct Size {
+    int32_t width;
+    int32_t height;
+};
+
+struct Options {
+    std::string_view group;
+    std::string_view filter;
+    uint64_t seed = 1;
+    bool light = false;
+    bool bench = false;
+    bool all = false;
+    bool list = false;
+    Size size{1280, 720};
+};
+
+template <typename Number>
+bool Parse(std::string_view text, Number& number) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size();
+}
+
+std::optional<Options> ParseOptions(int argc, char** argv) {
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view name = argv[i];
+        if (name == "--light") {
+            options.light = true;
+        } else if (name == "--bench") {
+            options.bench = true;
+        } else if (name == "--all") {
+            options.all = true;
+        } else if (name == "--list") {
+            options.list = true;
+        } else if (i + 1 == argc) {
+            return std::nullopt;
+        } else {
+            const std::string_view value = argv[++i];
+            const size_t cross = value.find('x');
+            if (name == "--group") {
+                options.group = value;
+            } else if (name == "--filter") {
+                options.filter = value;
+            } else if (name == "--seed" && Parse(value, options.seed)) {
+                // stored
+            } else if (name == "--size" && cross != value.npos &&
+                       Parse(value.substr(0, cross), options.size.width) &&
+                       Parse(value.substr(cross + 1), options.size.height) && options.size.width > 0 &&
+                       options.size.height > 0) {
+                // stored
+            } else {
+                return std::nullopt;
+            }
+        }
+    }
+    return options;
+}
+
+std::vector<check::Entry> Chosen(const Options& options) {
+    std::vector<check::Entry> chosen;
+    for (const check::Entry& entry : check::AllKernels()) {
+        if ((options.group.empty() || entry.group == options.group) &&
+            entry.kernel.name.find(options.filter) != std::string_view::npos) {
+            chosen.push_back(entry);
+        }
+    }
+    return chosen;
+}
+
+/// Sizes to compare at, with the number of parameter combinations that each gets.
+struct Plan {
+    Size size;
+    int combinations;
+};
+
+std::vector<Plan> MakePlans(bool light) {
+    std::vector<Plan> plans;
+    for (int32_t height = 1; height <= 40; ++height) {
+        for (int32_t width = 1; width <= 40; ++width) {
+            if (!light || height <= 3 || height % 12 == 5) {
+                plans.push_back({{width, height}, light ? 6 : 12});
+            }
+        }
+    }
+    plans.push_back({{176, 144}, light ? 16 : 64});
+    if (!light) {
+        plans.push_back({{641, 479}, 16});
+        plans.push_back({{1280, 720}, 8});
+    }
+    return plans;
+}
+
+struct Tally {
+    int64_t runs = 0;
+    int64_t failures = 0;
+};
+
+/// Compares one kernel at all sizes, up to its third failure. Sizes share the walk through the combinations
+/// of parameters: each goes on where the one before stopped.
+Tally CheckKernel(const check::Kernel& kernel, const std::vector<Plan>& plans, uint64_t seed) {
+    Tally tally;
+    check::Trial trial(seed, false);
+    for (const Plan& plan : plans) {
+        for (int i = 0; i < plan.combinations; ++i) {
+            trial.Begin(plan.size.width, plan.size.height, kernel.copyBytesPerPixel);
+            kernel.run(trial);
+            tally.runs += trial.ran();
+            if (!trial.failure().empty()) {
+                std::printf("FAILED %.*s at %dx%d%s: %s\n", static_cast<int>(kernel.name.size()),
+                            kernel.name.data(), plan.size.width, plan.size.height, trial.parameters().c_str(),
+                            trial.failure().c_str());
+                if (++tally.failures == 3) {
+                    return tally;
+                }
+            }
+            trial.Advance();
+        }
+    }
+    return tally;
+}
+
+int Check(const std::vector<check::Entry>& entries, const Options& options) {
+    const std::vector<Plan> plans = MakePlans(options.light);
+    bool good = true;
+    for (const check::Entry& entry : entries) {
+        const auto start = std::chrono::steady_clock::now();
+        const Tally tally = CheckKernel(entry.kernel, plans, options.seed);
+        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+        const bool passed = tally.failures == 0 && tally.runs > 0;
+        good = good && passed;
+        std::printf("%-40.*s %7lld runs %6.2f s  %s\n", static_cast<int>(entry.kernel.name.size()),
+                    entry.kernel.name.data(), static_cast<long long>(tally.runs), elapsed.count(),
+                    passed ? "ok" : "FAILED");
+        std::fflush(stdout);
+    }
+    return good ? 0 : 1;
+}
+
+int Bench(const std::vector<check::Entry>& entries, const Options& options) {
+    std::printf("%-64s %10s %10s %8s\n", "kernel", "ms", "model ms", "x memcpy");
+    for (const check::Entry& entry : entries) {
+        check::Trial trial(options.seed, true);
+        do {
+            trial.Begin(options.size.width, options.size.height, entry.kernel.copyBytesPerPixel);
+            entry.kernel.run(trial);
+            if (trial.ran()) {
+                const std::string name = std::string(entry.kernel.name) + trial.parameters();
+                const check::Trial::Times& times = trial.times();
+                std::printf("%-64s %10.4f %10.3f %8.2f\n", name.c_str(), times.fast * 1e3, times.model * 1e3,
+                            times.fast / times.memcpy);
+                std::fflush(stdout);
+            }
+        } while (!trial.Advance() && options.all);
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::optional<Options> options = ParseOptions(argc, argv);
+    if (!options) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
+    const std::vector<check::Entry> entries = Chosen(*options);
+    if (entries.empty()) {
+        std::fputs("check_kernels: no such kernel\n", stderr);
+        return 2;
+    }
+    if (options->list) {
+        for (const check::Entry& entry : entries) {
+            std::printf("%-14.*s %.*s\n", static_cast<int>(entry.group.size()), entry.group.data(),
+                        static_cast<int>(entry.kernel.name.size()), entry.kernel.name.data());
+        }
+        return 0;
+    }
+    return options->bench ? Bench(entries, *options) : Check(entries, *options);
+}
