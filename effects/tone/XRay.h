@@ -1,0 +1,25 @@
+// X-Ray: a darkened, slightly blurred negative of the luma under one fixed bluish green.
+#ifndef SPECIALEFFECTS_EFFECTS_TONE_XRAY_H
+#define SPECIALEFFECTS_EFFECTS_TONE_XRAY_H
+
+#include <vector>
+
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// The blur repeats the picture's edge. The numbers of bytes that are replaced are those that the frame
+/// tells, of luma never more than the stream has; luma bytes beyond it are darkened only.
+class CXRaySpecialEffectFilter final : public PlanarEffect<CXRaySpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "X-Ray";
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    CPlane8u Workspace;                ///< the radiograph, until all of the frame has been read
+    std::vector<uint16_t> ColumnSums;  ///< a row of sums of three, with one more at either end
+};
+
+#endif

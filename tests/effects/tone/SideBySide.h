@@ -1,0 +1,61 @@
+// Runs an effect and a plain model of it side by side.
+#ifndef SPECIALEFFECTS_TESTS_EFFECTS_TONE_SIDEBYSIDE_H
+#define SPECIALEFFECTS_TESTS_EFFECTS_TONE_SIDEBYSIDE_H
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+#include "tests/support/EffectDriver.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr int kModelFrames = 5;
+#else
+inline constexpr int kModelFrames = 20;
+#endif
+
+/// Two even sizes of a plain shape, one above the width from which some effects work at half size, two odd
+/// ones, one higher than wide, and some at which masks and halves run out of pixels.
+inline constexpr std::pair<int32_t, int32_t> kModelSizes[] = {{320, 240}, {176, 144}, {640, 480}, {161, 121},
+                                                              {515, 67},  {98, 150},  {4, 4},     {5, 3},
+                                                              {1, 7},     {7, 1},     {2, 2},     {1, 1}};
+
+/// Picture `index` of a stream: a moving scene, with independent random bytes for every fourth frame.
+inline TestFrame StreamPicture(int32_t width, int32_t height, int index) {
+    TestFrame frame(width, height);
+    return index % 4 == 3 ? frame.Randomize(static_cast<uint64_t>(index)) : frame.DrawScene(index);
+}
+
+/// Configures `effect` to each of the sizes and compares its frames, byte for byte, with those of the model
+/// that `makeModel(width, height)` gives: something that changes a TestFrame when it is called. Both draw
+/// from the same random stream and have to leave it in the same state.
+template <class MakeModel>
+void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel) {
+    constexpr unsigned kSeed = 20240229;
+    for (const auto& [width, height] : kModelSizes) {
+        SCOPED_TRACE(::testing::Message() << width << " by " << height);
+        ASSERT_EQ(effect.Configure(width, height), kSuccess);
+        std::vector<TestFrame> results;
+        std::srand(kSeed);
+        for (int i = 0; i < kModelFrames; ++i) {
+            results.push_back(StreamPicture(width, height, i));
+            ASSERT_EQ(effect.Process(results.back()), kSuccess);
+            ASSERT_TRUE(results.back().GuardsIntact());
+        }
+        const int nextDraw = std::rand();
+
+        auto model = makeModel(width, height);
+        std::srand(kSeed);
+        for (int i = 0; i < kModelFrames; ++i) {
+            TestFrame expected = StreamPicture(width, height, i);
+            model(expected);
+            ASSERT_EQ(FirstDifference(results[static_cast<size_t>(i)], expected), "") << "frame " << i;
+        }
+        EXPECT_EQ(nextDraw, std::rand()) << "draws of rand";
+    }
+}
+
+#endif
