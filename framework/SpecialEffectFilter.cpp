@@ -11,7 +11,7 @@ CSpecialEffectFilter& CSpecialEffectFilter::operator=(const CSpecialEffectFilter
 
 void* CSpecialEffectFilter::DeletingDestructor(uint32_t flags) {
     void* const memory = this;
-    this->~CSpecialEffectFilter();
+    this->CSpecialEffectFilter::~CSpecialEffectFilter();
     if ((flags & 1U) != 0) ::operator delete(memory);
     return memory;
 }
