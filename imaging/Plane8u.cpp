@@ -196,6 +196,12 @@ bool CPlane8u::LoadBmp(const char* path) {
     return true;
 }
 
+CPlane8u NewPlane(int32_t width, int32_t height) {
+    CPlane8u plane;
+    if (width >= 1 && height >= 1) Require(plane.Allocate(width, height));
+    return plane;
+}
+
 void Require(bool allocated) {
     if (!allocated) throw std::bad_alloc();
 }

@@ -107,6 +107,11 @@ class CPlane8u {
     bool owned = false;  ///< whether `data` is released with the plane
 };
 
+/// An owned plane of zeros, for an effect's workspace: `Scratch = NewPlane(Width() / 2, Height() / 2);` Empty
+/// where a size is below 1, as half of a tiny frame's is. Throws std::bad_alloc when the memory cannot be
+/// had.
+CPlane8u NewPlane(int32_t width, int32_t height);
+
 /// Throws std::bad_alloc unless `allocated`: for workspaces whose lack the host has to hear of.
 /// `Require(Scratch.Allocate(width, height));`
 void Require(bool allocated);
