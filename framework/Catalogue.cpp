@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "effects/drawing/ComicBook.h"
 #include "effects/tone/GrayScale.h"
 #include "effects/tone/NightVision.h"
 #include "effects/tone/Sepia.h"
@@ -90,7 +91,7 @@ constexpr Row kRows[] = {
     {"{48D2B4EE-5668-418C-8CB2-E624F4CBCDBA}", {1}, nullptr /* [] { return New<CStretchSpecialEffectFilter>(); } */},
     {"{AAD9F53D-60B9-4EDA-92B7-3E0A568DE28A}", {8}, nullptr /* [] { return New<CFishEyeSpecialEffectFilter>(); } */},
     {"{84DF0F59-4E9F-49AA-8DA0-C46E23D07128}", {10}, [] { return New<CNightVisionSpecialEffectFilter>(); }},
-    {"{7EA36DF8-6AC3-40AD-A4F3-9B240E651079}", {20}, nullptr /* [] { return New<CComicBookSpecialEffectFilter>(); } */},
+    {"{7EA36DF8-6AC3-40AD-A4F3-9B240E651079}", {20}, [] { return New<CComicBookSpecialEffectFilter>(); }},
     {"{4CD53514-D1F8-41FD-BE48-24EF98AD69D3}", {34}, nullptr /* [] { return New<CTimeDistortionSpecialEffectFilter>(); } */},
     {"{3FCD24E0-4787-4D3C-9483-2A689BD61654}", {35}, [] { return New<CXRaySpecialEffectFilter>(); }},
     {"{E9CC3E96-DFE8-4B32-A477-13D8968339F2}", {36}, nullptr /* [] { return New<CPictureMeSpecialEffectFilter>(); } */},
