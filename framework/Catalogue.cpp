@@ -6,11 +6,12 @@
 #include <string_view>
 #include <utility>
 
-#include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
+#include "effects/tone/Chrome.h"
 #include "effects/tone/GrayScale.h"
 #include "effects/tone/NightVision.h"
 #include "effects/tone/Sepia.h"
+#include "effects/tone/SpotLight.h"
 #include "effects/tone/XRay.h"
 #include "framework/Guid.h"
 
@@ -40,8 +41,8 @@ constexpr Row kRows[] = {
     {"{FB5FBC24-8123-4E32-BBA1-3E77B228A727}", {}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(2); } */},
     {"{333FBC24-1123-4E32-BBA1-3E77B228A727}", {6, 28}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(3); } */},
     {"{1FA2E948-426B-4BDE-A400-2EB1FEBF9522}", {}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(4); } */},
-    {"{1DC06F46-0253-4EF8-96AF-E69B0B535984}", {}, nullptr /* [] { return New<CChromeSpecialEffectFilter>(1); } */},
-    {"{43206F46-1253-4EF8-22AF-E69B0B535984}", {}, nullptr /* [] { return New<CChromeSpecialEffectFilter>(2); } */},
+    {"{1DC06F46-0253-4EF8-96AF-E69B0B535984}", {}, [] { return New<CChromeSpecialEffectFilter>(1); }},
+    {"{43206F46-1253-4EF8-22AF-E69B0B535984}", {}, [] { return New<CChromeSpecialEffectFilter>(2); }},
     {"{0405DEA1-A404-4CC8-A70B-5C273A2A8172}", {}, nullptr /* [] { return New<CPlasterSpecialEffectFilter>(); } */},
     {"{3A849CCB-B961-40FF-ABB7-4385365DF0FC}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(1); } */},
     {"{4DD74959-BE0F-44B1-92B6-043DC61D9F39}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(2); } */},
@@ -83,10 +84,10 @@ constexpr Row kRows[] = {
     {"{A8DC69D3-3428-4F12-B672-BB58C95BDE25}", {30}, nullptr /* [] { return New<CMotionBlurSpecialEffectFilter>(0); } */},
     {"{6C250CDD-8B28-4821-B047-B30878E3439F}", {9}, nullptr /* [] { return New<CMotionDetectorSpecialEffectFilter>(); } */},
     {"{8656338E-0410-4832-A7CA-325D902713D2}", {31}, nullptr /* [] { return New<CMotionBlurSpecialEffectFilter>(1); } */},
-    {"{7B4F7937-8D17-4216-B206-383740E65E17}", {32}, [] { return New<CColoredPencilSpecialEffectFilter>(); }},
-    {"{80636C0C-87C0-4EDE-AC46-B9F78D3DBF9F}", {}, nullptr /* [] { return New<CSpotLightSpecialEffectFilter>(0); } */},
-    {"{0255B3CB-9DF7-4B4D-ADBA-8730305B29EA}", {13}, nullptr /* [] { return New<CSpotLightSpecialEffectFilter>(1); } */},
-    {"{6A5E49C5-2ACA-4115-B778-74AA63AE43C1}", {}, nullptr /* [] { return New<CSpotLightSpecialEffectFilter>(2); } */},
+    {"{7B4F7937-8D17-4216-B206-383740E65E17}", {32}, nullptr /* [] { return New<CColoredPencilSpecialEffectFilter>(); } */},
+    {"{80636C0C-87C0-4EDE-AC46-B9F78D3DBF9F}", {}, [] { return New<CSpotLightSpecialEffectFilter>(0); }},
+    {"{0255B3CB-9DF7-4B4D-ADBA-8730305B29EA}", {13}, [] { return New<CSpotLightSpecialEffectFilter>(1); }},
+    {"{6A5E49C5-2ACA-4115-B778-74AA63AE43C1}", {}, [] { return New<CSpotLightSpecialEffectFilter>(2); }},
     {"{692E6627-95B1-462D-B120-114CFBA72188}", {33}, nullptr /* [] { return New<CQuarkSpecialEffectFilter>(); } */},
     {"{65F2B741-B4F0-4B6E-9C6B-3548B3039578}", {21}, nullptr /* [] { return New<CLogoAnimationSpecialEffectFilter>(); } */},
     {"{48D2B4EE-5668-418C-8CB2-E624F4CBCDBA}", {1}, nullptr /* [] { return New<CStretchSpecialEffectFilter>(); } */},
