@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
 #include "effects/tone/Chrome.h"
 #include "effects/tone/GrayScale.h"
@@ -84,7 +85,7 @@ constexpr Row kRows[] = {
     {"{A8DC69D3-3428-4F12-B672-BB58C95BDE25}", {30}, nullptr /* [] { return New<CMotionBlurSpecialEffectFilter>(0); } */},
     {"{6C250CDD-8B28-4821-B047-B30878E3439F}", {9}, nullptr /* [] { return New<CMotionDetectorSpecialEffectFilter>(); } */},
     {"{8656338E-0410-4832-A7CA-325D902713D2}", {31}, nullptr /* [] { return New<CMotionBlurSpecialEffectFilter>(1); } */},
-    {"{7B4F7937-8D17-4216-B206-383740E65E17}", {32}, nullptr /* [] { return New<CColoredPencilSpecialEffectFilter>(); } */},
+    {"{7B4F7937-8D17-4216-B206-383740E65E17}", {32}, [] { return New<CColoredPencilSpecialEffectFilter>(); }},
     {"{80636C0C-87C0-4EDE-AC46-B9F78D3DBF9F}", {}, [] { return New<CSpotLightSpecialEffectFilter>(0); }},
     {"{0255B3CB-9DF7-4B4D-ADBA-8730305B29EA}", {13}, [] { return New<CSpotLightSpecialEffectFilter>(1); }},
     {"{6A5E49C5-2ACA-4115-B778-74AA63AE43C1}", {}, [] { return New<CSpotLightSpecialEffectFilter>(2); }},

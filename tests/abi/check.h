@@ -1,0 +1,24 @@
+/* Named checks: one line of output each, details only for what went wrong. */
+#ifndef ABI_CHECK_H
+#define ABI_CHECK_H
+
+#include <stdbool.h>
+
+/* Starts a check; it lasts until `end_check`. */
+__attribute__((format(printf, 1, 2))) void begin_check(const char* format, ...);
+
+/* Prints the detail and counts the check as failed unless `holds`. Returns `holds`. */
+__attribute__((format(printf, 2, 3))) bool expect(bool holds, const char* format, ...);
+
+void end_check(void);
+
+/* `expect` for a result that is one number, printed as a code. */
+bool expect_code(unsigned long long got, unsigned long long wanted, const char* what);
+
+/* A line that says what was not checked and why. */
+__attribute__((format(printf, 1, 2))) void note(const char* format, ...);
+
+/* Prints the totals; the program's exit code. */
+int checks_result(void);
+
+#endif
