@@ -137,32 +137,49 @@ inline int32_t NearestSample(int32_t k, int32_t n, double factor) {
     return static_cast<int32_t>(std::min<double>((k + 0.5) * (1.0 / factor) + 1e-7, n - 1));
 }
 
-inline float LanczosEntry(int32_t i) {
-    constexpr double pi = 3.14159265358979323846;
-    const double d = i / 100.0;
-    if (i == 0 || i >= 300) {
-        return i == 0 ? 1.0f : 0.0f;
-    }
-    return static_cast<float>(std::sin(pi * d) / (pi * d) * (std::sin(pi * (d / 3.0)) / (pi * (d / 3.0))));
+/// The window sinc(d) * sinc(d / 3) at d = 0.00, 0.01, ... 3.00, in single precision.
+inline const std::array<float, 301>& LanczosTable() {
+    static const std::array<float, 301> table = [] {
+        constexpr double pi = 3.14159265358979323846;
+        std::array<float, 301> values{};
+        values[0] = 1.0f;
+        for (size_t i = 1; i < 300; ++i) {
+            const double d = static_cast<double>(i) / 100.0;
+            values[i] = static_cast<float>(std::sin(pi * d) / (pi * d) *
+                                           (std::sin(pi * (d / 3.0)) / (pi * (d / 3.0))));
+        }
+        return values;
+    }();
+    return table;
 }
 
-inline std::array<float, 6> LanczosWeights(double fraction) {
-    std::array<double, 6> w{};
-    double sum = 0.0;
-    for (int32_t t = 0; t < 6; ++t) {
-        const double position = std::fabs(t - 2 - fraction) * 100.0;
-        const auto i = static_cast<int32_t>(position);
-        if (position < 300.0) {
-            w[static_cast<size_t>(t)] =
-                LanczosEntry(i) + (position - i) * (LanczosEntry(i + 1) - LanczosEntry(i));
+/// The six taps of each sample of an axis.
+struct LanczosTaps {
+    int32_t sample;
+    std::array<float, 6> weights;
+};
+
+inline std::vector<LanczosTaps> LanczosAxis(int32_t count, int32_t n, double factor) {
+    std::vector<LanczosTaps> axis;
+    for (int32_t k = 0; k < count; ++k) {
+        const ResizeTap tap = ResizeTapAt(k, n, factor);
+        std::array<double, 6> w{};
+        double sum = 0.0;
+        for (int32_t t = 0; t < 6; ++t) {
+            const double position = std::fabs(t - 2 - tap.fraction) * 100.0;
+            const auto i = static_cast<size_t>(position);
+            if (position < 300.0) {
+                const float low = LanczosTable()[i], high = LanczosTable()[i + 1];
+                w[static_cast<size_t>(t)] = low + (position - static_cast<double>(i)) * (high - low);
+            }
+            sum += w[static_cast<size_t>(t)];
         }
-        sum += w[static_cast<size_t>(t)];
+        axis.push_back({tap.sample, {}});
+        for (size_t t = 0; t < 6; ++t) {
+            axis.back().weights[t] = static_cast<float>(w[t] / sum);
+        }
     }
-    std::array<float, 6> weights{};
-    for (size_t t = 0; t < 6; ++t) {
-        weights[t] = static_cast<float>(w[t] / sum);
-    }
-    return weights;
+    return axis;
 }
 
 inline PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStep,
@@ -177,6 +194,25 @@ inline PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t s
     };
     const int32_t columns = ResizeCount(width, xFactor, dstWidth);
     const int32_t rows = ResizeCount(height, yFactor, dstHeight);
+    if (interpolation == 16 && side >= 8) {
+        const std::vector<LanczosTaps> across = LanczosAxis(columns, width, xFactor);
+        const std::vector<LanczosTaps> down = LanczosAxis(rows, height, yFactor);
+        ForEach(columns, rows, [&](int32_t column, int32_t row) {
+            const LanczosTaps& h = across[static_cast<size_t>(column)];
+            const LanczosTaps& v = down[static_cast<size_t>(row)];
+            float sum = 0.0f;
+            for (int32_t j = 0; j < 6; ++j) {
+                float along = 0.0f;
+                for (int32_t i = 0; i < 6; ++i) {
+                    along += h.weights[static_cast<size_t>(i)] *
+                             static_cast<float>(p(h.sample - 2 + i, v.sample - 2 + j));
+                }
+                sum += v.weights[static_cast<size_t>(j)] * along;
+            }
+            At(dst, dstStep, column, row) = Sat8(static_cast<int64_t>(std::floor(sum + 0.5f)));
+        });
+        return 0;
+    }
     ForEach(columns, rows, [&](int32_t column, int32_t row) {
         uint8_t& out = At(dst, dstStep, column, row);
         if (interpolation == 1 || side < 2) {
@@ -185,21 +221,6 @@ inline PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t s
         }
         const ResizeTap h = ResizeTapAt(column, width, xFactor);
         const ResizeTap v = ResizeTapAt(row, height, yFactor);
-        if (interpolation == 16 && side >= 8) {
-            const std::array<float, 6> wx = LanczosWeights(h.fraction);
-            const std::array<float, 6> wy = LanczosWeights(v.fraction);
-            float sum = 0.0f;
-            for (int32_t j = 0; j < 6; ++j) {
-                float along = 0.0f;
-                for (int32_t i = 0; i < 6; ++i) {
-                    along += wx[static_cast<size_t>(i)] *
-                             static_cast<float>(p(h.sample - 2 + i, v.sample - 2 + j));
-                }
-                sum += wy[static_cast<size_t>(j)] * along;
-            }
-            out = Sat8(static_cast<int64_t>(std::floor(sum + 0.5f)));
-            return;
-        }
         const auto wx = static_cast<int32_t>(h.fraction * 16384 + 0.5);
         const auto wy = static_cast<int32_t>(v.fraction * 16384 + 0.5);
         const auto along = [&](int32_t y) {
