@@ -9,6 +9,9 @@
 #include "effects/animated/Fire.h"
 #include "effects/animated/Quark.h"
 #include "effects/animated/Rain.h"
+#include "effects/distortion/Bulge.h"
+#include "effects/distortion/FishEye.h"
+#include "effects/distortion/Stretch.h"
 #include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
 #include "effects/time/FourSquare.h"
@@ -99,14 +102,14 @@ constexpr Row kRows[] = {
     {"{6A5E49C5-2ACA-4115-B778-74AA63AE43C1}", {}, [] { return New<CSpotLightSpecialEffectFilter>(2); }},
     {"{692E6627-95B1-462D-B120-114CFBA72188}", {33}, [] { return New<CQuarkSpecialEffectFilter>(); }},
     {"{65F2B741-B4F0-4B6E-9C6B-3548B3039578}", {21}, nullptr /* [] { return New<CLogoAnimationSpecialEffectFilter>(); } */},
-    {"{48D2B4EE-5668-418C-8CB2-E624F4CBCDBA}", {1}, nullptr /* [] { return New<CStretchSpecialEffectFilter>(); } */},
-    {"{AAD9F53D-60B9-4EDA-92B7-3E0A568DE28A}", {8}, nullptr /* [] { return New<CFishEyeSpecialEffectFilter>(); } */},
+    {"{48D2B4EE-5668-418C-8CB2-E624F4CBCDBA}", {1}, [] { return New<CStretchSpecialEffectFilter>(); }},
+    {"{AAD9F53D-60B9-4EDA-92B7-3E0A568DE28A}", {8}, [] { return New<CFishEyeSpecialEffectFilter>(); }},
     {"{84DF0F59-4E9F-49AA-8DA0-C46E23D07128}", {10}, [] { return New<CNightVisionSpecialEffectFilter>(); }},
     {"{7EA36DF8-6AC3-40AD-A4F3-9B240E651079}", {20}, [] { return New<CComicBookSpecialEffectFilter>(); }},
     {"{4CD53514-D1F8-41FD-BE48-24EF98AD69D3}", {34}, [] { return New<CTimeDistortionSpecialEffectFilter>(); }},
     {"{3FCD24E0-4787-4D3C-9483-2A689BD61654}", {35}, [] { return New<CXRaySpecialEffectFilter>(); }},
     {"{E9CC3E96-DFE8-4B32-A477-13D8968339F2}", {36}, nullptr /* [] { return New<CPictureMeSpecialEffectFilter>(); } */},
-    {"{DED4BDD4-E2A0-4542-808E-FC9DC4CBCEA6}", {37}, nullptr /* [] { return New<CBulgeSpecialEffectFilter>(); } */},
+    {"{DED4BDD4-E2A0-4542-808E-FC9DC4CBCEA6}", {37}, [] { return New<CBulgeSpecialEffectFilter>(); }},
     {"{CC006219-72F8-4E49-8E12-6E05B59269E9}", {38}, [] { return New<CGrayScaleSpecialEffectFilter>(); }},
     {"{3BF3AE40-0316-41B9-84C5-A8C671212CAC}", {39}, [] { return New<CSepiaSpecialEffectFilter>(); }},
 };
