@@ -12,6 +12,7 @@
 #include "effects/distortion/Bulge.h"
 #include "effects/distortion/FishEye.h"
 #include "effects/distortion/Stretch.h"
+#include "effects/drawing/Chalk.h"
 #include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
 #include "effects/time/FourSquare.h"
@@ -63,9 +64,9 @@ constexpr Row kRows[] = {
     {"{6772F07B-DE51-4FA9-A7C7-DE6430F437BF}", {17}, nullptr /* [] { return New<CLineArtSpecialEffectFilter>(2); } */},
     {"{A50A308E-0D60-46E5-A336-409E22F395DD}", {4}, [] { return New<CTiledUpSpecialEffectFilter>(); }},
     {"{E13ED2C0-8ABF-424D-95DD-AB390B236072}", {0}, nullptr /* [] { return New<CNeonizeSpecialEffectFilter>(); } */},
-    {"{DD6B365B-A6CD-4473-80D8-20F7A662B981}", {7}, nullptr /* [] { return New<CChalkSpecialEffectFilter>(1); } */},
-    {"{C043B0F7-A2E1-40F3-AAC7-2019FB2571C3}", {}, nullptr /* [] { return New<CChalkSpecialEffectFilter>(2); } */},
-    {"{C1A1DEF8-8962-45EF-B416-4C51F4DED591}", {}, nullptr /* [] { return New<CChalkSpecialEffectFilter>(3); } */},
+    {"{DD6B365B-A6CD-4473-80D8-20F7A662B981}", {7}, [] { return New<CChalkSpecialEffectFilter>(1); }},
+    {"{C043B0F7-A2E1-40F3-AAC7-2019FB2571C3}", {}, [] { return New<CChalkSpecialEffectFilter>(2); }},
+    {"{C1A1DEF8-8962-45EF-B416-4C51F4DED591}", {}, [] { return New<CChalkSpecialEffectFilter>(3); }},
     {"{C116304B-F245-4111-855E-5EA4873787FB}", {24}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(1); } */},
     {"{09BBE22C-BF85-445E-8DF0-F90E72B6B8C0}", {15}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(2); } */},
     {"{D77E9CF7-CE38-4ABF-A4BA-525140515CEC}", {19}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(3); } */},

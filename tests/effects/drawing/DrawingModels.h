@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <span>
@@ -22,8 +23,9 @@ struct Plane {
     Plane(int w, int h, std::span<const uint8_t> bytes)
         : width(w), height(h), pixels(bytes.begin(), bytes.end()) {}
 
-    uint8_t& operator()(int x, int y) { return pixels[static_cast<size_t>(y * width + x)]; }
-    int operator()(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+    size_t At(int x, int y) const { return static_cast<size_t>(y * width + x); }
+    uint8_t& operator()(int x, int y) { return pixels[At(x, y)]; }
+    int operator()(int x, int y) const { return pixels[At(x, y)]; }
 
     void WriteTo(std::span<uint8_t> bytes) const { std::copy(pixels.begin(), pixels.end(), bytes.begin()); }
 
@@ -85,15 +87,19 @@ inline void Lowpass5(const Plane& src, Plane& dst) {
     });
 }
 
+/// The median of 25 is the largest value that no more than 12 of them lie below: found bit by bit.
 inline void Median5(const Plane& src, Plane& dst) {
     ForInterior(src, 2, [&](int x, int y) {
-        std::vector<int> window;
-        WindowSum(src, x - 2, y - 2, 5, [&](int i, int j) {
-            window.push_back(src(x - 2 + i, y - 2 + j));
-            return 0;
-        });
-        std::nth_element(window.begin(), window.begin() + 12, window.end());
-        dst(x, y) = static_cast<uint8_t>(window[12]);
+        std::array<uint8_t, 25> window;
+        for (int j = 0; j < 5; ++j)
+            std::copy_n(&src.pixels[src.At(x - 2, y - 2 + j)], 5, &window[static_cast<size_t>(5 * j)]);
+        int median = 0;
+        for (int bit = 128; bit > 0; bit /= 2) {
+            int below = 0;
+            for (const uint8_t pixel : window) below += pixel < median + bit ? 1 : 0;
+            if (below <= 12) median += bit;
+        }
+        dst(x, y) = static_cast<uint8_t>(median);
     });
 }
 
@@ -122,8 +128,8 @@ inline std::vector<int> EdgeStrengths(const Plane& src) {
     ForInterior(src, 1, [&](int x, int y) {
         const auto below = [](int i, int j) { return (j - 1) * (i == 1 ? 2 : 1); };
         const auto left = [](int i, int j) { return (1 - i) * (j == 1 ? 2 : 1); };
-        strengths[static_cast<size_t>(y * src.width + x)] = std::abs(WindowSum(src, x - 1, y - 1, 3, below)) +
-                                                            std::abs(WindowSum(src, x - 1, y - 1, 3, left));
+        strengths[src.At(x, y)] = std::abs(WindowSum(src, x - 1, y - 1, 3, below)) +
+                                  std::abs(WindowSum(src, x - 1, y - 1, 3, left));
     });
     return strengths;
 }
