@@ -6,9 +6,11 @@
 #include <string_view>
 #include <utility>
 
+#include "effects/animated/Clouds.h"
 #include "effects/animated/Fire.h"
 #include "effects/animated/Quark.h"
 #include "effects/animated/Rain.h"
+#include "effects/animated/RainDrops.h"
 #include "effects/distortion/Bulge.h"
 #include "effects/distortion/FishEye.h"
 #include "effects/distortion/Stretch.h"
@@ -77,11 +79,11 @@ constexpr Row kRows[] = {
     {"{31C0857C-39B7-47C5-A30D-5E7EA39D66A6}", {16}, nullptr /* [] { return New<CTwirlSpecialEffectFilter>(1, 1.15); } */},
     {"{D4BD349A-13D3-45F2-8C4C-880E9D2E6280}", {27}, nullptr /* [] { return New<CTwirlSpecialEffectFilter>(2, 1.15); } */},
     {"{41AAFA6F-B0F3-4759-A799-4E3DF9833D4A}", {11}, nullptr /* [] { return New<CMovingTwirlSpecialEffectFilter>(); } */},
-    {"{7DB203B3-4EC6-497D-957F-5A938F6AAB76}", {18}, nullptr /* [] { return New<CCloudsSpecialEffectFilter>(); } */},
+    {"{7DB203B3-4EC6-497D-957F-5A938F6AAB76}", {18}, [] { return New<CCloudsSpecialEffectFilter>(); }},
     {"{83548554-BA11-4C26-9403-442DFA1C2BFE}", {5}, nullptr /* [] { return New<CAntiquatedMovieSpecialEffectFilter>(); } */},
     {"{F342D1F4-4E9C-475C-82CF-1CC347562DBC}", {22}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(1); } */},
     {"{2F8530C5-96DA-4BCD-9CCA-B536EAFB08BB}", {23}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(2); } */},
-    {"{9E680B79-DC8E-4CA2-B3AE-731A26C57EAE}", {14}, nullptr /* [] { return New<CRainDropsSpecialEffectFilter>(); } */},
+    {"{9E680B79-DC8E-4CA2-B3AE-731A26C57EAE}", {14}, [] { return New<CRainDropsSpecialEffectFilter>(); }},
     {"{A5749CD7-26DF-440E-B377-4F9909EFE6C9}", {12}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(1); } */},
     {"{E729C2F2-476B-4B34-A0FC-8F62BAD8CEA0}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(5); } */},
     {"{727BCC5F-DF7B-4ECB-B895-22109E5F5770}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(4); } */},

@@ -2,21 +2,10 @@
 
 #include <algorithm>
 
+#include "imaging/ExactDivision.h"
 #include "imaging/Multiversion.h"
 
 namespace {
-
-/// n / 13 for sums of thirteen bytes, as the high half of a 16-bit product.
-constexpr uint32_t Thirteenth(uint32_t n) {
-    return (n * 5042U) >> 16;
-}
-constexpr bool ThirteenthIsExact() {
-    for (uint32_t n = 0; n <= 13 * 255; ++n) {
-        if (Thirteenth(n) != n / 13) return false;
-    }
-    return true;
-}
-static_assert(ThirteenthIsExact());
 
 /// The brightest of the three past frames counts three times.
 SE_MULTIVERSION void BlendTrails(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT a,
@@ -24,7 +13,7 @@ SE_MULTIVERSION void BlendTrails(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTR
     for (size_t i = 0; i < count; ++i) {
         const uint8_t brightest = std::max(a[i], std::max(b[i], d[i]));
         const auto sum = static_cast<uint16_t>(4 * y[i] + 3 * a[i] + 3 * brightest + 2 * b[i] + d[i]);
-        y[i] = static_cast<uint8_t>(Thirteenth(sum));
+        y[i] = static_cast<uint8_t>(DivideBy13(sum));
     }
 }
 

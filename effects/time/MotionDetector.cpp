@@ -1,6 +1,7 @@
 #include "effects/time/MotionDetector.h"
 
 #include "framework/ProcessClock.h"
+#include "imaging/ExactDivision.h"
 #include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
 #include "imaging/ScalarColor.h"
@@ -18,23 +19,11 @@ SE_MULTIVERSION void MarkMotion(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRI
     }
 }
 
-/// n / 3 for sums of three bytes, as the high half of a 16-bit product.
-constexpr uint32_t Third(uint32_t n) {
-    return (n * 21846U) >> 16;
-}
-constexpr bool ThirdIsExact() {
-    for (uint32_t n = 0; n <= 3 * 255; ++n) {
-        if (Third(n) != n / 3) return false;
-    }
-    return true;
-}
-static_assert(ThirdIsExact());
-
 SE_MULTIVERSION void FollowScene(uint8_t* SE_RESTRICT background, const uint8_t* SE_RESTRICT scene,
                                  size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto sum = static_cast<uint16_t>(scene[i] + 2 * background[i]);
-        background[i] = static_cast<uint8_t>(Third(sum));
+        background[i] = static_cast<uint8_t>(DivideBy3(sum));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "imaging/ExactDivision.h"
 #include "imaging/Multiversion.h"
 
 namespace {
@@ -10,22 +11,10 @@ namespace {
 constexpr int kStill = 10;     ///< a difference up to this counts as no change
 constexpr size_t kBlock = 64;  ///< pixels that are skipped together when none of them has changed
 
-/// n / 255 for n up to 255 * 255.
-constexpr uint32_t By255(uint32_t n) {
-    return (n + 1 + (n >> 8)) >> 8;
-}
-constexpr bool By255IsExact() {
-    for (uint32_t n = 0; n <= 255 * 255; ++n) {
-        if (By255(n) != n / 255) return false;
-    }
-    return true;
-}
-static_assert(By255IsExact());
-
 SE_MULTIVERSION void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT y, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto sum = static_cast<uint16_t>(76 * y[i] + 179 * average[i]);
-        average[i] = static_cast<uint8_t>(By255(sum));
+        average[i] = static_cast<uint8_t>(DivideBy255(sum));
     }
 }
 
