@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "effects/animated/CameraFlashes.h"
 #include "effects/animated/Clouds.h"
 #include "effects/animated/Fire.h"
 #include "effects/animated/Quark.h"
@@ -84,18 +85,18 @@ constexpr Row kRows[] = {
     {"{F342D1F4-4E9C-475C-82CF-1CC347562DBC}", {22}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(1); } */},
     {"{2F8530C5-96DA-4BCD-9CCA-B536EAFB08BB}", {23}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(2); } */},
     {"{9E680B79-DC8E-4CA2-B3AE-731A26C57EAE}", {14}, [] { return New<CRainDropsSpecialEffectFilter>(); }},
-    {"{A5749CD7-26DF-440E-B377-4F9909EFE6C9}", {12}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(1); } */},
-    {"{E729C2F2-476B-4B34-A0FC-8F62BAD8CEA0}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(5); } */},
-    {"{727BCC5F-DF7B-4ECB-B895-22109E5F5770}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(4); } */},
-    {"{B6C05462-D194-4022-B507-8FB2940739BB}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(8); } */},
-    {"{33BB1C59-E80E-4B8B-A7AC-66D058A52A00}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(3); } */},
-    {"{3BD16EB0-C94B-4D63-BEAE-D034AC9668EF}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(7); } */},
-    {"{8BB64F99-EB1E-4D12-9E21-2B68399AFF36}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(2); } */},
-    {"{3FB097AA-932B-4B55-83B6-6E969CBE8FB3}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(6); } */},
-    {"{9C2835D8-1BE3-4E49-840A-CBBDA6FFAD0F}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(9); } */},
-    {"{922AC4BE-F417-4CB9-98D7-6226C2E41589}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(10); } */},
-    {"{7107911C-9343-414E-B78A-301C3E8154FC}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(11); } */},
-    {"{1CCF41D6-1DB0-4210-A520-257AB271948C}", {}, nullptr /* [] { return New<CCameraFlashesSpecialEffectFilter>(12); } */},
+    {"{A5749CD7-26DF-440E-B377-4F9909EFE6C9}", {12}, [] { return New<CCameraFlashesSpecialEffectFilter>(1); }},
+    {"{E729C2F2-476B-4B34-A0FC-8F62BAD8CEA0}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(5); }},
+    {"{727BCC5F-DF7B-4ECB-B895-22109E5F5770}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(4); }},
+    {"{B6C05462-D194-4022-B507-8FB2940739BB}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(8); }},
+    {"{33BB1C59-E80E-4B8B-A7AC-66D058A52A00}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(3); }},
+    {"{3BD16EB0-C94B-4D63-BEAE-D034AC9668EF}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(7); }},
+    {"{8BB64F99-EB1E-4D12-9E21-2B68399AFF36}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(2); }},
+    {"{3FB097AA-932B-4B55-83B6-6E969CBE8FB3}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(6); }},
+    {"{9C2835D8-1BE3-4E49-840A-CBBDA6FFAD0F}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(9); }},
+    {"{922AC4BE-F417-4CB9-98D7-6226C2E41589}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(10); }},
+    {"{7107911C-9343-414E-B78A-301C3E8154FC}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(11); }},
+    {"{1CCF41D6-1DB0-4210-A520-257AB271948C}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(12); }},
     {"{A8DC69D3-3428-4F12-B672-BB58C95BDE25}", {30}, [] { return New<CMotionBlurSpecialEffectFilter>(0); }},
     {"{6C250CDD-8B28-4821-B047-B30878E3439F}", {9}, [] { return New<CMotionDetectorSpecialEffectFilter>(); }},
     {"{8656338E-0410-4832-A7CA-325D902713D2}", {31}, [] { return New<CMotionBlurSpecialEffectFilter>(1); }},
