@@ -1,0 +1,108 @@
+// `bench`: what an effect costs, beside what it costs to copy the frame.
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+
+#include "Commands.h"
+#include "EffectChain.h"
+#include "Interrupt.h"
+#include "ScratchDirectory.h"
+#include "TestScene.h"
+
+namespace host {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+constexpr int kSceneFrames = 16;
+constexpr int kWarmUpFrames = 4;
+constexpr size_t kFewestFrames = 12;
+constexpr size_t kMostFrames = 200;
+constexpr Milliseconds kEnough(600);
+
+struct Timing {
+    double effect;  // milliseconds a frame
+    double copy;    // milliseconds for a memcpy of the frame, in the same run
+};
+
+double Median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+template <class Work>
+double Timed(Work work) {
+    const auto start = Clock::now();
+    work();
+    return Milliseconds(Clock::now() - start).count();
+}
+
+Timing Measure(EffectChain& chain, const std::vector<Frame>& scene) {
+    Frame frame = scene.front();
+    Frame copy = frame;
+    std::vector<double> effectTimes, copyTimes;
+    double total = 0;
+    for (size_t i = 0; effectTimes.size() < kMostFrames && !Interrupted(); ++i) {
+        // The effect and the copy both find the frame in the cache, as it is after a camera wrote it.
+        frame = scene[i % scene.size()];
+        const double effectTime = Timed([&] { chain.Process(frame); });
+        const double copyTime = Timed([&] { std::memcpy(copy.Plane(0), frame.Plane(0), frame.Size()); });
+        if (i < kWarmUpFrames) continue;
+        effectTimes.push_back(effectTime);
+        copyTimes.push_back(copyTime);
+        total += effectTime;
+        if (effectTimes.size() >= kFewestFrames && total > kEnough.count()) break;
+    }
+    if (effectTimes.empty()) throw Failure("interrupted");
+    return {Median(std::move(effectTimes)), Median(std::move(copyTimes))};
+}
+
+std::vector<Frame> DrawScene(Size size) {
+    std::vector<Frame> scene;
+    for (int64_t i = 0; i < kSceneFrames; ++i) {
+        scene.emplace_back(size.width, size.height, kFormatPlanar);
+        DrawTestScene(i, scene.back());
+    }
+    return scene;
+}
+
+std::vector<std::string> EveryEffect(const Module& module) {
+    std::vector<std::string> names;
+    for (const EffectName& name : AllEffects()) {
+        if (module.Create(name.Guid())) names.emplace_back(name.shortName);
+    }
+    return names;
+}
+
+}  // namespace
+
+void Run(const BenchOptions& options) {
+    const Notes notes(false);
+    const Module module(options.module);
+    const std::vector<std::string> effects = options.effects.empty() ? EveryEffect(module) : options.effects;
+    for (const std::string& effect : effects) RequireEffect(SplitEffectText(effect).effect);
+    const Size size = EvenSize(options.size);
+    if (size != options.size) {
+        notes.Add("{}x{} becomes {}x{}: sides have to be even", options.size.width, options.size.height,
+                  size.width, size.height);
+    }
+    const std::vector<Frame> scene = DrawScene(size);
+
+    const ScratchDirectory scratch;
+    fmt::print("{}x{}, one thread, medians\n", size.width, size.height);
+    fmt::print("{:<24} {:>9} {:>9} {:>9} {:>9}\n", "effect", "ms/frame", "fps", "memcpy ms", "x memcpy");
+    for (const std::string& effect : effects) {
+        std::srand(1);
+        EffectChain chain(module, {effect}, notes);
+        chain.Configure(size.width, size.height, kFormatPlanar, std::nullopt);
+        const Timing timing = Measure(chain, scene);
+        fmt::print("{:<24} {:>9.3f} {:>9.1f} {:>9.4f} {:>9.2f}\n", effect, timing.effect,
+                   1000 / timing.effect, timing.copy, timing.effect / timing.copy);
+        std::fflush(stdout);
+    }
+}
+
+}  // namespace host

@@ -1,0 +1,63 @@
+#include "CameraOutput.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <thread>
+
+#include "Interrupt.h"
+
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
+namespace host {
+
+CameraOutput::CameraOutput(const std::string& device, const StreamInfo& stream)
+    : m_device(device), m_stream(stream) {
+    struct stat status {};
+    if (stat(device.c_str(), &status) != 0) throw Failure("cannot open {}: {}", device, SystemText(errno));
+    AVFormatContext* context = nullptr;
+    const int found = avformat_alloc_output_context2(&context, nullptr, "v4l2", device.c_str());
+    if (found < 0) throw Failure("cannot write to {}: FFmpeg's libraries here have no V4L2 output", device);
+    m_output.reset(context);
+    AVStream* video = avformat_new_stream(context, nullptr);
+    if (video == nullptr) throw std::bad_alloc();
+    video->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
+    video->codecpar->codec_id = AV_CODEC_ID_RAWVIDEO;
+    video->codecpar->format = AV_PIX_FMT_YUV420P;
+    video->codecpar->width = stream.size.width;
+    video->codecpar->height = stream.size.height;
+    video->time_base = stream.timeBase;
+    const int result = avformat_write_header(context, nullptr);
+    if (result < 0) throw Failure("cannot open {} as a virtual camera: {}", device, LibavText(result));
+}
+
+void CameraOutput::WaitFor(int64_t time) {
+    const auto now = Clock::now();
+    const std::chrono::duration<double> offset(static_cast<double>(time) * av_q2d(m_stream.timeBase));
+    const auto passed = std::chrono::duration_cast<Clock::duration>(offset);
+    if (!m_start) m_start = now - passed;
+    const auto due = *m_start + passed;
+    if (due > now && !Interrupted()) std::this_thread::sleep_until(due);
+}
+
+void CameraOutput::Write(const Frame& frame) {
+    if (m_stream.kind != InputKind::Live) WaitFor(frame.time);
+    const AVFramePtr view = ViewOf(frame);
+    const AVFrame& planar = m_converter.Convert(*view, frame.Width(), frame.Height(), AV_PIX_FMT_YUV420P);
+    const int size = av_image_get_buffer_size(AV_PIX_FMT_YUV420P, frame.Width(), frame.Height(), 1);
+    const PacketPtr packet = NewPacket();
+    if (av_new_packet(packet.get(), size) < 0) throw std::bad_alloc();
+    av_image_copy_to_buffer(packet->data, size, planar.data, planar.linesize, AV_PIX_FMT_YUV420P,
+                            frame.Width(), frame.Height(), 1);
+    packet->pts = packet->dts = frame.time;
+    const int result = av_write_frame(m_output.get(), packet.get());
+    if (result < 0) throw Failure("cannot write to {}: {}", m_device, LibavText(result));
+}
+
+void CameraOutput::Finish() {
+    av_write_trailer(m_output.get());
+}
+
+}  // namespace host

@@ -1,0 +1,34 @@
+// A virtual camera: a V4L2 loopback device that other programs read.
+#ifndef SPECIALEFFECTS_HOST_CAMERAOUTPUT_H
+#define SPECIALEFFECTS_HOST_CAMERAOUTPUT_H
+
+#include <chrono>
+#include <optional>
+
+#include "VideoOutput.h"
+
+namespace host {
+
+class CameraOutput : public VideoOutput {
+  public:
+    CameraOutput(const std::string& device, const StreamInfo& stream);
+
+    /// Returns when the frame's time has come: a file plays at its own speed.
+    void Write(const Frame& frame) override;
+    void Finish() override;
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    void WaitFor(int64_t time);
+
+    std::string m_device;
+    StreamInfo m_stream;
+    OutputContextPtr m_output;
+    Converter m_converter;
+    std::optional<Clock::time_point> m_start;
+};
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,26 @@
+// A picture as a hand-held camera sees it: a slow pan, a zoom, a trembling hand, the noise of the sensor.
+#ifndef SPECIALEFFECTS_HOST_HANDHELD_H
+#define SPECIALEFFECTS_HOST_HANDHELD_H
+
+#include "VideoInput.h"
+
+namespace host {
+
+class HandHeld : public VideoInput {
+  public:
+    /// Frames have the picture's size unless the options say other.
+    HandHeld(const std::string& file, const InputOptions& options, const Notes& notes);
+
+    /// Frame n is the same in every run.
+    bool Read(Frame& frame) override;
+
+  private:
+    Frame m_picture;  // planar
+    Frame m_seen;     // planar
+    Converter m_converter;
+    int64_t m_count = 0;
+};
+
+}  // namespace host
+
+#endif

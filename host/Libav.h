@@ -1,0 +1,97 @@
+// FFmpeg's objects with owners, and its errors as text.
+#ifndef SPECIALEFFECTS_HOST_LIBAV_H
+#define SPECIALEFFECTS_HOST_LIBAV_H
+
+#include <memory>
+#include <string>
+
+#include "Frame.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libswscale/swscale.h>
+}
+
+namespace host {
+
+/// For the functions that take the address of the pointer and clear it.
+template <auto Free>
+struct FreeByAddress {
+    template <class T>
+    void operator()(T* object) const {
+        Free(&object);
+    }
+};
+
+/// For those that take the pointer.
+template <auto Free>
+struct FreeByValue {
+    template <class T>
+    void operator()(T* object) const {
+        Free(object);
+    }
+};
+
+using PacketPtr = std::unique_ptr<AVPacket, FreeByAddress<av_packet_free>>;
+using AVFramePtr = std::unique_ptr<AVFrame, FreeByAddress<av_frame_free>>;
+using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeByAddress<avcodec_free_context>>;
+using InputContextPtr = std::unique_ptr<AVFormatContext, FreeByAddress<avformat_close_input>>;
+using OutputContextPtr = std::unique_ptr<AVFormatContext, FreeByValue<avformat_free_context>>;
+using ScalerPtr = std::unique_ptr<SwsContext, FreeByValue<sws_freeContext>>;
+
+PacketPtr NewPacket();
+AVFramePtr NewAVFrame();
+/// With planes of its own.
+AVFramePtr NewAVFrame(int width, int height, AVPixelFormat format);
+
+/// A look at the frame's planes, to be used only as long as the frame lives.
+AVFramePtr ViewOf(const Frame& frame);
+
+/// The library's pixel format of a frame's layout.
+AVPixelFormat PixelFormat(int32_t format);
+
+/// Options for the functions that take them by name.
+class Dictionary {
+  public:
+    Dictionary() = default;
+    Dictionary(const Dictionary&) = delete;
+    Dictionary& operator=(const Dictionary&) = delete;
+    ~Dictionary() { av_dict_free(&m_options); }
+
+    void Set(const char* key, const std::string& value) { av_dict_set(&m_options, key, value.c_str(), 0); }
+    AVDictionary** Address() { return &m_options; }
+
+  private:
+    AVDictionary* m_options = nullptr;
+};
+
+/// "No space left on device" and its like, for a negative result of the libraries.
+std::string LibavText(int result);
+
+/// Keeps the libraries' own messages off standard error, and makes them know devices.
+void SetUpLibav();
+
+/// A path as the libraries take it: a colon in a file's name begins no protocol then.
+std::string FileUrl(const std::string& path);
+
+/// Scales and converts between pixel formats.
+class Converter {
+  public:
+    /// The picture in the given size and format, valid until the next call; `picture` itself when it has
+    /// them already. Luma of a result in a YUV format has the range 16 to 235, in the yuvj formats 0 to 255.
+    /// RGB becomes YUV by the matrix of BT.601.
+    const AVFrame& Convert(const AVFrame& picture, int width, int height, AVPixelFormat format);
+
+  private:
+    ScalerPtr m_scaler;
+    AVFramePtr m_result;
+};
+
+/// Copies a picture of the frame's size and format, turned clockwise by a number of quarters; for odd turns
+/// the picture's sides are exchanged.
+void CopyTurned(const AVFrame& picture, int quarterTurns, Frame& frame);
+
+}  // namespace host
+
+#endif

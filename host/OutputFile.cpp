@@ -1,0 +1,60 @@
+#include "OutputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "Errors.h"
+
+namespace host {
+
+OutputFile::OutputFile(const std::string& path) : m_path(path), m_partPath(path + ".part") {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+        if (S_ISDIR(status.st_mode)) throw Failure("cannot write {}: it is a directory", path);
+        // A rename would put a file in the place of a device or a pipe, and go past a file's own permissions.
+        if (!S_ISREG(status.st_mode)) throw Failure("cannot write {}: it is not a regular file", path);
+        if (access(path.c_str(), W_OK) != 0) throw Failure("cannot write {}: {}", path, SystemText(errno));
+    }
+    m_descriptor = open(m_partPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (m_descriptor < 0) throw Failure("cannot write {}: {}", path, SystemText(errno));
+}
+
+OutputFile::~OutputFile() {
+    if (m_descriptor < 0) return;
+    close(m_descriptor);
+    unlink(m_partPath.c_str());
+}
+
+void OutputFile::Write(const void* bytes, size_t size) {
+    if (const int error = WriteAll(m_descriptor, bytes, size); error != 0) {
+        throw Failure("cannot write {}: {}", m_path, SystemText(error));
+    }
+}
+
+void OutputFile::Commit() {
+    // Some file systems find out only now that there was no room.
+    if (fsync(m_descriptor) != 0) throw Failure("cannot write {}: {}", m_path, SystemText(errno));
+    if (std::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
+        throw Failure("cannot write {}: {}", m_path, SystemText(errno));
+    }
+    close(m_descriptor);
+    m_descriptor = -1;
+}
+
+int WriteAll(int descriptor, const void* bytes, size_t size) {
+    const auto* next = static_cast<const char*>(bytes);
+    while (size > 0) {
+        const ssize_t written = write(descriptor, next, size);
+        if (written < 0 && errno != EINTR) return errno;
+        if (written <= 0) continue;
+        next += written;
+        size -= static_cast<size_t>(written);
+    }
+    return 0;
+}
+
+}  // namespace host

@@ -1,0 +1,41 @@
+// A file that comes into being whole or not at all.
+#ifndef SPECIALEFFECTS_HOST_OUTPUTFILE_H
+#define SPECIALEFFECTS_HOST_OUTPUTFILE_H
+
+#include <cstddef>
+#include <string>
+
+namespace host {
+
+/// Writes go to a file of another name beside the wanted one. `Commit` gives it its name; if that does not
+/// come to pass, it is removed.
+class OutputFile {
+  public:
+    /// Throws Failure when the file cannot be written.
+    explicit OutputFile(const std::string& path);
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile();
+
+    const std::string& Path() const { return m_path; }
+    /// The file that is being written.
+    const std::string& PartPath() const { return m_partPath; }
+
+    /// Throws Failure, for one when the disk is full.
+    void Write(const void* bytes, size_t size);
+
+    /// Brings everything to the disk and gives the file its name. Throws Failure.
+    void Commit();
+
+  private:
+    std::string m_path;
+    std::string m_partPath;
+    int m_descriptor = -1;
+};
+
+/// Writes all of it; the result is 0 or an errno value.
+int WriteAll(int descriptor, const void* bytes, size_t size);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,96 @@
+#include "PictureIo.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+namespace host {
+namespace {
+
+struct PictureFormat {
+    const char* extension;
+    AVCodecID codec;
+    AVPixelFormat pixels;
+};
+
+constexpr PictureFormat kFormats[] = {
+    {".png", AV_CODEC_ID_PNG, AV_PIX_FMT_RGB24},
+    {".jpg", AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P},
+    {".jpeg", AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P},
+};
+
+const PictureFormat* FormatOf(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const auto* found =
+        std::find_if(std::begin(kFormats), std::end(kFormats),
+                     [&extension](const PictureFormat& f) { return extension == f.extension; });
+    return found == std::end(kFormats) ? nullptr : found;
+}
+
+PacketPtr Encode(const AVFrame& picture, const PictureFormat& format, const std::string& path) {
+    const AVCodec* codec = avcodec_find_encoder(format.codec);
+    if (codec == nullptr)
+        throw Failure("cannot write {}: FFmpeg's libraries here have no encoder for it", path);
+    const CodecContextPtr encoder(avcodec_alloc_context3(codec));
+    if (!encoder) throw std::bad_alloc();
+    encoder->width = picture.width;
+    encoder->height = picture.height;
+    encoder->pix_fmt = format.pixels;
+    encoder->time_base = {1, 1};
+    encoder->flags |= AV_CODEC_FLAG_QSCALE | AV_CODEC_FLAG_BITEXACT;
+    constexpr int kQuality = 2;  // of a JPEG: nearly the best
+    encoder->global_quality = kQuality * FF_QP2LAMBDA;
+    encoder->thread_count = 1;
+    PacketPtr packet = NewPacket();
+    int result = avcodec_open2(encoder.get(), codec, nullptr);
+    if (result >= 0) result = avcodec_send_frame(encoder.get(), &picture);
+    if (result >= 0) result = avcodec_send_frame(encoder.get(), nullptr);
+    if (result >= 0) result = avcodec_receive_packet(encoder.get(), packet.get());
+    if (result < 0) throw Failure("cannot encode {}: {}", path, LibavText(result));
+    return packet;
+}
+
+}  // namespace
+
+bool IsPictureName(const std::string& path) {
+    return FormatOf(path) != nullptr;
+}
+
+PictureInput::PictureInput(VideoInput& source, int32_t format)
+    : m_picture(source.Stream().size.width, source.Stream().size.height, format) {
+    m_stream = source.Stream();
+    if (!source.Read(m_picture)) throw Failure("the picture cannot be decoded");
+}
+
+bool PictureInput::Read(Frame& frame) {
+    frame = m_picture;
+    frame.time = m_count++ * m_stream.TicksPerFrame();
+    return true;
+}
+
+PictureOutput::PictureOutput(const std::string& path, const StreamInfo& stream)
+    : m_file(path), m_colorSpace(stream.colorSpace) {}
+
+void PictureOutput::Write(const Frame& frame) {
+    const PictureFormat& format = *FormatOf(m_file.Path());
+    const AVFramePtr view = ViewOf(frame);
+    view->colorspace = m_colorSpace;
+    Converter converter;
+    const AVFrame& converted = converter.Convert(*view, frame.Width(), frame.Height(), format.pixels);
+    // The encoder wants planes of its own kind of memory.
+    const AVFramePtr picture = NewAVFrame(frame.Width(), frame.Height(), format.pixels);
+    if (av_frame_copy(picture.get(), &converted) < 0) throw Failure("cannot encode {}", m_file.Path());
+    picture->pts = 0;
+    picture->quality = 2 * FF_QP2LAMBDA;
+    m_encoded = Encode(*picture, format, m_file.Path());
+}
+
+void PictureOutput::Finish() {
+    if (!m_encoded) throw Failure("there is no frame for {}", m_file.Path());
+    m_file.Write(m_encoded->data, static_cast<size_t>(m_encoded->size));
+    m_file.Commit();
+}
+
+}  // namespace host

@@ -1,0 +1,45 @@
+#include "Progress.h"
+
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace host {
+
+Progress::Progress(int64_t total, bool quiet)
+    : m_total(total), m_visible(!quiet && isatty(STDERR_FILENO) != 0) {}
+
+Progress::~Progress() {
+    if (m_visible) fmt::print(stderr, "\r\033[K");
+}
+
+void Progress::Show(int64_t frames) {
+    if (!m_visible) return;
+    constexpr std::chrono::milliseconds kInterval(100);
+    const auto now = Clock::now();
+    if (now - m_shown < kInterval && frames != m_total) return;
+    m_shown = now;
+    const std::chrono::duration<double> passed = now - m_start;
+    fmt::print(stderr, "\r{}\033[K", ProgressLine(frames, m_total, passed.count()));
+    std::fflush(stderr);
+}
+
+std::string ProgressLine(int64_t frames, int64_t total, double seconds) {
+    const double rate = seconds > 0 ? static_cast<double>(frames) / seconds : 0;
+    if (total <= 0) return fmt::format("{} frames, {:.1f} fps", frames, rate);
+
+    constexpr int64_t kCells = 30;
+    const int64_t filled = std::clamp<int64_t>(frames * kCells / total, 0, kCells);
+    const std::string bar(static_cast<size_t>(filled), '#');
+    std::string line = fmt::format("[{:.<30}] {}/{} frames, {:.1f} fps", bar, frames, total, rate);
+    if (rate > 0) {
+        const auto left =
+            static_cast<int64_t>(static_cast<double>(std::max<int64_t>(total - frames, 0)) / rate);
+        line += fmt::format(", {}:{:02} left", left / 60, left % 60);
+    }
+    return line;
+}
+
+}  // namespace host

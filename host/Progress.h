@@ -1,0 +1,35 @@
+// How far the work is, on one line of the terminal.
+#ifndef SPECIALEFFECTS_HOST_PROGRESS_H
+#define SPECIALEFFECTS_HOST_PROGRESS_H
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace host {
+
+class Progress {
+  public:
+    /// `total` is 0 when nobody knows. Nothing is shown when quiet or when standard error is no terminal.
+    Progress(int64_t total, bool quiet);
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress();
+
+    void Show(int64_t frames);
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    int64_t m_total;
+    bool m_visible;
+    Clock::time_point m_start = Clock::now();
+    Clock::time_point m_shown{};
+};
+
+/// The line: "[#####.....]  60/120 frames, 30.0 fps, 0:02 left".
+std::string ProgressLine(int64_t frames, int64_t total, double seconds);
+
+}  // namespace host
+
+#endif

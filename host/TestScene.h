@@ -1,0 +1,28 @@
+// The built-in input: a scene with something for every effect. Gradients, fine texture, hard edges, moving
+// bodies, and the noise of a camera.
+#ifndef SPECIALEFFECTS_HOST_TESTSCENE_H
+#define SPECIALEFFECTS_HOST_TESTSCENE_H
+
+#include "VideoInput.h"
+
+namespace host {
+
+class TestScene : public VideoInput {
+  public:
+    TestScene(const InputOptions& options, const Notes& notes);
+
+    /// Frame n is the same in every run.
+    bool Read(Frame& frame) override;
+
+  private:
+    Frame m_drawn;  // planar
+    Converter m_converter;
+    int64_t m_count = 0;
+};
+
+/// Draws frame `number` of the scene into a planar frame.
+void DrawTestScene(int64_t number, Frame& frame);
+
+}  // namespace host
+
+#endif

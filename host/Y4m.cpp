@@ -1,0 +1,72 @@
+#include "Y4m.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+
+namespace host {
+namespace {
+
+constexpr std::string_view kFrameHeader = "FRAME\n";
+
+// Hands one frame to `write` in pieces.
+template <class Write>
+void WriteFrame(const Frame& frame, Converter& converter, Write write) {
+    write(kFrameHeader.data(), kFrameHeader.size());
+    if (frame.Format() == kFormatPlanar) {
+        write(frame.Plane(0), frame.Size());
+        return;
+    }
+    const AVFramePtr view = ViewOf(frame);
+    const AVFrame& planar = converter.Convert(*view, frame.Width(), frame.Height(), AV_PIX_FMT_YUV420P);
+    for (int plane = 0; plane < 3; ++plane) {
+        const int width = plane == 0 ? frame.Width() : frame.Width() / 2;
+        const int height = plane == 0 ? frame.Height() : frame.Height() / 2;
+        for (int y = 0; y < height; ++y) {
+            write(planar.data[plane] + static_cast<ptrdiff_t>(y) * planar.linesize[plane],
+                  static_cast<size_t>(width));
+        }
+    }
+}
+
+}  // namespace
+
+std::string Y4mHeader(const StreamInfo& stream) {
+    return fmt::format("YUV4MPEG2 W{} H{} F{}:{} Ip A{}:{} C420jpeg XCOLORRANGE=LIMITED\n", stream.size.width,
+                       stream.size.height, stream.frameRate.num, stream.frameRate.den, stream.pixelAspect.num,
+                       stream.pixelAspect.den);
+}
+
+bool IsY4mName(const std::string& path) {
+    return path.ends_with(".y4m");
+}
+
+Y4mPipe::Y4mPipe(const StreamInfo& stream) {
+    if (isatty(STDOUT_FILENO) != 0) {
+        throw UsageError("standard output is a terminal; pipe it into a player or an encoder");
+    }
+    const std::string header = Y4mHeader(stream);
+    WriteBytes(header.data(), header.size());
+}
+
+void Y4mPipe::Write(const Frame& frame) {
+    WriteFrame(frame, m_converter, [this](const void* bytes, size_t size) { WriteBytes(bytes, size); });
+}
+
+void Y4mPipe::WriteBytes(const void* bytes, size_t size) {
+    const int error = WriteAll(STDOUT_FILENO, bytes, size);
+    if (error == EPIPE) throw ReaderGone();
+    if (error != 0) throw Failure("cannot write to standard output: {}", SystemText(error));
+}
+
+Y4mFile::Y4mFile(const std::string& path, const StreamInfo& stream) : m_file(path) {
+    const std::string header = Y4mHeader(stream);
+    m_file.Write(header.data(), header.size());
+}
+
+void Y4mFile::Write(const Frame& frame) {
+    WriteFrame(frame, m_converter, [this](const void* bytes, size_t size) { m_file.Write(bytes, size); });
+}
+
+}  // namespace host

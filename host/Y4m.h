@@ -1,0 +1,44 @@
+// Video without compression, for pipes: the YUV4MPEG2 stream that players and encoders read.
+#ifndef SPECIALEFFECTS_HOST_Y4M_H
+#define SPECIALEFFECTS_HOST_Y4M_H
+
+#include "VideoOutput.h"
+
+namespace host {
+
+/// The line that a stream begins with.
+std::string Y4mHeader(const StreamInfo& stream);
+
+bool IsY4mName(const std::string& path);
+
+/// To standard output.
+class Y4mPipe : public VideoOutput {
+  public:
+    /// Throws UsageError when standard output is a terminal.
+    explicit Y4mPipe(const StreamInfo& stream);
+
+    void Write(const Frame& frame) override;
+    void Finish() override {}
+
+  private:
+    void WriteBytes(const void* bytes, size_t size);
+
+    Converter m_converter;
+};
+
+/// To a file.
+class Y4mFile : public VideoOutput {
+  public:
+    Y4mFile(const std::string& path, const StreamInfo& stream);
+
+    void Write(const Frame& frame) override;
+    void Finish() override { m_file.Commit(); }
+
+  private:
+    OutputFile m_file;
+    Converter m_converter;
+};
+
+}  // namespace host
+
+#endif
