@@ -17,5 +17,8 @@ install(FILES ${PROJECT_BINARY_DIR}/specialeffects-config.cmake
     ${PROJECT_BINARY_DIR}/specialeffects-config-version.cmake
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/specialeffects)
 
+# The pkg-config file names its prefix relative to itself, so that an installed copy may be put anywhere.
+file(RELATIVE_PATH SE_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" SE_PREFIX_FROM_PKGCONFIG "${SE_PREFIX_FROM_PKGCONFIG}")
 configure_file(cmake/specialeffects.pc.in ${PROJECT_BINARY_DIR}/specialeffects.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/specialeffects.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -13,10 +13,12 @@ constexpr bool IsLowSurrogate(char32_t unit) {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-/// The character at `text`, which moves behind it. `text` is not at its terminator.
-char32_t NextCharacter(const WideChar*& text) {
+/// The character at `text`, which moves behind it; 0 when `end` cuts the character. `text` is at neither
+/// `end` nor its terminator, and nothing from `end` on is read.
+char32_t NextCharacter(const WideChar*& text, const WideChar* end) {
     const char32_t unit = static_cast<char16_t>(*text++);
     if (IsHighSurrogate(unit)) {
+        if (text == end) return 0;
         const char32_t low = static_cast<char16_t>(*text);
         if (!IsLowSurrogate(low)) return kReplacement;
         ++text;
@@ -25,7 +27,7 @@ char32_t NextCharacter(const WideChar*& text) {
     return IsLowSurrogate(unit) ? kReplacement : unit;
 }
 
-char32_t NextCharacter(const char*& text) {
+char32_t NextCharacter(const char*& text, const char* end) {
     const auto lead = static_cast<uint8_t>(*text++);
     if (lead < 0x80) return lead;
     const int more = lead >= 0xC2 && lead <= 0xDF   ? 1
@@ -35,6 +37,7 @@ char32_t NextCharacter(const char*& text) {
     if (more == 0) return kReplacement;
     char32_t character = lead & (0x3FU >> more);
     for (int i = 0; i < more; ++i) {
+        if (text + i == end) return 0;
         const auto next = static_cast<uint8_t>(text[i]);
         if ((next & 0xC0U) != 0x80) return kReplacement;
         character = (character << 6) | (next & 0x3FU);
@@ -76,11 +79,13 @@ size_t Encode(char32_t character, WideChar (&units)[4]) {
 template <class From, class To>
 void Convert(const From* from, To* to, size_t size) {
     if (size == 0) return;
-    const From* const end = from + size - 1;
+    const From* const end = from + size;
     size_t used = 0;
     while (from < end && *from != 0) {
+        const char32_t character = NextCharacter(from, end);
+        if (character == 0) break;
         To units[4];
-        const size_t length = Encode(NextCharacter(from), units);
+        const size_t length = Encode(character, units);
         if (used + length >= size) break;
         for (size_t i = 0; i < length; ++i) to[used++] = units[i];
     }

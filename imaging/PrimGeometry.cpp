@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRoi.h"
@@ -17,11 +18,27 @@ void FlipRows(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     }
 }
 
+/// Swaps the `count` bytes from `left` on upwards with those from `right` on downwards. They do not overlap.
+SE_MULTIVERSION
+void SwapReversed(uint8_t* SE_RESTRICT left, uint8_t* SE_RESTRICT right, ptrdiff_t count) {
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const uint8_t byte = left[i];
+        left[i] = right[-i];
+        right[-i] = byte;
+    }
+}
+
 void FlipColumns(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     for (int32_t y = 0; y < height; ++y) {
         uint8_t* const row = RowAt(data, step, y);
-        std::reverse(row, row + width);
+        SwapReversed(row, row + width - 1, width / 2);
     }
+}
+
+void FlipBoth(uint8_t* data, int32_t step, int32_t width, int32_t height) {
+    for (int32_t top = 0, bottom = height - 1; top < bottom; ++top, --bottom)
+        SwapReversed(RowAt(data, step, top), RowAt(data, step, bottom) + width - 1, width);
+    if (height % 2 != 0) FlipColumns(RowAt(data, step, height / 2), step, width, 1);
 }
 
 /// Fills `left` bytes before and `right` bytes behind the pixels row[0] to row[width - 1] with the nearest.
@@ -70,8 +87,7 @@ PrimStatus PrimMirror8uC1(uint8_t* data, int32_t step, int32_t width, int32_t he
             FlipColumns(data, step, width, height);
             return kPrimOk;
         case kPrimMirrorBoth:
-            FlipRows(data, step, width, height);
-            FlipColumns(data, step, width, height);
+            FlipBoth(data, step, width, height);
             return kPrimOk;
         default:
             return kPrimAxisError;

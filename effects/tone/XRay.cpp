@@ -37,7 +37,7 @@ SE_MULTIVERSION void NegativeMeans(const uint16_t* SE_RESTRICT sums, uint8_t* SE
 }  // namespace
 
 void CXRaySpecialEffectFilter::Prepare() {
-    Require(Workspace.Allocate(Width(), Height()));
+    Workspace = NewPlane(Width(), Height());
     ColumnSums.resize(static_cast<size_t>(Width()) + 2);
 }
 

@@ -28,7 +28,7 @@ typedef struct {
     int type;
     const char *name, *initial, *range; /* the texts of the table */
     const char* starts;                 /* what a new object has; null: the variant's */
-    const char* configured;             /* what Configure makes of it; null: leaves it */
+    const char* configured;             /* what Configure makes of it at 80 by 48; null: leaves it */
 } PropertyRow;
 
 extern const CatalogueRow catalogue[ROWS];

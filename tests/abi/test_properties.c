@@ -376,7 +376,7 @@ static void check_lasting(Factory* factory, const CatalogueRow* row, const Prope
         set(effect, rows[i].name, value);
         expect_value(effect, rows[i].name, value, "SetProperty before Configure");
     }
-    Stream stream = {0, 64, 48, PLANAR};
+    Stream stream = {0, 80, 48, PLANAR};
     expect_code(configure(effect, &stream), SUCCESS, "Configure");
     for (int i = 0; i < count; ++i)
         if (shows_at_once(&rows[i])) expect_value(effect, rows[i].name, wanted[i], "Configure");

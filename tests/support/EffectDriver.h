@@ -48,6 +48,10 @@ struct ContractTraits {
     bool needsLuma = true;       ///< false: a null luma plane is accepted
     bool servesOddSizes = true;  ///< false: refused, since chroma of (w / 2) by (h / 2) is too small for it
     bool planarOnly = true;      ///< false: packed frames are processed
+    /// false: `Configure` answers 0 to everything, and frames of a stream that is not served find no
+    /// workspace
+    bool refusesStreams = true;
+    bool keepsRefusedFrames = true;  ///< false: a frame that is refused may be changed
 };
 
 /// The common behaviour that every effect has to show: entry checks in their order, refusals before

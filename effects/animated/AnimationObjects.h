@@ -1,0 +1,110 @@
+// Sprites: small animated masks with a position, a velocity and a colour. Slot n of a class is entry n of its
+// table of virtual operations; the destructor of slot 0 is an ordinary one for that reason.
+#ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_ANIMATIONOBJECTS_H
+#define SPECIALEFFECTS_EFFECTS_ANIMATED_ANIMATIONOBJECTS_H
+
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <vector>
+
+#include "imaging/Plane8u.h"
+
+/// What slot 0 does in each class of the family.
+template <class Object>
+void* DestroyObject(Object* object, uint32_t flags) {
+    object->Object::~Object();
+    if ((flags & 1U) != 0) ::operator delete(static_cast<void*>(object));
+    return object;
+}
+
+class CBaseAnimationObject {
+  public:
+    /// Slot 0. Destroys the object, frees it when bit 0 of `flags` is set, returns its address.
+    virtual void* DeletingDestructor(uint32_t flags) = 0;
+    /// Slot 1. One step along the velocity; the edges of the frame throw the sprite back.
+    virtual void Move() = 0;
+    /// Slot 2. One step of the animation; false when its cycle has ended.
+    virtual bool NextFrame() = 0;
+    /// Slot 3. The mask to draw now; the object's own.
+    virtual CPlane8u* GetFrame() = 0;
+    /// Slot 4. The upper left corner on the full-size frame.
+    virtual void GetPosition(PlanePoint* position) = 0;
+    /// Slots 5 and 6. Four bytes Y, U, V, alpha.
+    virtual void GetColor(uint8_t* color) = 0;
+    virtual void SetColor(const uint8_t* color) = 0;
+
+  protected:
+    ~CBaseAnimationObject() = default;
+};
+
+struct DeleteAnimationObject {
+    void operator()(CBaseAnimationObject* object) const { object->DeletingDestructor(1); }
+};
+using AnimationObject = std::unique_ptr<CBaseAnimationObject, DeleteAnimationObject>;
+
+/// A sprite that cycles through frames of one size. Its position stays within 0..MaxX and 0..MaxY; a sprite
+/// as large as the frame, or larger, stays at 0.
+class CMovingAnimationObject : public CBaseAnimationObject {
+  public:
+    /// With `frameCount` of 1 or more that many black frames are made, and one draw of `rand` chooses where
+    /// the cycle starts.
+    CMovingAnimationObject(int32_t objectWidth, int32_t objectHeight, int32_t frameWidth, int32_t frameHeight,
+                           int32_t frameCount);
+    ~CMovingAnimationObject() = default;
+    CMovingAnimationObject(const CMovingAnimationObject&) = delete;
+    CMovingAnimationObject& operator=(const CMovingAnimationObject&) = delete;
+
+    void* DeletingDestructor(uint32_t flags) override;
+    void Move() override;
+    bool NextFrame() override;
+    CPlane8u* GetFrame() override;
+    void GetPosition(PlanePoint* position) override;
+    void GetColor(uint8_t* color) override;
+    void SetColor(const uint8_t* color) override;
+
+    /// Slot 7. Draws the frames: here a ramp of grey up and down.
+    virtual void BuildFrames();
+    /// Slot 8. Anywhere on the frame: one draw for x, one for y.
+    virtual void RandomizePosition();
+    /// Slot 9. Each component from -speed + 1 to speed + 1: one draw each.
+    virtual void RandomizeVelocity(int32_t speed);
+    /// Slot 10. Any colour by three draws; alpha stays.
+    virtual void RandomizeColor();
+
+  protected:
+    /// The draw of a coordinate. Takes one number from `rand` even where there is no choice.
+    static int32_t DrawBelow(int32_t limit);
+
+    std::vector<CPlane8u> Frames;
+    size_t FrameCursor = 0;
+    int32_t ObjectWidth, ObjectHeight;
+    int32_t X = 0, Y = 0;
+    int32_t VelocityX = 0, VelocityY = 0;
+    int32_t FrameWidth, FrameHeight;
+    int32_t MaxX, MaxY;
+    uint8_t Color[4] = {0, 0, 0, 255};
+};
+
+/// One fixed picture that fades in and out, and jumps to a new place when it has faded.
+class CBitmapAnimationObject final : public CMovingAnimationObject {
+  public:
+    /// `source`, of any size, is scaled to the object's size. Draws the length of the fade, then where in it
+    /// the object starts.
+    CBitmapAnimationObject(int32_t objectWidth, int32_t objectHeight, int32_t frameWidth, int32_t frameHeight,
+                           const CPlane8u& source);
+
+    void* DeletingDestructor(uint32_t flags) override;
+    bool NextFrame() override;
+    CPlane8u* GetFrame() override { return &Picture; }
+    /// Softens the interior of the picture.
+    void BuildFrames() override;
+    /// Four times out of five near the edges of the frame.
+    void RandomizePosition() override;
+
+  private:
+    CPlane8u Picture;
+    int32_t FadeStep, FadeLength;
+};
+
+#endif

@@ -1,0 +1,165 @@
+#include "effects/animated/Clouds.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "imaging/ExactDivision.h"
+#include "imaging/GradientNoise.h"
+#include "imaging/Lookup.h"
+#include "imaging/Multiversion.h"
+#include "imaging/Prim.h"
+#include "imaging/ScalarColor.h"
+
+namespace {
+
+constexpr const char* kFile = "perlin.dat";
+constexpr int32_t kPictureWidth = 640, kPictureHeight = 480;
+constexpr int kLoop = 20;
+
+// The place in the loop, shared by all effects of the process. The phase would blend neighbouring pictures;
+// it rests at 0.
+std::atomic<uint32_t> CloudFrame = 0;
+std::atomic<int32_t> CloudPhase = 0;
+
+/// One picture of the loop. Two stretches of the noise, one running up to where the other begins, fade over
+/// into each other, so that the last picture flows into the first.
+void DrawPicture(CPlane8u& picture, int index) {
+    const double t = index / 20.0;
+    const auto octaves = [](int32_t x, int32_t y, double z) {
+        return Turbulence(x / 64.0, y / 64.0, z, 2, 2, 7);
+    };
+    for (int32_t y = 0; y < picture.height; ++y) {
+        uint8_t* const row = picture.Row(y);
+        for (int32_t x = 0; x < picture.width; ++x) {
+            const double n1 = octaves(x, y, 2 * t);
+            const double n2 = octaves(x, y, 2 * (t - 1));
+            const double value = ((1 - t) * n1 + t * n2 + 1.0) * 255.0 * 0.5;
+            row[x] = static_cast<uint8_t>(std::clamp(static_cast<int32_t>(value), 0, 255));
+        }
+    }
+}
+
+/// Makes perlin.dat, whole or not at all.
+void WritePictures() {
+    Noise3(0, 0, 0);  // the noise tables are drawn whether the file can be written or not
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    const std::string temporary = std::string(kFile) + "." + std::to_string(now) + ".tmp";
+    std::ofstream file(temporary, std::ios::binary);
+    if (!file) return;
+    CPlane8u picture = NewPlane(kPictureWidth, kPictureHeight);
+    for (int i = 0; i < kLoop; ++i) {
+        DrawPicture(picture, i);
+        file.write(reinterpret_cast<const char*>(picture.data), static_cast<std::streamsize>(picture.Size()));
+    }
+    file.close();
+    std::error_code error;
+    if (file) std::filesystem::rename(temporary, kFile, error);
+    if (!file || error) std::filesystem::remove(temporary, error);
+}
+
+SE_MULTIVERSION void BlendPictures(const uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT next,
+                                   int32_t weight, uint8_t* SE_RESTRICT mask, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        mask[i] = static_cast<uint8_t>(((256 - weight) * now[i] + weight * next[i]) >> 8);
+    }
+}
+
+/// Lays a flat value over a plane.
+SE_MULTIVERSION void BlendColor(uint8_t* SE_RESTRICT pixels, const uint8_t* SE_RESTRICT mask, uint8_t value,
+                                size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const auto sum = static_cast<uint16_t>((255 - mask[i]) * pixels[i] + mask[i] * value);
+        pixels[i] = static_cast<uint8_t>(DivideBy255(sum));
+    }
+}
+
+}  // namespace
+
+std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter::Properties() {
+    // What starts differs from the default text of the colour, and the lower bound of the intensity from its
+    // range text: hosts know both.
+    static constexpr Property<CCloudsSpecialEffectFilter> rows[] = {
+        ColorProperty<&CCloudsSpecialEffectFilter::CloudColor>("CloudColor", "0,0,255"),
+        IntegerProperty<&CCloudsSpecialEffectFilter::Intensity>("Intensity", "90", "1,100").ClampedTo(0, 100),
+        IntegerProperty<&CCloudsSpecialEffectFilter::Type>("Type", "1", "1,3"),
+    };
+    return rows;
+}
+
+void CCloudsSpecialEffectFilter::Prepare() {
+    std::ifstream file(kFile, std::ios::binary);
+    if (!file) {
+        WritePictures();
+        file.clear();
+        file.open(kFile, std::ios::binary);
+    }
+    CPlane8u scratch = NewPlane(kPictureWidth, kPictureHeight);
+    for (CPlane8u& picture : NoiseFrames) {
+        picture = NewPlane(Width(), Height());
+        file.read(reinterpret_cast<char*>(scratch.data), static_cast<std::streamsize>(scratch.Size()));
+        ResizePlane(scratch, picture);
+    }
+    Mask = NewPlane(Width(), Height());
+    SmallMask = NewPlane(Width() / 2, Height() / 2);
+}
+
+void CCloudsSpecialEffectFilter::Release() {
+    for (CPlane8u& picture : NoiseFrames) picture.Release();
+    Mask.Release();
+    SmallMask.Release();
+}
+
+/// `weight` of 256 is all of `next`.
+void CCloudsSpecialEffectFilter::FillMask(const CPlane8u& now, const CPlane8u& next, int32_t weight) {
+    if (Type == 3) {
+        // Thickest at the upper edge, nothing in the lower two thirds.
+        Mask.Fill(0);
+        const int32_t third = Mask.height / 3;
+        for (int32_t y = 0; y < third; ++y) {
+            const int32_t g = 2 * (third - y) / 3;
+            std::array<uint8_t, 256> table{};
+            for (int32_t i = 0; i < 256; ++i) {
+                const int32_t s = i + g;
+                table[static_cast<size_t>(i)] =
+                    static_cast<uint8_t>(std::clamp(s * s / 150 - y - 100, 0, 255));
+            }
+            LookupBytes(table.data(), now.Row(y), Mask.Row(y), static_cast<size_t>(Mask.width));
+        }
+        return;
+    }
+    if (weight == 0) {
+        Mask.CopyPixels(now);
+    } else {
+        BlendPictures(now.data, next.data, weight, Mask.data, Mask.Size());
+    }
+    if (Type == 2) {
+        std::array<uint8_t, 256> patches{};
+        for (int32_t v = 0; v < 256; ++v) {
+            patches[static_cast<size_t>(v)] = static_cast<uint8_t>(std::clamp(v * v / 150 - 50, 0, 255));
+        }
+        LookupBytes(patches.data(), Mask.data, Mask.Size());
+    }
+}
+
+void CCloudsSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    const int32_t phase = CloudPhase.exchange(0);
+    const uint32_t place = phase == 0 ? ++CloudFrame : CloudFrame.load();
+    FillMask(NoiseFrames[place % kPictures], NoiseFrames[(place + 1) % kPictures], phase * 256);
+    if (Intensity != 100) {
+        const auto scale = static_cast<uint8_t>(std::clamp(Intensity * 255 / 100, 0, 255));
+        PrimMulCSfs8uC1(scale, Mask.data, Mask.width, Mask.width, Mask.height, 8);
+    }
+
+    uint8_t color[4];
+    RgbToYuvColor(color, PackedRed(CloudColor), PackedGreen(CloudColor), PackedBlue(CloudColor));
+    BlendColor(frame.y.data, Mask.data, color[0], Mask.Size());
+    ResizePlane(Mask, SmallMask);
+    BlendColor(frame.v.data, SmallMask.data, color[2], SmallMask.Size());
+    BlendColor(frame.u.data, SmallMask.data, color[1], SmallMask.Size());
+}

@@ -1,0 +1,37 @@
+// Clouds: drifting clouds over the video, from a loop of twenty noise pictures.
+#ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_CLOUDS_H
+#define SPECIALEFFECTS_EFFECTS_ANIMATED_CLOUDS_H
+
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// The pictures, 640 by 480 each, are kept in the file perlin.dat of the current directory and made by the
+/// first `Configure` that finds none. The file is written under another name and renamed when it is whole.
+/// Where it cannot be written or read the clouds are missing, and nothing is reported; of a short file the
+/// last picture repeats. All effects of the class in a process share one place in the loop.
+class CCloudsSpecialEffectFilter final : public PlanarEffect<CCloudsSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Clouds";
+    static std::span<const Property<CCloudsSpecialEffectFilter>> Properties();
+
+    ResultCode ApplyProperty(PropertyRecord*, int32_t) override { return kNotImplemented; }
+    using PlanarEffect<CCloudsSpecialEffectFilter>::ApplyProperty;
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    static constexpr int kPictures = 20;
+
+    void FillMask(const CPlane8u& now, const CPlane8u& next, int32_t weight);
+
+    uint32_t CloudColor = 0xC0C0C0;
+    int32_t Intensity = 90;  ///< percent, 0 to 100
+    int32_t Type = 1;        ///< 1 even, 2 patches, 3 hanging from the upper edge
+    CPlane8u NoiseFrames[kPictures];
+    CPlane8u Mask;       ///< opacity of the clouds
+    CPlane8u SmallMask;  ///< the same at the chroma's size
+};
+
+#endif

@@ -1,0 +1,103 @@
+#include "effects/animated/Fire.h"
+
+#include <array>
+
+#include "imaging/Lookup.h"
+#include "imaging/Multiversion.h"
+
+namespace {
+
+struct FirePalette {
+    std::array<uint8_t, 256> Y{}, U{}, V{};
+};
+
+constexpr uint8_t Truncated(double value) {
+    return static_cast<uint8_t>(value <= 0.0 ? 0 : value >= 255.0 ? 255 : static_cast<int>(value));
+}
+
+/// White, red, dark violet, blue, white; in studio range.
+constexpr FirePalette MakePalette() {
+    FirePalette palette;
+    for (size_t index = 0; index < 256; ++index) {
+        const auto i = static_cast<double>(index);
+        const double t = (i - 64) / 128, a = i / 64, b = 1 - (i - 192) / 64;
+        double red = 255, green = 255 * (1 - i / 128), blue = 255;
+        if (index < 64) {
+            blue = 255 * (1 - a);
+        } else if (index < 192) {
+            red = 255 * (1 - t * t);
+            blue = 255 * (t * t);
+        } else {
+            red = 255 * (1 - b * b * b);
+        }
+        if (index < 128) {
+            blue = green > blue ? green : blue;
+        } else {
+            green = index < 192 ? 0 : 255 * (1 - b * b);
+        }
+        palette.Y[index] = Truncated(0.257 * red + 0.504 * green + 0.098 * blue + 16 + 0.5);
+        palette.U[index] = Truncated(0.439 * blue - (0.291 * green + 0.148 * red) + 128 + 0.5);
+        palette.V[index] = Truncated(0.439 * red - 0.368 * green - 0.071 * blue + 128 + 0.5);
+    }
+    return palette;
+}
+constexpr FirePalette kPalette = MakePalette();
+
+/// Share of the blur, in 1/1024, by luma: 1024 * (luma / 256)^2, truncated.
+constexpr uint32_t BlurWeight(uint32_t luma) {
+    return luma * luma >> 6;
+}
+
+constexpr uint8_t Mix(uint32_t weight, uint8_t sharp, uint8_t blurred) {
+    return static_cast<uint8_t>(((1024 - weight) * sharp + weight * blurred) >> 10);
+}
+
+/// Luma to palette index, in place.
+SE_MULTIVERSION void MixRow(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT blurred, size_t width) {
+    const size_t pairs = width / 2;
+    for (size_t i = 0; i < pairs; ++i) {
+        const uint8_t left = y[2 * i], right = y[2 * i + 1];
+        const uint32_t weight = BlurWeight(left);
+        y[2 * i] = Mix(weight, left, blurred[2 * i]);
+        y[2 * i + 1] = Mix(weight, right, blurred[2 * i + 1]);
+    }
+    if (width % 2 != 0) y[width - 1] = Mix(BlurWeight(y[width - 1]), y[width - 1], blurred[width - 1]);
+}
+
+}  // namespace
+
+void CFireSpecialEffectFilter::Prepare() {
+    Border = 10 * Width() / 640;
+    Padded.reset(PrimMalloc8uC1(Width() + 2 * Border, Height() + 2 * Border, &PaddedStep));
+    Require(Padded != nullptr);
+    FullU = NewPlane(Width(), Height());
+    FullV = NewPlane(Width(), Height());
+}
+
+void CFireSpecialEffectFilter::Release() {
+    Padded.reset();
+    FullU.Release();
+    FullV.Release();
+}
+
+void CFireSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    const int32_t width = Width(), height = Height(), mask = 2 * Border + 1;
+    uint8_t* const inner = Padded.get() + (ptrdiff_t{PaddedStep} + 1) * Border;
+    PrimCopyReplicateBorder8uC1(frame.y.data, width, width, height, Padded.get(), PaddedStep,
+                                width + 2 * Border, height + 2 * Border, Border, Border);
+    // Refused on frames no larger than the mask; the copy then serves as it is.
+    PrimFilterBox8uC1(inner, PaddedStep, width, height, mask, mask, Border, Border);
+
+    CPlane8u y = CPlane8u::Over(frame.y.data, width, height);
+    for (int32_t row = 0; row < height; ++row) {
+        MixRow(y.Row(row), inner + ptrdiff_t{PaddedStep} * row, static_cast<size_t>(width));
+    }
+    LookupBytes(kPalette.U.data(), y.data, FullU.data, y.Size());
+    LookupBytes(kPalette.V.data(), y.data, FullV.data, y.Size());
+    LookupBytes(kPalette.Y.data(), y.data, y.Size());
+
+    CPlane8u u = CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height);
+    CPlane8u v = CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height);
+    ResizePlane(FullU, u);
+    ResizePlane(FullV, v);
+}

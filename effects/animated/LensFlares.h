@@ -1,0 +1,61 @@
+// Lens flares: glowing sprites drawn from formulas, and the field that makes them.
+#ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_LENSFLARES_H
+#define SPECIALEFFECTS_EFFECTS_ANIMATED_LENSFLARES_H
+
+#include "effects/animated/AnimationFramework.h"
+#include "effects/animated/AnimationObjects.h"
+
+/// The types of flare; another number makes a flare with empty frames, which nobody sees.
+enum FlareType : int32_t {
+    kPlainGlow = 1,     ///< plain round glow
+    kGlare = 2,         ///< sharp point with a wide halo
+    kRaggedStar = 3,    ///< a random spike count at each degree
+    kRegularStar = 4,   ///< 3 to 7 spikes, the same in all frames
+    kChangingStar = 5,  ///< 5 to 11 spikes, new for each frame
+    kRingedStar = 6,    ///< ragged star in a ring
+};
+
+/// Pulses through its frames, drawn once, and jumps to a new place at the end of each cycle, all but the
+/// plain glow in a new colour.
+class CLensFlaresMovingAnimation final : public CMovingAnimationObject {
+  public:
+    CLensFlaresMovingAnimation(int32_t objectWidth, int32_t objectHeight, int32_t frameWidth,
+                               int32_t frameHeight, int32_t flareType, int32_t frameCount, int32_t maxSpeed);
+
+    void* DeletingDestructor(uint32_t flags) override;
+    bool NextFrame() override;
+    void BuildFrames() override;
+
+  private:
+    int32_t FlareType;
+    int32_t MaxSpeed;
+};
+
+class CFlaresField final : public CAnimationFramework {
+  public:
+    /// Mode 0 takes a random type for each flare, any other value is that one type.
+    CFlaresField(int32_t width, int32_t height, int32_t mode);
+
+    void* DeletingDestructor(uint32_t flags) override;
+    void AddFlares(int32_t count);
+
+  private:
+    int32_t Mode;
+    int32_t FlareSize;  ///< side of the square sprites
+};
+
+// The drawings, into square planes. (x, y) is a pixel's distance from the centre; radii are cut to half the
+// plane, and one of 0 draws nothing.
+
+/// A round glow that fades to the rim. Sets every pixel.
+void SoftDisc(CPlane8u& plane, int32_t radius);
+/// The scattering of light in the human eye (Spencer et al., "Physically-Based Glare Effects for Digital
+/// Images", 1995).
+void GlareDisc(CPlane8u& plane, int32_t radius);
+/// Rays whose lengths make `spikes` lobes, over a soft core. 0 draws a new count from `rand` at each degree,
+/// a negative number one count for all.
+void Star(CPlane8u& plane, int32_t radius, int32_t spikes);
+/// Adds a rim of light.
+void Ring(CPlane8u& plane, int32_t radius);
+
+#endif

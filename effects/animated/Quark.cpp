@@ -1,0 +1,74 @@
+#include "effects/animated/Quark.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "imaging/Multiversion.h"
+
+namespace {
+
+/// Pixels that are picked together while the slots pass by.
+constexpr size_t kBlock = 128;
+
+/// dst[i] = history[slot[i]][i], the planes of the history being `count` bytes apart. All sixteen are read in
+/// step and the right one is kept: sixteen selects on whole vectors beat one load a pixel from anywhere.
+SE_MULTIVERSION void PickSlots(const uint8_t* SE_RESTRICT history, const uint8_t* SE_RESTRICT slot,
+                               uint8_t* SE_RESTRICT dst, size_t count) {
+    size_t start = 0;
+    for (; start + kBlock <= count; start += kBlock) {
+        const uint8_t* const past = history + start;
+        uint8_t pixel[kBlock] = {};
+        for (size_t k = 0; k < 16; ++k) {
+            for (size_t i = 0; i < kBlock; ++i) {
+                const uint8_t mask = slot[start + i] == static_cast<uint8_t>(k) ? 255 : 0;
+                pixel[i] = static_cast<uint8_t>(pixel[i] | (past[k * count + i] & mask));
+            }
+        }
+        std::memcpy(dst + start, pixel, kBlock);
+    }
+    for (; start < count; ++start) dst[start] = history[slot[start] * count + start];
+}
+
+}  // namespace
+
+void CQuarkSpecialEffectFilter::Prepare() {
+    const size_t luma = static_cast<size_t>(Width()) * static_cast<size_t>(Height());
+    const size_t chroma = static_cast<size_t>(Width() / 2) * static_cast<size_t>(Height() / 2);
+    Counter = 0;
+    FirstFrame = true;
+    HistoryY.assign(kSlots * luma, 0);
+    HistoryU.assign(kSlots * chroma, 0);
+    HistoryV.assign(kSlots * chroma, 0);
+    Noise.resize(2 * luma);
+    for (uint8_t& slot : Noise) slot = static_cast<uint8_t>(std::rand() % 16);
+    HalfNoise.resize(luma / 2);
+    for (size_t i = 0; i < HalfNoise.size(); ++i) HalfNoise[i] = Noise[4 * i];
+}
+
+void CQuarkSpecialEffectFilter::Release() {
+    for (std::vector<uint8_t>* buffer : {&HistoryY, &HistoryU, &HistoryV, &Noise, &HalfNoise}) *buffer = {};
+}
+
+void CQuarkSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    ProcessPlane(frame.y, HistoryY);
+    ProcessPlane(frame.u, HistoryU);
+    ProcessPlane(frame.v, HistoryV);
+    FirstFrame = false;
+}
+
+void CQuarkSpecialEffectFilter::ProcessPlane(const FramePlane& plane, History& history) {
+    const size_t count = static_cast<size_t>(plane.width) * static_cast<size_t>(plane.height);
+    if (count == 0) return;
+    // The luma's window is taken before the counter moves, those of chroma after it.
+    const size_t offset = Counter % count;
+    const uint8_t* window = HalfNoise.data() + offset;
+    if (plane.width == Width()) {
+        window = Noise.data() + offset;
+        ++Counter;
+    }
+    const uint32_t newest = Counter % kSlots;
+    for (uint32_t slot = 0; slot < kSlots; ++slot) {
+        if (FirstFrame || slot == newest) std::memcpy(history.data() + slot * count, plane.data, count);
+    }
+    PickSlots(history.data(), window, plane.data, count);
+}

@@ -1,0 +1,34 @@
+// Quark: every pixel from a randomly chosen one of the last 16 frames.
+#ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_QUARK_H
+#define SPECIALEFFECTS_EFFECTS_ANIMATED_QUARK_H
+
+#include <vector>
+
+#include "framework/EffectBase.h"
+
+/// What moves dissolves into speckle, what stands still stays sharp. The choice is a random field twice the
+/// size of a picture, drawn at `Configure`, along which a window slides by one byte a frame. The first frame
+/// fills the whole history.
+class CQuarkSpecialEffectFilter final : public PlanarEffect<CQuarkSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Quark";
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    static constexpr uint32_t kSlots = 16;
+    /// 16 planes, one behind the other.
+    using History = std::vector<uint8_t>;
+
+    void ProcessPlane(const FramePlane& plane, History& history);
+
+    History HistoryY, HistoryU, HistoryV;
+    std::vector<uint8_t> Noise;      ///< 2 * width * height slots, each below 16
+    std::vector<uint8_t> HalfNoise;  ///< width * height / 2 slots
+    uint32_t Counter = 0;
+    bool FirstFrame = true;
+};
+
+#endif

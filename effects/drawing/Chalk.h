@@ -1,0 +1,34 @@
+// Chalk: flat tones on a blackboard, with or without inked edges, or the outline alone.
+#ifndef SPECIALEFFECTS_EFFECTS_DRAWING_CHALK_H
+#define SPECIALEFFECTS_EFFECTS_DRAWING_CHALK_H
+
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// Smooths the luma, reduces it to eight tones and blurs the chroma. Edges are found in the smoothed picture,
+/// before it is reduced, so that ink does not follow the steps between tones.
+class CChalkSpecialEffectFilter final : public PlanarEffect<CChalkSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Chalk";
+    static std::span<const Property<CChalkSpecialEffectFilter>> Properties();
+
+    /// Variant 2 starts with inked edges; 3 draws nothing but a grey outline, whatever "DrawEdges" says.
+    explicit CChalkSpecialEffectFilter(int32_t variant)
+        : DrawEdges(variant == 2), OutlineOnly(variant == 3) {}
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    void DrawTones(CPlane8u& y, CPlane8u& u, CPlane8u& v);
+    void DrawOutline(CPlane8u& y, CPlane8u& u, CPlane8u& v);
+
+    bool DrawEdges;
+    const bool OutlineOnly;
+    CPlane8u EdgeSource;
+    CPlane8u Scratch;
+    CPlane8u ChromaScratch;
+};
+
+#endif

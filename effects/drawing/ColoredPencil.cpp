@@ -1,0 +1,34 @@
+#include "effects/drawing/ColoredPencil.h"
+
+#include "imaging/Multiversion.h"
+
+namespace {
+
+/// Turns a luma plane and its local mean into lines: the rise above the mean 16 times amplified, drawn dark,
+/// and everything paler than `kDarkLine` toned down to the colour of paper. Both planes receive the result.
+SE_MULTIVERSION void DrawLines(uint8_t* SE_RESTRICT luma, uint8_t* SE_RESTRICT mean, size_t count) {
+    constexpr uint8_t kDarkLine = 30;
+    for (size_t i = 0; i < count; ++i) {
+        const auto rise = static_cast<uint8_t>(std::max(luma[i], mean[i]) - mean[i]);
+        const auto line = static_cast<uint8_t>(rise < 16 ? 255 - 16 * rise : 0);
+        luma[i] = mean[i] = static_cast<uint8_t>(line > kDarkLine ? line - kDarkLine : line);
+    }
+}
+
+}  // namespace
+
+void CColoredPencilSpecialEffectFilter::Prepare() {
+    Scratch = NewPlane(Width(), Height());
+}
+
+void CColoredPencilSpecialEffectFilter::Release() {
+    Scratch.Release();
+}
+
+void CColoredPencilSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    Scratch.CopyPixels(luma);
+    FilterBoxInPlace(Scratch, 5);
+    DrawLines(luma.data, Scratch.data, luma.Size());
+    FilterGauss5(Scratch, luma);  // the grain of the pencil
+}

@@ -1,0 +1,36 @@
+// Edges of a plane, found while it is being drawn from: no gradient planes go through memory.
+#ifndef SPECIALEFFECTS_EFFECTS_DRAWING_EDGES_H
+#define SPECIALEFFECTS_EFFECTS_DRAWING_EDGES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "imaging/Multiversion.h"
+
+/// |dx| + |dy| of the 3 by 3 Sobel pair at a pixel that has neighbours on all sides; 0 to 2040. `step` is the
+/// row step.
+SE_INLINE int32_t EdgeStrength(const uint8_t* pixel, ptrdiff_t step) {
+    const uint8_t* const above = pixel - step;
+    const uint8_t* const below = pixel + step;
+    const int32_t dx = (below[-1] + 2 * below[0] + below[1]) - (above[-1] + 2 * above[0] + above[1]);
+    const int32_t dy = (above[-1] - above[1]) + 2 * (pixel[-1] - pixel[1]) + (below[-1] - below[1]);
+    return std::abs(dx) + std::abs(dy);
+}
+
+/// Calls draw(x, strength) for the pixels of row `y` of a plane. The outermost pixels of a plane have no
+/// edges: their strength is 0. For use in SE_MULTIVERSION functions; `draw` does not write to the plane.
+template <class Draw>
+SE_INLINE void ForEdgesOfRow(const uint8_t* plane, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                             ptrdiff_t y, Draw draw) {
+    if (y == 0 || y == height - 1 || width < 3) {
+        for (ptrdiff_t x = 0; x < width; ++x) draw(x, 0);
+        return;
+    }
+    const uint8_t* const row = plane + y * step;
+    draw(ptrdiff_t{0}, 0);
+    for (ptrdiff_t x = 1; x < width - 1; ++x) draw(x, EdgeStrength(row + x, step));
+    draw(width - 1, 0);
+}
+
+#endif

@@ -1,0 +1,27 @@
+// Motion Blur - Ghost: luma that blends with the three frames put out before it.
+#ifndef SPECIALEFFECTS_EFFECTS_TIME_MOTIONBLUR_H
+#define SPECIALEFFECTS_EFFECTS_TIME_MOTIONBLUR_H
+
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// The blend feeds back on itself: what enters the history is the processed frame. Chroma is untouched. The
+/// first four frames after `Configure` pass unchanged and fill the history.
+class CMotionBlurSpecialEffectFilter final : public PlanarEffect<CMotionBlurSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Motion Blur - Ghost";
+
+    /// Mode 0 keeps bright trails, mode 1 weighs the frame before last most; another one changes nothing.
+    explicit CMotionBlurSpecialEffectFilter(int32_t mode) : Mode(mode) {}
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    int32_t Mode;
+    CPlane8u History[3];
+    int64_t FrameCount = 0;
+};
+
+#endif

@@ -1,0 +1,84 @@
+#include "effects/time/MotionDetector.h"
+
+#include "framework/ProcessClock.h"
+#include "imaging/ExactDivision.h"
+#include "imaging/Multiversion.h"
+#include "imaging/Prim.h"
+#include "imaging/ScalarColor.h"
+
+namespace {
+
+constexpr uint32_t kRed = 255;
+
+/// 1 where a pixel is more than 16 levels away from the background, otherwise 0.
+SE_MULTIVERSION void MarkMotion(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT background, size_t count) {
+    constexpr int kThreshold = 16;
+    for (size_t i = 0; i < count; ++i) {
+        const int difference = background[i] > y[i] ? background[i] - y[i] : y[i] - background[i];
+        y[i] = difference > kThreshold ? 1 : 0;
+    }
+}
+
+SE_MULTIVERSION void FollowScene(uint8_t* SE_RESTRICT background, const uint8_t* SE_RESTRICT scene,
+                                 size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const auto sum = static_cast<uint16_t>(scene[i] + 2 * background[i]);
+        background[i] = static_cast<uint8_t>(DivideBy3(sum));
+    }
+}
+
+}  // namespace
+
+std::span<const Property<CMotionDetectorSpecialEffectFilter>>
+CMotionDetectorSpecialEffectFilter::Properties() {
+    static constexpr Property<CMotionDetectorSpecialEffectFilter> rows[] = {
+        IntegerProperty<&CMotionDetectorSpecialEffectFilter::BlurDelay>("BlurDelay", "50", "1,100"),
+        ColorProperty<&CMotionDetectorSpecialEffectFilter::BlurColor>("BlurColor", "0,0,192"),
+    };
+    return rows;
+}
+
+void CMotionDetectorSpecialEffectFilter::Prepare() {
+    FirstFrame = true;
+    BlurDelay = 50;
+    BlurColor = kRed;
+    Smoothed = NewPlane(Width(), Height());
+    Background = NewPlane(Width(), Height());
+    History.assign(Background.Size(), 0.0F);
+}
+
+void CMotionDetectorSpecialEffectFilter::Release() {
+    Smoothed.Release();
+    Background.Release();
+    History = {};
+}
+
+void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    constexpr float kDuration = 1.0F;
+    const auto now = static_cast<float>(static_cast<double>(ProcessMilliseconds()) / 1000.0);
+    const int32_t historyStep = Width() * static_cast<int32_t>(sizeof(float));
+
+    CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    Smoothed.CopyPixels(y);
+    FilterGauss3(Smoothed, y);
+    Smoothed.CopyPixels(y);
+    if (FirstFrame) {
+        Background.CopyPixels(y);
+        History.assign(History.size(), 0.0F);
+        FirstFrame = false;
+    }
+
+    MarkMotion(y.data, Background.data, y.Size());
+    PrimUpdateMotionHistory8u32f(y.data, Width(), History.data(), historyStep, Width(), Height(), now,
+                                 kDuration);
+
+    // The fade runs over one second, ending `delay` ago.
+    const auto delay = static_cast<float>(BlurDelay * 1.8 / 100.0 + 0.1);
+    const auto low = static_cast<float>(double{now} - delay);
+    const auto high = static_cast<float>(low + 1.0);
+    PrimScale32f8u(History.data(), historyStep, y.data, Width(), Width(), Height(), low, high);
+
+    FollowScene(Background.data, Smoothed.data, Background.Size());
+    CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height).Fill(PackedToU(BlurColor));
+    CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height).Fill(PackedToV(BlurColor));
+}

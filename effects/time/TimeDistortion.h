@@ -1,0 +1,33 @@
+// Time Distortion: where the present differs from the scene's slow average, the past shows through.
+#ifndef SPECIALEFFECTS_EFFECTS_TIME_TIMEDISTORTION_H
+#define SPECIALEFFECTS_EFFECTS_TIME_TIMEDISTORTION_H
+
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// A pixel that has changed is replaced by the same pixel of some frames ago; the stronger the change, the
+/// further back it reaches. The first 33 frames after `Configure` pass unchanged and fill the ring.
+class CTimeDistortionSpecialEffectFilter final : public PlanarEffect<CTimeDistortionSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Time Distortion";
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    static constexpr uint32_t kRing = 32;
+
+    bool WarmingUp = true;
+    uint32_t FrameCount = 0;
+    CPlane8u Average;  ///< running mean of the luma; starts as the first frame's
+    // The frames as they came in, in a ring.
+    CPlane8u HistoryY[kRing];
+    CPlane8u HistoryU[kRing];
+    CPlane8u HistoryV[kRing];
+    // Luma and its average at the chroma's size: colour decides its delays for itself.
+    CPlane8u SmallLuma;
+    CPlane8u SmallAverage;
+};
+
+#endif

@@ -1,0 +1,110 @@
+#include "effects/tone/SpotLight.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "imaging/Multiversion.h"
+
+namespace {
+
+/// `level` without its fraction, in 0..255. A root of a negative number, which is none, is dark.
+uint8_t LightLevel(double level) {
+    return level > 0.0 ? static_cast<uint8_t>(std::min(level, 255.0)) : uint8_t{0};
+}
+
+/// mask(x, y) = level(y, distance of x from the middle), in mirrored halves. The distance is at least 1, and
+/// at an odd width the column in the middle is as bright as its neighbours.
+template <class Level>
+void FillMirrored(CPlane8u& mask, Level level) {
+    const int32_t half = mask.width / 2;
+    for (int32_t y = 0; y < mask.height; ++y) {
+        uint8_t* const row = mask.Row(y);
+        for (int32_t i = 0; i < half; ++i) {
+            row[i] = row[mask.width - 1 - i] = level(y, static_cast<double>(half - i));
+        }
+        if (mask.width % 2 != 0 && half > 0) row[half] = row[half - 1];
+    }
+}
+
+/// Falls off from the centre by 255 over half the diagonal, more slowly downwards.
+void FillRound(CPlane8u& mask) {
+    const double w = mask.width, h = mask.height;
+    const double diagonal = std::sqrt(w * w + h * h);
+    const int32_t middle = mask.height / 2;
+    FillMirrored(mask, [=](int32_t y, double d) {
+        double a = std::abs(middle - y);
+        if (y > middle) a = a / 1.4;
+        const auto fallOff = static_cast<int32_t>(std::sqrt(d * d + a * a) * 255.0 / (diagonal * 0.5));
+        return static_cast<uint8_t>(255 - (fallOff & 255));
+    });
+}
+
+/// Shines from above the frame and widens downwards.
+void FillBeam(CPlane8u& mask) {
+    const int32_t quarter = mask.height / 4;
+    FillMirrored(mask, [=](int32_t y, double d) {
+        const double q = quarter + y;
+        const int32_t third = y / 3;
+        return LightLevel((std::sqrt(q * q - (d * 1.8) * (d * 1.8)) - third) * 255.0 / q);
+    });
+}
+
+/// Wider and brighter, and dark at once beyond its edge.
+void FillSteepBeam(CPlane8u& mask) {
+    const int32_t h = mask.height, quarter = h / 4;
+    const double k = h / 255.0;
+    FillMirrored(mask, [=](int32_t y, double d) {
+        const double q = quarter + y;
+        double v = 2 * std::sqrt(q * q - d * d) - y * 1.8;
+        if (v > 0.0) v += (h - y) / k;
+        return LightLevel(v - 255.0);
+    });
+}
+
+/// Light adds half of the mask, less 91; where there is none at all 127 levels are lost.
+SE_MULTIVERSION void LightLuma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT luma, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const auto change = static_cast<int16_t>(mask[i] == 0 ? -127 : (mask[i] >> 1) - 91);
+        const auto lit = static_cast<int16_t>(luma[i] + change);
+        luma[i] = static_cast<uint8_t>(std::clamp<int16_t>(lit, 0, 255));
+    }
+}
+
+/// Adds mask * 16 / 255, the division exact as a multiplication: x / 255 = (x + 1 + (x >> 8)) >> 8.
+SE_MULTIVERSION void WarmChroma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT chroma, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const auto x = static_cast<uint16_t>(mask[i] * 16);
+        const auto offset = static_cast<uint16_t>(static_cast<uint16_t>(x + 1 + (x >> 8)) >> 8);
+        chroma[i] = static_cast<uint8_t>(std::min<uint16_t>(static_cast<uint16_t>(chroma[i] + offset), 255));
+    }
+}
+
+}  // namespace
+
+void CSpotLightSpecialEffectFilter::Prepare() {
+    LumaMask = NewPlane(Width(), Height());
+    switch (Shape) {
+        case 0:
+            FillRound(LumaMask);
+            break;
+        case 1:
+            FillBeam(LumaMask);
+            break;
+        default:
+            FillSteepBeam(LumaMask);
+            break;
+    }
+    ChromaMask = NewPlane(Width() / 2, Height() / 2);
+    ResizePlane(LumaMask, ChromaMask);
+}
+
+void CSpotLightSpecialEffectFilter::Release() {
+    LumaMask.Release();
+    ChromaMask.Release();
+}
+
+void CSpotLightSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    LightLuma(LumaMask.data, frame.y.data, LumaMask.Size());
+    WarmChroma(ChromaMask.data, frame.u.data, ChromaMask.Size());
+    WarmChroma(ChromaMask.data, frame.v.data, ChromaMask.Size());
+}

@@ -1,0 +1,186 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <thread>
+#include <vector>
+
+#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/EffectDriver.h"
+
+namespace {
+
+constexpr const char* kGuids[] = {"{1DC06F46-0253-4EF8-96AF-E69B0B535984}",
+                                  "{43206F46-1253-4EF8-22AF-E69B0B535984}"};
+
+int Curve(int variant, int i) {
+    const double k = 0.098174770421875;
+    const double a = std::max((std::sin(i * k) + 1.0) * 0.5, 0.0);
+    const int b = 128 + static_cast<int>(a * 90.0);
+    const double d = std::max((std::sin(b * k) + 1.0) * 0.5, 0.0);
+    return variant == 1 ? 25 + static_cast<int>(d * 230.0) : 50 + static_cast<int>(d * 200.0);
+}
+
+uint8_t Tone(int variant, int luma, int x) {
+    return static_cast<uint8_t>(Curve(variant, (x / 3 + luma) & 255));
+}
+
+class ChromeModel {
+  public:
+    ChromeModel(int variant, int w, int h)
+        : variant_(variant), w_(w), h_(h), previous_(static_cast<size_t>(w * h)) {}
+
+    void operator()(TestFrame& frame) {
+        std::vector<uint8_t> y(frame.plane(0).begin(), frame.plane(0).end());
+        std::vector<uint8_t> smooth = y;
+        Lowpass(y, smooth);
+        for (size_t i = 0; i < y.size(); ++i) {
+            if (std::abs(smooth[i] - previous_[i]) < 3) smooth[i] = previous_[i];
+        }
+        previous_ = smooth;
+        Lowpass(smooth, y);
+        for (int i = 0; i < w_ * h_; ++i) frame.y()[i] = Tone(variant_, y[static_cast<size_t>(i)], i % w_);
+        std::fill(frame.plane(1).begin(), frame.plane(1).end(), uint8_t{128});
+        std::fill(frame.plane(2).begin(), frame.plane(2).end(), uint8_t{128});
+    }
+
+  private:
+    void Lowpass(const std::vector<uint8_t>& src, std::vector<uint8_t>& dst) const {
+        for (int y = 2; y < h_ - 2; ++y) {
+            for (int x = 2; x < w_ - 2; ++x) {
+                int sum = 0;
+                for (int k = 0; k < 25; ++k) {
+                    sum += src[static_cast<size_t>((y + k / 5 - 2) * w_ + x + k % 5 - 2)];
+                }
+                dst[static_cast<size_t>(y * w_ + x)] = static_cast<uint8_t>(((sum + 13) * 10485) >> 18);
+            }
+        }
+    }
+
+    int variant_, w_, h_;
+    std::vector<uint8_t> previous_;
+};
+
+class Chrome : public testing::TestWithParam<int> {
+  protected:
+    static const char* Guid() { return kGuids[GetParam() - 1]; }
+};
+
+TEST_P(Chrome, KeepsTheContract) {
+    EffectDriver effect(Guid());
+    EXPECT_EQ(effect.Name(), "Chrome");
+    ExpectContract(effect);
+}
+
+TEST_P(Chrome, EqualsItsModel) {
+    EffectDriver effect(Guid());
+    ExpectEqualsModel(effect, [](int32_t w, int32_t h) { return ChromeModel(GetParam(), w, h); });
+}
+
+TEST_P(Chrome, TheSlantWrapsRoundInWideFrames) {
+    EffectDriver effect(Guid());
+    ASSERT_EQ(effect.Configure(1600, 8), kSuccess);
+    for (const int luma : {0, 40, 128, 255}) {
+        TestFrame frame = TestFrame(1600, 8).Fill(static_cast<uint8_t>(luma), 1, 2);
+        EXPECT_EQ(effect.Process(frame), kSuccess);
+        for (int x = 0; x < 1600; ++x) ASSERT_EQ(frame.y()[4 * 1600 + x], Tone(GetParam(), luma, x)) << x;
+        EXPECT_EQ(frame.y()[4 * 1600], frame.y()[4 * 1600 + 768]);
+    }
+}
+
+TEST_P(Chrome, SmallDifferencesAreHeldAndThreePassesThrough) {
+    EffectDriver effect(Guid());
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    int steady = 0;
+    for (const int luma : {100, 102, 98, 101, 103, 105, 102, 99, 100}) {
+        if (std::abs(luma - steady) >= 3) steady = luma;
+        TestFrame frame = TestFrame(64, 48).Fill(static_cast<uint8_t>(luma), 60, 70);
+        EXPECT_EQ(effect.Process(frame), kSuccess);
+        for (int y = 2; y < 46; ++y) {
+            for (int x = 2; x < 62; ++x) {
+                ASSERT_EQ(frame.y()[y * 64 + x], Tone(GetParam(), steady, x)) << "luma " << luma;
+            }
+        }
+    }
+    EXPECT_EQ(steady, 99);
+}
+
+TEST_P(Chrome, IsStableUnderFaintNoise) {
+    EffectDriver effect(Guid());
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    const TestFrame still = TestFrame(64, 48).Fill(120, 128, 128);
+    TestFrame first = still;
+    EXPECT_EQ(effect.Process(first), kSuccess);
+    for (int i = 0; i < 8; ++i) {
+        TestFrame noisy = still;
+        TestRandom random(static_cast<uint64_t>(i));
+        for (int y = 2; y < 46; ++y) {
+            for (int x = 2; x < 62; ++x) noisy.y()[y * 64 + x] = static_cast<uint8_t>(118 + random.Below(5));
+        }
+        EXPECT_EQ(effect.Process(noisy), kSuccess);
+        EXPECT_EQ(FirstDifference(noisy, first), "");
+    }
+}
+
+TEST_P(Chrome, ConfigureForgetsThePreviousPicture) {
+    EffectDriver effect(Guid());
+    ASSERT_EQ(effect.Configure(32, 32), kSuccess);
+    TestFrame frame = TestFrame(32, 32).Fill(2, 0, 0);
+    EXPECT_EQ(effect.Process(frame), kSuccess);
+    EXPECT_EQ(frame.y()[16 * 32 + 16], Tone(GetParam(), 0, 16));  // held at the 0 from which it starts
+    frame.Fill(90, 0, 0);
+    EXPECT_EQ(effect.Process(frame), kSuccess);
+    ASSERT_EQ(effect.Configure(32, 32), kSuccess);
+    frame.Fill(2, 0, 0);
+    EXPECT_EQ(effect.Process(frame), kSuccess);
+    EXPECT_EQ(frame.y()[16 * 32 + 16], Tone(GetParam(), 0, 16));
+}
+
+TEST_P(Chrome, HasNoProperties) {
+    EffectDriver effect(Guid());
+    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
+    EXPECT_EQ(effect.Set("Intensity", "3"), kSuccess);
+    EXPECT_EQ(effect.Get("Intensity"), "untouched");
+}
+
+INSTANTIATE_TEST_SUITE_P(Variants, Chrome, testing::Values(1, 2));
+
+TEST(ChromeVariants, DoNotDisturbEachOther) {
+    EffectDriver dark(kGuids[0]), bright(kGuids[1]);
+    ASSERT_EQ(dark.Configure(40, 30), kSuccess);
+    ASSERT_EQ(bright.Configure(40, 30), kSuccess);
+    ChromeModel darkModel(1, 40, 30), brightModel(2, 40, 30);
+    for (int i = 0; i < 6; ++i) {
+        TestFrame a(40, 30), b(40, 30);
+        a.DrawScene(i);
+        b.DrawScene(i + 10);
+        TestFrame expectedA = a, expectedB = b;
+        darkModel(expectedA);
+        brightModel(expectedB);
+        EXPECT_EQ(dark.Process(a), kSuccess);
+        EXPECT_EQ(bright.Process(b), kSuccess);
+        EXPECT_EQ(FirstDifference(a, expectedA), "");
+        EXPECT_EQ(FirstDifference(b, expectedB), "");
+    }
+}
+
+TEST(ChromeVariants, MayBeUsedOnSeveralThreads) {
+    std::vector<std::thread> threads;
+    std::vector<std::string> differences(4);
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&differences, t] {
+            EffectDriver effect(kGuids[t % 2]);
+            if (effect.Configure(48, 32) != kSuccess) return;
+            TestFrame frame(48, 32);
+            frame.DrawScene(t);
+            TestFrame expected = frame;
+            ChromeModel(t % 2 + 1, 48, 32)(expected);
+            effect.Process(frame);
+            differences[static_cast<size_t>(t)] = FirstDifference(frame, expected);
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const std::string& difference : differences) EXPECT_EQ(difference, "");
+}
+
+}  // namespace

@@ -1,0 +1,141 @@
+# Who may include whom, read from the #include lines of the tree.
+#
+#     cmake -DROOT=... -P include_rules.cmake
+#
+#   imaging      imaging
+#   framework    framework; Catalogue.cpp alone knows all effects as well
+#   effects/*    framework without the catalogue, imaging, its own folder; never an effect's header but its own
+#   facetrack    the same
+#   host         its own folder and the two public headers
+#   tests/abi    its own folder
+#
+# The module itself includes nothing from outside but the standard library and the compiler's intrinsics.
+# Paths start at the root of the tree in the module; elsewhere they may be relative.
+cmake_minimum_required(VERSION 3.25)
+
+set(rooms framework imaging effects facetrack host tests bench tools)
+list(JOIN rooms "|" any_room)
+set(public_headers framework/SpecialEffectFilter.h framework/SpecialEffectFactory.h)
+
+# The includes of a file, in `out`: <name> and "name" both as name, prefixed with < or ".
+function(read_includes file out)
+    file(STRINGS ${ROOT}/${file} lines REGEX "^[ \t]*#[ \t]*include")
+    set(includes "")
+    foreach(line IN LISTS lines)
+        if(line MATCHES "include[ \t]*([<\"])([^>\"]+)[>\"]")
+            list(APPEND includes "${CMAKE_MATCH_1}${CMAKE_MATCH_2}")
+        else()
+            violation(${file} "an include that cannot be read: ${line}")
+        endif()
+    endforeach()
+    set(${out} "${includes}" PARENT_SCOPE)
+endfunction()
+
+function(violation file what)
+    message(SEND_ERROR "${file}: ${what}")
+endfunction()
+
+function(sources out)
+    set(patterns "")
+    foreach(folder IN LISTS ARGN)
+        foreach(extension h c cpp inc)
+            list(APPEND patterns ${ROOT}/${folder}/*.${extension})
+        endforeach()
+    endforeach()
+    file(GLOB_RECURSE found RELATIVE ${ROOT} ${patterns})
+    set(${out} "${found}" PARENT_SCOPE)
+endfunction()
+
+# What a file includes from the tree must match `allowed`; what it includes from elsewhere must be standard.
+function(check_module_file file allowed)
+    read_includes(${file} includes)
+    foreach(include IN LISTS includes)
+        string(SUBSTRING ${include} 0 1 bracket)
+        string(SUBSTRING ${include} 1 -1 name)
+        if(bracket STREQUAL "<" AND NOT name MATCHES "^(${any_room})/")
+            if(NOT name MATCHES "^[a-z0-9_]+$" AND NOT name STREQUAL "immintrin.h")
+                violation(${file} "<${name}> is not of the standard library")
+            endif()
+        elseif(NOT name MATCHES "${allowed}" OR bracket STREQUAL "<")
+            violation(${file} "may not include ${name}")
+        endif()
+    endforeach()
+endfunction()
+
+# ---- the module ------------------------------------------------------------------------------------
+sources(files imaging)
+foreach(file IN LISTS files)
+    check_module_file(${file} "^imaging/")
+endforeach()
+
+sources(files framework)
+foreach(file IN LISTS files)
+    if(file STREQUAL "framework/Catalogue.cpp")
+        check_module_file(${file} "^(framework|effects|facetrack)/")
+    else()
+        check_module_file(${file} "^framework/")
+    endif()
+endforeach()
+foreach(file IN LISTS public_headers)
+    check_module_file(${file} "^framework/SpecialEffectFilter\\.h$")
+endforeach()
+
+sources(files effects facetrack)
+foreach(file IN LISTS files)
+    get_filename_component(folder ${file} DIRECTORY)
+    check_module_file(${file} "^(framework/|imaging/|${folder}/)")
+endforeach()
+
+# An effect's header is one that the catalogue includes. Only the effect itself and the catalogue see it.
+read_includes(framework/Catalogue.cpp includes)
+set(effect_headers "")
+foreach(include IN LISTS includes)
+    if(include MATCHES "^.((effects|facetrack)/.*)")
+        list(APPEND effect_headers ${CMAKE_MATCH_1})
+    endif()
+endforeach()
+foreach(file IN LISTS files)
+    read_includes(${file} includes)
+    string(REGEX REPLACE "\\.[a-z]+$" "" stem ${file})
+    foreach(include IN LISTS includes)
+        string(SUBSTRING ${include} 1 -1 name)
+        if(name MATCHES "^framework/Catalogue")
+            violation(${file} "may not include the catalogue")
+        elseif(name IN_LIST effect_headers AND NOT name STREQUAL "${stem}.h")
+            violation(${file} "may not include another effect, ${name}")
+        endif()
+    endforeach()
+endforeach()
+
+# ---- those outside ---------------------------------------------------------------------------------
+# Checks that `file` in `room` includes, of the tree, only the room's own files and `allowed`.
+function(check_outside_file file room)
+    read_includes(${file} includes)
+    foreach(include IN LISTS includes)
+        string(SUBSTRING ${include} 0 1 bracket)
+        string(SUBSTRING ${include} 1 -1 name)
+        get_filename_component(folder ${file} DIRECTORY)
+        if(name IN_LIST ARGN)
+            continue()
+        endif()
+        set(ours FALSE)
+        if(name MATCHES "^(${any_room})/" OR name MATCHES "\\.\\./")
+            set(ours TRUE)
+        endif()
+        if(ours AND NOT name MATCHES "^${room}/[^.]")
+            violation(${file} "may not include ${name}")
+        elseif(bracket STREQUAL "\"" AND NOT ours AND NOT EXISTS ${ROOT}/${folder}/${name})
+            violation(${file} "may not include ${name}: it is not in ${folder}")
+        endif()
+    endforeach()
+endfunction()
+
+sources(files host)
+foreach(file IN LISTS files)
+    check_outside_file(${file} host ${public_headers})
+endforeach()
+
+sources(files tests/abi)
+foreach(file IN LISTS files)
+    check_outside_file(${file} tests/abi)
+endforeach()
