@@ -18,6 +18,7 @@
 #include "effects/drawing/Chalk.h"
 #include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
+#include "effects/drawing/CottonCandy.h"
 #include "effects/time/FourSquare.h"
 #include "effects/time/MotionBlur.h"
 #include "effects/time/MotionDetector.h"
@@ -74,7 +75,7 @@ constexpr Row kRows[] = {
     {"{09BBE22C-BF85-445E-8DF0-F90E72B6B8C0}", {15}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(2); } */},
     {"{D77E9CF7-CE38-4ABF-A4BA-525140515CEC}", {19}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(3); } */},
     {"{930E1289-65C0-403E-880A-1902FDCFEA90}", {25}, [] { return New<CFireSpecialEffectFilter>(); }},
-    {"{D0329FE9-2E4F-46ED-BA05-70DB47014CD9}", {3}, nullptr /* [] { return New<CCottonCandySpecialEffectFilter>(); } */},
+    {"{D0329FE9-2E4F-46ED-BA05-70DB47014CD9}", {3}, [] { return New<CCottonCandySpecialEffectFilter>(); }},
     {"{27E3D176-FB78-4F57-A94F-37EB05CA30F8}", {26}, [] { return New<CRainSpecialEffectFilter>(); }},
     {"{6179FB24-F31A-44C7-B0AB-8DF5F96F4315}", {2}, [] { return New<CFourSquareSpecialEffectFilter>(); }},
     {"{31C0857C-39B7-47C5-A30D-5E7EA39D66A6}", {16}, nullptr /* [] { return New<CTwirlSpecialEffectFilter>(1, 1.15); } */},

@@ -1,0 +1,64 @@
+#include "effects/drawing/CottonCandy.h"
+
+#include <array>
+
+#include "imaging/Lookup.h"
+#include "imaging/Multiversion.h"
+#include "imaging/ScalarColor.h"
+
+namespace {
+
+constexpr int32_t kBlurSize = 20;
+constexpr int32_t kMargin = kBlurSize / 2;
+
+using Palette = std::array<uint8_t, 256>;
+
+/// A palette through three stops, at 0, 128 and 255.
+constexpr Palette MakePalette(int32_t low, int32_t middle, int32_t high) {
+    Palette palette{};
+    for (int32_t i = 0; i < 256; ++i) {
+        const double t = i < 128 ? i * 0.0078125 : (i - 128) / 127.0;
+        const double entry = i < 128 ? t * middle + (1.0 - t) * low : t * high + (1.0 - t) * middle;
+        palette[static_cast<size_t>(i)] = static_cast<uint8_t>(entry);
+    }
+    return palette;
+}
+
+/// Pink in the dark, violet between, cyan in the light.
+constexpr Palette kUPalette = MakePalette(RgbToU(253, 167, 170), RgbToU(87, 53, 200), RgbToU(0, 201, 255));
+constexpr Palette kVPalette = MakePalette(RgbToV(253, 167, 170), RgbToV(87, 53, 200), RgbToV(0, 201, 255));
+
+/// The negative of `luma`, burnt out to white where its surroundings are bright.
+SE_MULTIVERSION void LightNegative(uint8_t* SE_RESTRICT luma, ptrdiff_t width, ptrdiff_t height,
+                                   const uint8_t* SE_RESTRICT blurred, ptrdiff_t blurredStep) {
+    for (; height > 0; --height, luma += width, blurred += blurredStep) {
+        for (ptrdiff_t x = 0; x < width; ++x) {
+            const int32_t weight = 255 - blurred[x] / 4 - blurred[x] / 2;
+            luma[x] = static_cast<uint8_t>(255 - ((weight * luma[x]) >> 8));
+        }
+    }
+}
+
+}  // namespace
+
+void CCottonCandySpecialEffectFilter::Prepare() {
+    Padded = NewPlane(Width() + 2 * kMargin, Height() + 2 * kMargin);
+    BlurredHalf = NewPlane(Width() / 2, Height() / 2);
+}
+
+void CCottonCandySpecialEffectFilter::Release() {
+    Padded.Release();
+    BlurredHalf.Release();
+}
+
+void CCottonCandySpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    EqualizeHistogram(luma);
+    Padded.CopyWithBorder(luma, kMargin);
+    FilterBoxInPlace(Padded, kBlurSize);
+    LightNegative(luma.data, luma.width, luma.height, Padded.Row(kMargin) + kMargin, Padded.width);
+
+    BlurredHalf.ResizeRegion(Padded, luma.width, luma.height, kMargin, kMargin);
+    LookupBytes(kUPalette.data(), BlurredHalf.data, frame.u.data, BlurredHalf.Size());
+    LookupBytes(kVPalette.data(), BlurredHalf.data, frame.v.data, BlurredHalf.Size());
+}
