@@ -24,8 +24,10 @@
 #include "effects/time/MotionDetector.h"
 #include "effects/time/TiledUp.h"
 #include "effects/time/TimeDistortion.h"
+#include "effects/tone/AntiquatedMovie.h"
 #include "effects/tone/Chrome.h"
 #include "effects/tone/GrayScale.h"
+#include "effects/tone/Neonize.h"
 #include "effects/tone/NightVision.h"
 #include "effects/tone/Sepia.h"
 #include "effects/tone/SpotLight.h"
@@ -67,7 +69,7 @@ constexpr Row kRows[] = {
     {"{A2BACBE0-498C-4681-BBEC-F39BB439CED1}", {}, nullptr /* [] { return New<CLineArtSpecialEffectFilter>(1); } */},
     {"{6772F07B-DE51-4FA9-A7C7-DE6430F437BF}", {17}, nullptr /* [] { return New<CLineArtSpecialEffectFilter>(2); } */},
     {"{A50A308E-0D60-46E5-A336-409E22F395DD}", {4}, [] { return New<CTiledUpSpecialEffectFilter>(); }},
-    {"{E13ED2C0-8ABF-424D-95DD-AB390B236072}", {0}, nullptr /* [] { return New<CNeonizeSpecialEffectFilter>(); } */},
+    {"{E13ED2C0-8ABF-424D-95DD-AB390B236072}", {0}, [] { return New<CNeonizeSpecialEffectFilter>(); }},
     {"{DD6B365B-A6CD-4473-80D8-20F7A662B981}", {7}, [] { return New<CChalkSpecialEffectFilter>(1); }},
     {"{C043B0F7-A2E1-40F3-AAC7-2019FB2571C3}", {}, [] { return New<CChalkSpecialEffectFilter>(2); }},
     {"{C1A1DEF8-8962-45EF-B416-4C51F4DED591}", {}, [] { return New<CChalkSpecialEffectFilter>(3); }},
@@ -82,7 +84,7 @@ constexpr Row kRows[] = {
     {"{D4BD349A-13D3-45F2-8C4C-880E9D2E6280}", {27}, nullptr /* [] { return New<CTwirlSpecialEffectFilter>(2, 1.15); } */},
     {"{41AAFA6F-B0F3-4759-A799-4E3DF9833D4A}", {11}, nullptr /* [] { return New<CMovingTwirlSpecialEffectFilter>(); } */},
     {"{7DB203B3-4EC6-497D-957F-5A938F6AAB76}", {18}, [] { return New<CCloudsSpecialEffectFilter>(); }},
-    {"{83548554-BA11-4C26-9403-442DFA1C2BFE}", {5}, nullptr /* [] { return New<CAntiquatedMovieSpecialEffectFilter>(); } */},
+    {"{83548554-BA11-4C26-9403-442DFA1C2BFE}", {5}, [] { return New<CAntiquatedMovieSpecialEffectFilter>(); }},
     {"{F342D1F4-4E9C-475C-82CF-1CC347562DBC}", {22}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(1); } */},
     {"{2F8530C5-96DA-4BCD-9CCA-B536EAFB08BB}", {23}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(2); } */},
     {"{9E680B79-DC8E-4CA2-B3AE-731A26C57EAE}", {14}, [] { return New<CRainDropsSpecialEffectFilter>(); }},

@@ -1,0 +1,38 @@
+// Antiquated Movie: an old reel of film. Hairs, dust and scratches, a stretched tone range, grain, soft
+// focus, a vignette, a picture that jumps in the gate, and a tint.
+#ifndef SPECIALEFFECTS_EFFECTS_TONE_ANTIQUATEDMOVIE_H
+#define SPECIALEFFECTS_EFFECTS_TONE_ANTIQUATEDMOVIE_H
+
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// The damage is drawn with `rand`, which is not seeded here. Properties are read at each frame. On a frame
+/// 64 or less wide or high the hairs are left out, with their random numbers; scratches that do not fit into
+/// a narrow frame are left out, their random numbers are drawn.
+class CAntiquatedMovieSpecialEffectFilter final : public PlanarEffect<CAntiquatedMovieSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Antiquated Movie";
+    static std::span<const Property<CAntiquatedMovieSpecialEffectFilter>> Properties();
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    void DamageFilm(CPlane8u& luma);
+    void DrawScratches(CPlane8u& luma);
+    void AddGrainAndSoften(CPlane8u& luma);
+    void JitterGate(CPlane8u& luma);
+    void Tint(CPlane8u& luma, const FramePlane& u);
+
+    CPlane8u GrainPlane;  ///< one row higher than the frame, to be read from any column of the first row on
+    CPlane8u VignettePlane;   ///< what is left of the light, 255 = all
+    CPlane8u ToneHalfPlane;   ///< luma at the size of the chroma
+    CPlane8u SoftenPlane;     ///< luma before it is softened
+    int32_t JitterRows = 0;   ///< rows by which the picture has slipped up, 0 to 10
+    int32_t DriftColumn = 0;  ///< where the first of the drifting scratches is
+    bool Sepia = true;
+    bool Vignetting = true;
+};
+
+#endif

@@ -1,0 +1,111 @@
+#include "effects/tone/Neonize.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "imaging/Multiversion.h"
+
+namespace {
+
+constexpr int32_t kLargestFullWidth = 512;
+
+void PrepareGradient(CGradientImage& gradient, const CPlane8u& plane) {
+    if (!plane.Empty()) Require(gradient.Allocate(plane.width, plane.height));
+}
+
+void PrepareKernel(CGaussKernel1D& kernel, const CPlane8u& plane) {
+    kernel.Build(plane.width < 320 ? 0.8 : 1.5, 0);
+}
+
+/// Smooths along the rows and then along the columns. What a pass does not reach keeps what it held.
+void Smooth(CPlane8u& plane, CPlane8u& scratch, const CGaussKernel1D& kernel) {
+    scratch.CopyPixels(plane);
+    kernel.FilterRows(plane, scratch);
+    plane.CopyPixels(scratch);
+    kernel.FilterColumns(scratch, plane);
+}
+
+SE_INLINE int16_t Magnitude(int16_t dx, int16_t dy) {
+    return static_cast<int16_t>(std::abs(dx) + std::abs(dy));
+}
+
+/// Weak edges stay dark, stronger ones rise four times as fast.
+SE_MULTIVERSION void DrawLumaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
+                                   uint8_t* SE_RESTRICT dst, size_t count) {
+    constexpr int16_t kWeak = 20;
+    for (size_t i = 0; i < count; ++i) {
+        const int16_t m = Magnitude(dx[i], dy[i]);
+        const auto boosted = static_cast<int16_t>(4 * m - 60);
+        dst[i] = static_cast<uint8_t>(std::min<int16_t>(m > kWeak ? boosted : m, 255));
+    }
+}
+
+/// Edges go above or below the neutral 128 with their sign.
+SE_MULTIVERSION void DrawChromaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
+                                     uint8_t* SE_RESTRICT dst, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const auto strength = static_cast<int16_t>(2 * Magnitude(dx[i], dy[i]));
+        const auto sum = static_cast<int16_t>(dx[i] + dy[i]);
+        const auto level = static_cast<int16_t>(sum < 0 ? 128 - strength : 128 + strength);
+        dst[i] = static_cast<uint8_t>(std::clamp<int16_t>(level, 0, 255));
+    }
+}
+
+/// Scales `work` without its outermost `cut` pixels up to the whole of `plane`.
+void ShowInterior(CPlane8u& plane, const CPlane8u& work, int32_t cut) {
+    const int32_t width = work.width - 2 * cut, height = work.height - 2 * cut;
+    if (width > 0 && height > 0) plane.ResizeRegion(work, width, height, cut, cut);
+}
+
+}  // namespace
+
+void CNeonizeSpecialEffectFilter::Prepare() {
+    const int32_t scale = Width() > kLargestFullWidth ? 2 : 1;
+    const int32_t w = Width() / scale, h = Height() / scale;
+    LumaWork = NewPlane(w, h);
+    LumaScratch = NewPlane(w, h);
+    ChromaWork = NewPlane(w / 2, h / 2);
+    ChromaBlur = NewPlane(w / 2, h / 2);
+    PrepareGradient(LumaGradient, LumaWork);
+    PrepareGradient(ChromaGradient, ChromaWork);
+    PrepareKernel(LumaKernel, LumaWork);
+    PrepareKernel(ChromaKernel, ChromaWork);
+}
+
+void CNeonizeSpecialEffectFilter::Release() {
+    LumaGradient.Release();
+    ChromaGradient.Release();
+    LumaWork.Release();
+    ChromaWork.Release();
+    ChromaBlur.Release();
+    LumaScratch.Release();
+    LumaKernel.Release();
+    ChromaKernel.Release();
+}
+
+void CNeonizeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    CPlane8u u = CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height);
+    CPlane8u v = CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height);
+    ProcessLuma(y);
+    ProcessChroma(u);
+    ProcessChroma(v);
+}
+
+void CNeonizeSpecialEffectFilter::ProcessLuma(CPlane8u& luma) {
+    ResizePlane(luma, LumaWork);
+    Smooth(LumaWork, LumaScratch, LumaKernel);
+    LumaGradient.ComputeSobel(LumaWork);
+    DrawLumaEdges(LumaGradient.dx, LumaGradient.dy, LumaWork.data, LumaWork.Size());
+    ShowInterior(luma, LumaWork, 6);
+}
+
+void CNeonizeSpecialEffectFilter::ProcessChroma(CPlane8u& chroma) {
+    ResizePlane(chroma, ChromaWork);
+    Smooth(ChromaWork, ChromaBlur, ChromaKernel);
+    ChromaGradient.ComputeSobel(ChromaWork);
+    DrawChromaEdges(ChromaGradient.dx, ChromaGradient.dy, ChromaWork.data, ChromaWork.Size());
+    ChromaBlur.CopyPixels(ChromaWork);
+    FilterGauss5(ChromaWork, ChromaBlur);
+    ShowInterior(chroma, ChromaBlur, 3);
+}

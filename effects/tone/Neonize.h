@@ -1,0 +1,35 @@
+// Neonize: the picture's edges as glowing lines on black, coloured by the edges of the chroma.
+#ifndef SPECIALEFFECTS_EFFECTS_TONE_NEONIZE_H
+#define SPECIALEFFECTS_EFFECTS_TONE_NEONIZE_H
+
+#include "framework/EffectBase.h"
+#include "imaging/GaussKernel1D.h"
+#include "imaging/GradientImage.h"
+#include "imaging/Plane8u.h"
+
+/// Frames wider than 512 are worked on at half size. The outermost pixels, for which the filters have no
+/// result, are cut away and the rest is scaled up to the full picture; a plane that is no larger than what is
+/// cut away stays as it is.
+class CNeonizeSpecialEffectFilter final : public PlanarEffect<CNeonizeSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Neonize";
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    void ProcessLuma(CPlane8u& luma);
+    void ProcessChroma(CPlane8u& chroma);
+
+    CGradientImage LumaGradient;
+    CGradientImage ChromaGradient;
+    CPlane8u LumaWork;
+    CPlane8u ChromaWork;
+    CPlane8u ChromaBlur;
+    CPlane8u LumaScratch;  ///< between the two passes of smoothing; for chroma `ChromaBlur` serves
+    CGaussKernel1D LumaKernel;
+    CGaussKernel1D ChromaKernel;
+};
+
+#endif
