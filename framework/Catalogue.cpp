@@ -9,6 +9,7 @@
 #include "effects/animated/CameraFlashes.h"
 #include "effects/animated/Clouds.h"
 #include "effects/animated/Fire.h"
+#include "effects/animated/LogoAnimation.h"
 #include "effects/animated/Quark.h"
 #include "effects/animated/Rain.h"
 #include "effects/animated/RainDrops.h"
@@ -108,7 +109,7 @@ constexpr Row kRows[] = {
     {"{0255B3CB-9DF7-4B4D-ADBA-8730305B29EA}", {13}, [] { return New<CSpotLightSpecialEffectFilter>(1); }},
     {"{6A5E49C5-2ACA-4115-B778-74AA63AE43C1}", {}, [] { return New<CSpotLightSpecialEffectFilter>(2); }},
     {"{692E6627-95B1-462D-B120-114CFBA72188}", {33}, [] { return New<CQuarkSpecialEffectFilter>(); }},
-    {"{65F2B741-B4F0-4B6E-9C6B-3548B3039578}", {21}, nullptr /* [] { return New<CLogoAnimationSpecialEffectFilter>(); } */},
+    {"{65F2B741-B4F0-4B6E-9C6B-3548B3039578}", {21}, [] { return New<CLogoAnimationSpecialEffectFilter>(); }},
     {"{48D2B4EE-5668-418C-8CB2-E624F4CBCDBA}", {1}, [] { return New<CStretchSpecialEffectFilter>(); }},
     {"{AAD9F53D-60B9-4EDA-92B7-3E0A568DE28A}", {8}, [] { return New<CFishEyeSpecialEffectFilter>(); }},
     {"{84DF0F59-4E9F-49AA-8DA0-C46E23D07128}", {10}, [] { return New<CNightVisionSpecialEffectFilter>(); }},

@@ -1,0 +1,147 @@
+#include "effects/animated/LogoAnimation.h"
+
+#include <cstdlib>
+
+#include "effects/animated/TextRenderer.h"
+#include "framework/ProcessClock.h"
+#include "imaging/ScalarColor.h"
+
+using Effect = CLogoAnimationSpecialEffectFilter;
+
+std::span<const Property<Effect>> Effect::Properties() {
+    // Stores a member and has the logos made anew.
+    constexpr auto remake = []<auto Member>(Property<Effect> row) {
+        return row.OnSet([](Effect& effect, int32_t value) {
+            using Value = std::remove_reference_t<decltype(effect.*Member)>;
+            effect.*Member = static_cast<Value>(value);
+            effect.Dirty = true;
+        });
+    };
+    constexpr auto color = []<size_t index>(const char* name) {
+        return ColorProperty<Effect>(
+            name, "0,0,0", [](const Effect& effect) { return static_cast<int32_t>(effect.Colors[index]); },
+            [](Effect& effect, int32_t value) {
+                effect.Colors[index] = static_cast<uint32_t>(value);
+                effect.Dirty = true;
+            });
+    };
+    static constexpr Property<Effect> rows[] = {
+        IntegerProperty<&Effect::ObjectsNumber>("Objects Number", "10", "1,40"),
+        remake.operator()<&Effect::Type>(IntegerProperty<&Effect::Type>("Type", "2", "1,2")),
+        remake.operator()<&Effect::MovingAnimation>(
+            BooleanProperty<&Effect::MovingAnimation>("Moving Animation", "FALSE")),
+        BooleanProperty<&Effect::Colorize>("Colorize", "FALSE"),
+        remake.operator()<&Effect::RandomColors>(
+            BooleanProperty<&Effect::RandomColors>("Random Colors", "FALSE")),
+        color.operator()<0>("Color 1"),
+        color.operator()<1>("Color 2"),
+        color.operator()<2>("Color 3"),
+        color.operator()<3>("Color 4"),
+        color.operator()<4>("Color 5"),
+    };
+    return rows;
+}
+
+void Effect::Prepare() {
+    constexpr int32_t kCopies = 10;
+    Text = "+44";
+    LogoPath = "logo3.bmp";
+    std::srand(static_cast<unsigned int>(ProcessMilliseconds()));
+    ObjectsNumber = kCopies;
+    MovingAnimation = false;
+    Colorize = true;
+    PictureField.reset(std::make_unique<CAnimationFramework>(Width(), Height()).release());
+    TextField.reset(std::make_unique<CAnimationFramework>(Width(), Height()).release());
+    CurrentField = PictureField.get();
+    Type = kPicture;
+    SyncObjects(kCopies);
+    CurrentField = TextField.get();
+    Type = kText;
+    SyncObjects(ObjectsNumber);
+}
+
+void Effect::Release() {
+    CurrentField = nullptr;
+    PictureField.reset();
+    TextField.reset();
+    Text = {};
+    LogoPath = {};
+}
+
+/// Brings the current field to the wanted number: the oldest copies go first, new ones come last.
+void Effect::SyncObjects(int32_t wanted) {
+    const auto have = static_cast<int32_t>(CurrentField->GetObjectCount());
+    CurrentField->RemoveFirst(have - wanted);
+    for (int32_t i = have; i < wanted; ++i) {
+        if (Type == kText) {
+            AddTextLogo(Text);
+        } else if (!AddPictureLogo(LogoPath)) {
+            AddTextLogo("logo3.bmp not found");
+        }
+    }
+}
+
+/// A logo is never wider or higher than a quarter of the frame; the two are decided apart.
+bool Effect::AddPictureLogo(const std::string& path) {
+    CPlane8u bitmap;
+    if (!bitmap.LoadBmp(path.c_str())) return false;
+    const auto fitted = [](int32_t frame, int32_t logo) {
+        return static_cast<double>(frame) / logo <= 4.0 ? frame / 4 : logo;
+    };
+    CPlane8u logo = NewPlane(fitted(Width(), bitmap.width), fitted(Height(), bitmap.height));
+    ResizePlane(bitmap, logo);
+    logo.Invert();
+    AddLogoObject(logo);
+    return true;
+}
+
+void Effect::AddTextLogo(const std::string& text) {
+    CPlane8u logo = RenderText(text);
+    logo.Invert();
+    AddLogoObject(logo);
+}
+
+void Effect::AddLogoObject(const CPlane8u& plane) {
+    constexpr int32_t kSpeed = 8;
+    auto* const logo =
+        std::make_unique<CBitmapAnimationObject>(plane.width, plane.height, Width(), Height(), plane)
+            .release();
+    AnimationObject object(logo);
+    logo->RandomizePosition();
+    logo->RandomizeVelocity(kSpeed);
+    if (RandomColors) {
+        logo->RandomizeColor();
+    } else {
+        uint8_t color[4];
+        PickColor(color);
+        logo->SetColor(color);
+    }
+    CurrentField->AddObject(std::move(object));
+}
+
+/// One of the colours that are set, by a draw; black, without one, when none is.
+void Effect::PickColor(uint8_t* color) const {
+    uint32_t set[5];
+    int32_t count = 0;
+    for (const uint32_t candidate : Colors) {
+        if (candidate != 0) set[count++] = candidate;
+    }
+    const uint32_t picked = count > 0 ? set[std::rand() % count] : 0;
+    RgbToYuvColor(color, PackedRed(picked), PackedGreen(picked), PackedBlue(picked));
+}
+
+void Effect::ProcessPlanar(const PlanarFrame& frame) {
+    CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    CPlane8u u = CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height);
+    CPlane8u v = CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height);
+    CurrentField = Type == kText ? TextField.get() : PictureField.get();
+    if (Dirty) {
+        SyncObjects(0);
+        SyncObjects(ObjectsNumber);
+        Dirty = false;
+    }
+    SyncObjects(ObjectsNumber);
+    CurrentField->AnimateAll();
+    if (MovingAnimation) CurrentField->MoveAll();
+    CurrentField->RenderTinted(&y, &u, &v, Colorize);
+}

@@ -1,0 +1,48 @@
+// Logo Animation: copies of a small logo fade in and out at random places, mostly near the edges.
+#ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_LOGOANIMATION_H
+#define SPECIALEFFECTS_EFFECTS_ANIMATED_LOGOANIMATION_H
+
+#include <memory>
+#include <string>
+
+#include "effects/animated/AnimationFramework.h"
+#include "framework/EffectBase.h"
+
+/// The logo is a text or the bitmap logo3.bmp of the current directory; a bitmap that is missing or cannot be
+/// read shows as a message. `Configure` for planar frames seeds the C library's random generator from the
+/// process clock, the only place in the module that does, and sets "Objects Number" to 10, "Type" to the
+/// text, "Moving Animation" off and "Colorize" on, whatever a host set before.
+class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimationSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Logo Animation";
+    static std::span<const Property<CLogoAnimationSpecialEffectFilter>> Properties();
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    enum LogoType : int32_t { kText = 1, kPicture = 2 };
+    struct DeleteField {
+        void operator()(CAnimationFramework* field) const { field->DeletingDestructor(1); }
+    };
+    using Field = std::unique_ptr<CAnimationFramework, DeleteField>;
+
+    void SyncObjects(int32_t wanted);
+    bool AddPictureLogo(const std::string& path);
+    void AddTextLogo(const std::string& text);
+    void AddLogoObject(const CPlane8u& plane);
+    void PickColor(uint8_t* color) const;
+
+    Field PictureField, TextField;
+    CAnimationFramework* CurrentField = nullptr;  ///< one of the two
+    int32_t ObjectsNumber = 10;
+    int32_t Type = kPicture;
+    bool MovingAnimation = false, Colorize = false;
+    std::string Text, LogoPath;
+    uint32_t Colors[5] = {};  ///< 0 is no colour
+    bool Dirty = false;       ///< the logos must be made anew
+    bool RandomColors = true;
+};
+
+#endif
