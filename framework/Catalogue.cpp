@@ -15,7 +15,9 @@
 #include "effects/animated/RainDrops.h"
 #include "effects/distortion/Bulge.h"
 #include "effects/distortion/FishEye.h"
+#include "effects/distortion/MovingTwirl.h"
 #include "effects/distortion/Stretch.h"
+#include "effects/distortion/Twirl.h"
 #include "effects/drawing/Chalk.h"
 #include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
@@ -81,9 +83,9 @@ constexpr Row kRows[] = {
     {"{D0329FE9-2E4F-46ED-BA05-70DB47014CD9}", {3}, [] { return New<CCottonCandySpecialEffectFilter>(); }},
     {"{27E3D176-FB78-4F57-A94F-37EB05CA30F8}", {26}, [] { return New<CRainSpecialEffectFilter>(); }},
     {"{6179FB24-F31A-44C7-B0AB-8DF5F96F4315}", {2}, [] { return New<CFourSquareSpecialEffectFilter>(); }},
-    {"{31C0857C-39B7-47C5-A30D-5E7EA39D66A6}", {16}, nullptr /* [] { return New<CTwirlSpecialEffectFilter>(1, 1.15); } */},
-    {"{D4BD349A-13D3-45F2-8C4C-880E9D2E6280}", {27}, nullptr /* [] { return New<CTwirlSpecialEffectFilter>(2, 1.15); } */},
-    {"{41AAFA6F-B0F3-4759-A799-4E3DF9833D4A}", {11}, nullptr /* [] { return New<CMovingTwirlSpecialEffectFilter>(); } */},
+    {"{31C0857C-39B7-47C5-A30D-5E7EA39D66A6}", {16}, [] { return New<CTwirlSpecialEffectFilter>(1, 1.15); }},
+    {"{D4BD349A-13D3-45F2-8C4C-880E9D2E6280}", {27}, [] { return New<CTwirlSpecialEffectFilter>(2, 1.15); }},
+    {"{41AAFA6F-B0F3-4759-A799-4E3DF9833D4A}", {11}, [] { return New<CMovingTwirlSpecialEffectFilter>(); }},
     {"{7DB203B3-4EC6-497D-957F-5A938F6AAB76}", {18}, [] { return New<CCloudsSpecialEffectFilter>(); }},
     {"{83548554-BA11-4C26-9403-442DFA1C2BFE}", {5}, [] { return New<CAntiquatedMovieSpecialEffectFilter>(); }},
     {"{F342D1F4-4E9C-475C-82CF-1CC347562DBC}", {22}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(1); } */},

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 /// Stands in a table for a pixel that keeps its value.
@@ -14,6 +15,12 @@ inline void GatherPixels(const std::vector<uint32_t>& indices, const uint8_t* sr
     for (size_t i = 0; i < indices.size(); ++i) {
         if (indices[i] != kKeepPixel) dst[i] = src[indices[i]];
     }
+}
+
+/// The same on one plane, by way of a copy in `scratch`.
+inline void GatherInPlace(const std::vector<uint32_t>& indices, uint8_t* plane, uint8_t* scratch) {
+    std::memcpy(scratch, plane, indices.size());
+    GatherPixels(indices, scratch, plane);
 }
 
 #endif

@@ -1,0 +1,34 @@
+// Twirl: the picture turned round its centre, by an angle that grows towards the middle.
+#ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_TWIRL_H
+#define SPECIALEFFECTS_EFFECTS_DISTORTION_TWIRL_H
+
+#include <vector>
+
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// The mapping is built once for each stream; a frame costs one look-up a pixel.
+class CTwirlSpecialEffectFilter final : public PlanarEffect<CTwirlSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Twirl";
+
+    /// Variant 1 turns a disc as high as the frame and leaves the rest in place; any other turns the whole
+    /// frame, out to its corners. `angle` is the turn at the centre, in radians.
+    CTwirlSpecialEffectFilter(int32_t variant, double angle);
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    enum : int32_t { kDisc = 0, kWholeFrame = 1 };
+
+    std::vector<uint32_t> BuildMap(int32_t width, int32_t height) const;
+
+    int32_t Mode;
+    CPlane8u Scratch;
+    std::vector<uint32_t> LumaMap, ChromaMap;
+    double Angle;
+};
+
+#endif
