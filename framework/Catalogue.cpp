@@ -22,6 +22,7 @@
 #include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
 #include "effects/drawing/CottonCandy.h"
+#include "effects/drawing/LineArt.h"
 #include "effects/time/FourSquare.h"
 #include "effects/time/MotionBlur.h"
 #include "effects/time/MotionDetector.h"
@@ -69,8 +70,8 @@ constexpr Row kRows[] = {
     {"{3A849CCB-B961-40FF-ABB7-4385365DF0FC}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(1); } */},
     {"{4DD74959-BE0F-44B1-92B6-043DC61D9F39}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(2); } */},
     {"{E4CA9AFE-50ED-496A-9DC6-214A38B3AEA9}", {29}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(3); } */},
-    {"{A2BACBE0-498C-4681-BBEC-F39BB439CED1}", {}, nullptr /* [] { return New<CLineArtSpecialEffectFilter>(1); } */},
-    {"{6772F07B-DE51-4FA9-A7C7-DE6430F437BF}", {17}, nullptr /* [] { return New<CLineArtSpecialEffectFilter>(2); } */},
+    {"{A2BACBE0-498C-4681-BBEC-F39BB439CED1}", {}, [] { return New<CLineArtSpecialEffectFilter>(1); }},
+    {"{6772F07B-DE51-4FA9-A7C7-DE6430F437BF}", {17}, [] { return New<CLineArtSpecialEffectFilter>(2); }},
     {"{A50A308E-0D60-46E5-A336-409E22F395DD}", {4}, [] { return New<CTiledUpSpecialEffectFilter>(); }},
     {"{E13ED2C0-8ABF-424D-95DD-AB390B236072}", {0}, [] { return New<CNeonizeSpecialEffectFilter>(); }},
     {"{DD6B365B-A6CD-4473-80D8-20F7A662B981}", {7}, [] { return New<CChalkSpecialEffectFilter>(1); }},
