@@ -15,6 +15,7 @@
 #include "effects/animated/RainDrops.h"
 #include "effects/distortion/Bulge.h"
 #include "effects/distortion/FishEye.h"
+#include "effects/distortion/Liquefy.h"
 #include "effects/distortion/MovingTwirl.h"
 #include "effects/distortion/Stretch.h"
 #include "effects/distortion/Twirl.h"
@@ -77,9 +78,9 @@ constexpr Row kRows[] = {
     {"{DD6B365B-A6CD-4473-80D8-20F7A662B981}", {7}, [] { return New<CChalkSpecialEffectFilter>(1); }},
     {"{C043B0F7-A2E1-40F3-AAC7-2019FB2571C3}", {}, [] { return New<CChalkSpecialEffectFilter>(2); }},
     {"{C1A1DEF8-8962-45EF-B416-4C51F4DED591}", {}, [] { return New<CChalkSpecialEffectFilter>(3); }},
-    {"{C116304B-F245-4111-855E-5EA4873787FB}", {24}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(1); } */},
-    {"{09BBE22C-BF85-445E-8DF0-F90E72B6B8C0}", {15}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(2); } */},
-    {"{D77E9CF7-CE38-4ABF-A4BA-525140515CEC}", {19}, nullptr /* [] { return New<CLiquefySpecialEffectFilter>(3); } */},
+    {"{C116304B-F245-4111-855E-5EA4873787FB}", {24}, [] { return New<CLiquefySpecialEffectFilter>(1); }},
+    {"{09BBE22C-BF85-445E-8DF0-F90E72B6B8C0}", {15}, [] { return New<CLiquefySpecialEffectFilter>(2); }},
+    {"{D77E9CF7-CE38-4ABF-A4BA-525140515CEC}", {19}, [] { return New<CLiquefySpecialEffectFilter>(3); }},
     {"{930E1289-65C0-403E-880A-1902FDCFEA90}", {25}, [] { return New<CFireSpecialEffectFilter>(); }},
     {"{D0329FE9-2E4F-46ED-BA05-70DB47014CD9}", {3}, [] { return New<CCottonCandySpecialEffectFilter>(); }},
     {"{27E3D176-FB78-4F57-A94F-37EB05CA30F8}", {26}, [] { return New<CRainSpecialEffectFilter>(); }},
