@@ -37,6 +37,7 @@
 #include "effects/tone/Sepia.h"
 #include "effects/tone/SpotLight.h"
 #include "effects/tone/XRay.h"
+#include "facetrack/PictureMe.h"
 #include "framework/Guid.h"
 
 namespace {
@@ -120,7 +121,7 @@ constexpr Row kRows[] = {
     {"{7EA36DF8-6AC3-40AD-A4F3-9B240E651079}", {20}, [] { return New<CComicBookSpecialEffectFilter>(); }},
     {"{4CD53514-D1F8-41FD-BE48-24EF98AD69D3}", {34}, [] { return New<CTimeDistortionSpecialEffectFilter>(); }},
     {"{3FCD24E0-4787-4D3C-9483-2A689BD61654}", {35}, [] { return New<CXRaySpecialEffectFilter>(); }},
-    {"{E9CC3E96-DFE8-4B32-A477-13D8968339F2}", {36}, nullptr /* [] { return New<CPictureMeSpecialEffectFilter>(); } */},
+    {"{E9CC3E96-DFE8-4B32-A477-13D8968339F2}", {36}, [] { return New<CPictureMeSpecialEffectFilter>(); }},
     {"{DED4BDD4-E2A0-4542-808E-FC9DC4CBCEA6}", {37}, [] { return New<CBulgeSpecialEffectFilter>(); }},
     {"{CC006219-72F8-4E49-8E12-6E05B59269E9}", {38}, [] { return New<CGrayScaleSpecialEffectFilter>(); }},
     {"{3BF3AE40-0316-41B9-84C5-A8C671212CAC}", {39}, [] { return New<CSepiaSpecialEffectFilter>(); }},

@@ -1,0 +1,189 @@
+#include "facetrack/PictureMe.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+
+using Effect = CPictureMeSpecialEffectFilter;
+
+std::span<const Property<Effect>> Effect::Properties() {
+    static constexpr Property<Effect> rows[] = {
+        IntegerProperty<&Effect::Speed>("Speed", "5", "1,5"),
+        IntegerProperty<&Effect::RotationSpeed>("Rotation Speed", "1", "1,5"),
+        // As many as fit, which the range text does not know.
+        IntegerProperty<&Effect::TexturesNumber>("Textures Number", "3", "1,10")
+            .ClampedTo(1, std::numeric_limits<int32_t>::max())
+            .OnSet([](Effect& effect, int32_t count) {
+                effect.TexturesNumber = std::max(std::min(count, effect.MaxTextures), 1);
+            }),
+        IntegerProperty<&Effect::PictureSize>("Picture Size", "32", "10,50"),
+    };
+    return rows;
+}
+
+ResultCode Effect::Configure(StreamDescription* description) {
+    if (description == nullptr) return kInvalidArgument;
+    ReleaseWorkspace();
+    Configured = false;
+    Stream = *description;
+    if (!IsServed(Stream)) return kInvalidArgument;
+    if (Stream.Format == kFormatPlanar) {
+        DetectorWidth = Stream.Width;
+        DetectorHeight = Stream.Height;
+        std::error_code error;
+        if (std::filesystem::exists(CascadePath, error)) {
+            Detector.SetCascadePath(CascadePath.c_str());
+            Detector.Initialize(DetectorWidth, DetectorHeight);
+            Layout(false);
+        }
+    }
+    Configured = true;
+    return kSuccess;
+}
+
+ResultCode Effect::LoadSettings(SettingsRecord* settings) {
+    if (settings == nullptr) return kFailure;
+    ReleaseWorkspace();
+    Detector.SetCascadePath(settings->Path);
+    Detector.Initialize(DetectorWidth, DetectorHeight);
+    Layout(false);
+    return kSuccess;
+}
+
+ResultCode Effect::Shutdown() {
+    ReleaseWorkspace();
+    Configured = false;
+    return kSuccess;
+}
+
+void Effect::ReleaseWorkspace() {
+    Textures.clear();
+    CurrentTexture = 0;
+    Animating = false;
+    Detector.ReleaseCascade();
+}
+
+void Effect::Layout(bool keepCount) {
+    constexpr int32_t kUsualCount = 3;
+    const int32_t size = AppliedPictureSize * Stream.Height / 100;
+    ThumbWidth = ThumbHeight = (size - 2) / 4 * 4;
+    MaxTextures = Stream.Height / (ThumbHeight + 1);
+    if (!keepCount) TexturesNumber = kUsualCount;
+    TexturesNumber = std::min(TexturesNumber, MaxTextures);
+    SetTextureCount(TexturesNumber);
+    CurrentTexture = 0;
+    PlaceSlots();
+}
+
+/// New textures come last, superfluous ones go first.
+void Effect::SetTextureCount(int32_t count) {
+    const auto wanted = static_cast<size_t>(std::max(count, 0));
+    if (Textures.size() == wanted) return;
+    if (Textures.size() > wanted) {
+        Textures.erase(Textures.begin(), Textures.end() - static_cast<ptrdiff_t>(wanted));
+        CurrentTexture = 0;
+    }
+    while (Textures.size() < wanted) {
+        Textures.push_back(
+            std::make_unique<CPictureTexture>(Stream.Width, Stream.Height, ThumbWidth, ThumbHeight));
+    }
+    TexturesNumber = static_cast<int32_t>(Textures.size());
+    PlaceSlots();
+}
+
+/// A column from the lower right corner up. A picture on its way keeps its goal.
+void Effect::PlaceSlots() {
+    constexpr int32_t kMargin = 2;
+    for (size_t i = 0; i < Textures.size(); ++i) {
+        if (Textures[i]->InFlight()) continue;
+        Textures[i]->PlaceSlot(
+            {Stream.Width - ThumbWidth - kMargin,
+             Stream.Height - ThumbHeight - kMargin - (ThumbHeight + kMargin) * static_cast<int32_t>(i)});
+    }
+}
+
+ResultCode Effect::ProcessFrame(FrameRecord* frame) {
+    if (frame == nullptr || !IsReadable(frame->Image) || frame->Image->Plane[0] == nullptr)
+        return kInvalidArgument;
+    if (!Configured) return kFailure;
+
+    // The cascade counts rows from the window's other end: it is shown the picture upside down.
+    CPlane8u luma = CPlane8u::Over(frame->Image->Plane[0], Stream.Width, Stream.Height);
+    luma.Mirror(kPrimMirrorRows);
+    Detector.TrackFrame(luma);
+    luma.Mirror(kPrimMirrorRows);
+
+    const CFaceRect face = Detector.GetFace();
+    RegionRect rect{};
+    if (face.width > 0 && face.height > 0) {
+        rect = {face.x, face.x + face.width - 1, Stream.Height - face.y - face.height,
+                Stream.Height - face.y - 1};
+    }
+    RegionRecord region{0, &rect};
+    return ProcessRegion(frame, &region);
+}
+
+/// Squares the rectangle up: a multiple of 4, at least 24. At the right and lower edge it moves by as much as
+/// it would reach over. False for one that no frame holds.
+bool Effect::AdjustRegion(RegionRect& rect) const {
+    constexpr int64_t kSmallest = 24;
+    const int64_t size = std::max((int64_t{rect.bottom} - rect.top) / 4 * 4, kSmallest);
+    if (size > Stream.Width || size > Stream.Height) return false;
+    const auto adjust = [&](int32_t& begin, int32_t& end, int32_t limit) {
+        int64_t first = begin, last = begin + size;
+        if (last > limit) {
+            first = 2 * first - limit + size;
+            last = limit;
+        }
+        const auto far = int64_t{4} * kLargestSide;
+        if (first < -far || first > far) return false;
+        begin = static_cast<int32_t>(first);
+        end = static_cast<int32_t>(last);
+        return true;
+    };
+    return adjust(rect.left, rect.right, Stream.Width) && adjust(rect.top, rect.bottom, Stream.Height);
+}
+
+void Effect::StartPicture(const PlaneSet& frame, RegionRect rect) {
+    constexpr int32_t kBase = 30;
+    if (AppliedPictureSize != PictureSize) {
+        AppliedPictureSize = PictureSize;
+        Textures.clear();
+        Layout(true);
+    }
+    SetTextureCount(TexturesNumber);
+    if (Textures.empty() || !AdjustRegion(rect)) return;
+    const auto pace = static_cast<float>(6 - Speed);
+    Animating = Textures[CurrentTexture]->Start(frame, {rect.left, rect.top}, nullptr,
+                                                {rect.right - rect.left, rect.bottom - rect.top},
+                                                RotationSpeed, pace, kBase) == kSuccess;
+}
+
+ResultCode Effect::ProcessRegion(FrameRecord* frame, RegionRecord* region) {
+    if (const ResultCode refusal = CheckFrame(frame, Stream); refusal != kSuccess) return refusal;
+    if (Stream.Format == kFormatPacked) return kNotImplemented;
+    if (Stream.Format != kFormatPlanar) return kInvalidArgument;
+    const ImageRecord& image = *frame->Image;
+    for (const uint8_t* plane : image.Plane) {
+        if (plane == nullptr) return kInvalidArgument;
+    }
+    if (!Configured) return kFailure;
+
+    const int32_t width = Stream.Width, height = Stream.Height;
+    PlaneSet planes{CPlane8u::Over(image.Plane[0], width, height),
+                    CPlane8u::Over(image.Plane[1], width / 2, height / 2),
+                    CPlane8u::Over(image.Plane[2], width / 2, height / 2)};
+    const RegionRect rect = region != nullptr && region->Rect != nullptr ? *region->Rect : RegionRect{};
+    if (!Animating && (rect.left != 0 || rect.right != 0 || rect.top != 0 || rect.bottom != 0)) {
+        StartPicture(planes, rect);
+    }
+    for (const auto& texture : Textures) texture->DrawThumb(planes);
+    if (!Animating) return kSuccess;
+
+    CPictureTexture& moving = *Textures[CurrentTexture];
+    moving.DrawMoving(planes);
+    if (moving.Advance()) return kSuccess;
+    CurrentTexture = (CurrentTexture + 1) % Textures.size();
+    Animating = false;
+    return kSuccess;
+}

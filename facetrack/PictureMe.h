@@ -1,0 +1,58 @@
+// Picture Me: snapshots of the tracked face fly off to a column of thumbnails at the right edge.
+#ifndef SPECIALEFFECTS_FACETRACK_PICTUREME_H
+#define SPECIALEFFECTS_FACETRACK_PICTUREME_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "facetrack/FaceDetector.h"
+#include "facetrack/PictureTexture.h"
+#include "framework/EffectBase.h"
+
+/// One picture moves at a time; when it has landed the next starts at once if a face is still known, and the
+/// slots are reused in a ring. `Configure` reads the cascade haar.txt of the current directory, and goes
+/// without faces if there is none or a bad one; `LoadSettings` reads one of the host's own and starts over.
+/// "Picture Size" takes hold with the next picture. Planar frames only, though the tracker looks at every
+/// frame first.
+class CPictureMeSpecialEffectFilter final
+    : public EffectBase<CPictureMeSpecialEffectFilter, CROISpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Picture Me";
+    static std::span<const Property<CPictureMeSpecialEffectFilter>> Properties();
+
+    ResultCode Configure(StreamDescription* description) override;
+    using EffectBase::LoadSettings;
+    ResultCode LoadSettings(SettingsRecord* settings) override;
+    ResultCode ProcessFrame(FrameRecord* frame) override;
+    /// A picture starts from the region, if there is one and none is on its way. The region is not changed;
+    /// one that is larger than the frame starts nothing.
+    ResultCode ProcessRegion(FrameRecord* frame, RegionRecord* region) override;
+    ResultCode Shutdown() override;
+
+  private:
+    void ReleaseWorkspace();
+    void Layout(bool keepCount);
+    void SetTextureCount(int32_t count);
+    void PlaceSlots();
+    bool AdjustRegion(RegionRect& rect) const;
+    void StartPicture(const PlaneSet& frame, RegionRect rect);
+
+    StreamDescription Stream{};
+    bool Configured = false;
+    std::vector<std::unique_ptr<CPictureTexture>> Textures;  ///< in slot order
+    size_t CurrentTexture = 0;                               ///< the one that moves or moves next
+    bool Animating = false;
+    int32_t ThumbWidth = 48, ThumbHeight = 48;
+    int32_t AppliedPictureSize = 32;  ///< what `Textures` was built for
+    int32_t PictureSize = 32;         ///< percent of the frame's height
+    int32_t Speed = 5;
+    int32_t RotationSpeed = 1;
+    int32_t TexturesNumber = 0;
+    int32_t MaxTextures = 0;  ///< how many fit in the frame's height
+    CFaceDetector Detector;
+    int32_t DetectorWidth = 0, DetectorHeight = 0;
+    std::string CascadePath = "haar.txt";
+};
+
+#endif
