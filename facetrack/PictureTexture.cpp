@@ -1,7 +1,6 @@
 #include "facetrack/PictureTexture.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "imaging/Prim.h"
