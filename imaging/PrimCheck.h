@@ -3,6 +3,7 @@
 #define SPECIALEFFECTS_IMAGING_PRIMCHECK_H
 
 #include <cstdint>
+#include <limits>
 
 #include "imaging/Prim.h"
 
@@ -44,6 +45,24 @@ constexpr PrimStatus CheckImages(const uint8_t* first, int32_t firstStep, const 
                                  int32_t secondStep, int32_t width, int32_t height) {
     return FirstError(CheckPointers(first, second), CheckSize(width, height), CheckStep(firstStep, width),
                       CheckStep(secondStep, width));
+}
+
+/// The code of a square mask.
+constexpr PrimStatus CheckMask(int32_t mask) {
+    return mask == kPrimMask3x3 || mask == kPrimMask5x5 ? kPrimOk : kPrimMaskError;
+}
+
+/// The place of the pixel in a mask of a size along one axis.
+constexpr PrimStatus CheckAnchor(int32_t anchor, int32_t size) {
+    return anchor < 0 || anchor >= size ? kPrimAnchorError : kPrimOk;
+}
+
+/// A rectangle in a table or a window. Its right and lower edge have to be numbers too.
+constexpr PrimStatus CheckRect(const PrimRect& rect) {
+    constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
+    const bool good = rect.x >= 0 && rect.y >= 0 && rect.width >= 1 && rect.height >= 1 &&
+                      rect.x <= kMost - rect.width && rect.y <= kMost - rect.height;
+    return good ? kPrimOk : kPrimSizeError;
 }
 
 }  // namespace prim

@@ -1,0 +1,179 @@
+// Median of a window: by a network of minima and maxima for 5 by 5, by a sliding histogram for any other
+// size. What either does for a pixel does not depend on its value.
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+#include "imaging/Multiversion.h"
+#include "imaging/Prim.h"
+#include "imaging/PrimCheck.h"
+#include "imaging/PrimRow.h"
+
+using prim::CheckAnchor;
+using prim::CheckImages;
+using prim::FirstError;
+using prim::kStrip;
+using prim::Row;
+
+namespace {
+
+// ---- 5 by 5 ----------------------------------------------------------------------------------------------
+
+/// A step of a network: the smaller of two values goes to `low`, the larger to `high`.
+struct Exchange {
+    size_t low;
+    size_t high;
+};
+
+constexpr std::array<Exchange, 9> kSort5 = {
+    {{0, 1}, {2, 3}, {1, 3}, {0, 2}, {1, 2}, {3, 4}, {2, 3}, {1, 2}, {0, 1}}};
+
+/// The median of a 5 by 5 window whose columns are sorted, in row order; it ends up in the middle. First each
+/// row is sorted. Since the columns stay sorted, six values are then too small to be the median, six too
+/// large, and 13 are left: the last two of row 0, three of row 1, 2 and 3, and the first two of row 4. Their
+/// order among each other is known in part, and 15 exchanges complete what is needed of it. The compiler
+/// drops what the result does not depend on; 90 minima and maxima remain.
+constexpr std::array<Exchange, 5 * kSort5.size() + 15> kMedianOfSortedColumns = [] {
+    std::array<Exchange, 5 * kSort5.size() + 15> network = {};
+    auto next = network.begin();
+    for (size_t row = 0; row < 5; ++row) {
+        for (const Exchange& e : kSort5) {
+            *next++ = {5 * row + e.low, 5 * row + e.high};
+        }
+    }
+    constexpr Exchange kSelect[] = {{3, 16}, {21, 17}, {13, 16}, {4, 11},  {8, 21},
+                                    {8, 15}, {12, 15}, {11, 20}, {11, 12}, {13, 7},
+                                    {12, 7}, {9, 7},   {9, 15},  {9, 20},  {9, 12}};
+    for (const Exchange& e : kSelect) {
+        *next++ = e;
+    }
+    return network;
+}();
+
+/// `Values` is an array whose elements the compiler keeps apart: all its indices are constants.
+template <const auto& kNetwork, typename Values>
+SE_INLINE void Run(Values& values) {
+    const auto exchange = [&](const Exchange& e) {
+        const uint8_t a = values[e.low];
+        const uint8_t b = values[e.high];
+        values[e.low] = a < b ? a : b;
+        values[e.high] = a > b ? a : b;
+    };
+    [&]<size_t... i>(std::index_sequence<i...>) {
+        (exchange(kNetwork[i]), ...);
+    }
+    (std::make_index_sequence<kNetwork.size()>());
+}
+
+/// `src` is the middle of the first window.
+SE_MULTIVERSION void Median5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                               ptrdiff_t width, ptrdiff_t height) {
+    prim::ForStrips(width, [&](ptrdiff_t begin, ptrdiff_t end) {
+        const ptrdiff_t count = end - begin;
+        uint8_t ranked[5][kStrip + 4];  // the sorted columns
+        for (ptrdiff_t y = 0; y < height; ++y) {
+            const uint8_t* const p = Row(src, srcStep, y - 2) + begin - 2;
+            for (ptrdiff_t x = 0; x < count + 4; ++x) {
+                std::array<uint8_t, 5> column = {p[x], p[x + srcStep], p[x + 2 * srcStep], p[x + 3 * srcStep],
+                                                 p[x + 4 * srcStep]};
+                Run<kSort5>(column);
+                ranked[0][x] = column[0];
+                ranked[1][x] = column[1];
+                ranked[2][x] = column[2];
+                ranked[3][x] = column[3];
+                ranked[4][x] = column[4];
+            }
+            uint8_t* const out = Row(dst, dstStep, y) + begin;
+            for (ptrdiff_t x = 0; x < count; ++x) {
+                std::array<uint8_t, 25> window = [&]<ptrdiff_t... i>(std::integer_sequence<ptrdiff_t, i...>) {
+                    return std::array<uint8_t, 25>{ranked[i / 5][x + i % 5]...};
+                }
+                (std::make_integer_sequence<ptrdiff_t, 25>());
+                Run<kMedianOfSortedColumns>(window);
+                out[x] = window[12];
+            }
+        }
+    });
+}
+
+// ---- any size --------------------------------------------------------------------------------------------
+
+/// How often each value occurs, and how often each range of 16 values.
+class Histogram {
+  public:
+    void Count(uint8_t value, int64_t times) {
+        fine_[value] += times;
+        coarse_[value / kRange] += times;
+    }
+
+    /// The value that `rank` values are in front of when all are sorted.
+    uint8_t AtRank(int64_t rank) const {
+        const size_t range = Find(coarse_.data(), rank);
+        return static_cast<uint8_t>(range * kRange + Find(fine_.data() + range * kRange, rank));
+    }
+
+  private:
+    static constexpr size_t kRange = 16;
+
+    /// The entry of 16 that `rank` falls in; takes what lies in the entries before off the rank. Looks at all
+    /// entries always.
+    static size_t Find(const int64_t* counts, int64_t& rank) {
+        size_t entry = 0;
+        int64_t end = 0;
+        int64_t before = 0;
+        for (size_t i = 0; i < kRange; ++i) {
+            end += counts[i];
+            entry += end <= rank ? 1 : 0;
+            before = end <= rank ? end : before;
+        }
+        rank -= before;
+        return entry;
+    }
+
+    std::array<int64_t, 256> fine_ = {};
+    std::array<int64_t, 256 / kRange> coarse_ = {};
+};
+
+/// `src` is the corner of the first window.
+void MedianAnySize(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
+                   ptrdiff_t height, ptrdiff_t maskWidth, ptrdiff_t maskHeight) {
+    for (ptrdiff_t y = 0; y < height; ++y) {
+        const uint8_t* const corner = Row(src, srcStep, y);
+        uint8_t* const out = Row(dst, dstStep, y);
+        Histogram histogram;
+        const auto countColumn = [&](ptrdiff_t x, int64_t times) {
+            for (ptrdiff_t row = 0; row < maskHeight; ++row) {
+                histogram.Count(corner[row * srcStep + x], times);
+            }
+        };
+        for (ptrdiff_t x = 0; x < maskWidth - 1; ++x) {
+            countColumn(x, 1);
+        }
+        for (ptrdiff_t x = 0; x < width; ++x) {
+            countColumn(x + maskWidth - 1, 1);
+            out[x] = histogram.AtRank(maskWidth * maskHeight / 2);
+            countColumn(x, -1);
+        }
+    }
+}
+
+}  // namespace
+
+PrimStatus PrimFilterMedian8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
+                                int32_t width, int32_t height, int32_t maskWidth, int32_t maskHeight,
+                                int32_t anchorX, int32_t anchorY) {
+    const bool odd = maskWidth > 0 && maskHeight > 0 && maskWidth % 2 != 0 && maskHeight % 2 != 0;
+    if (const PrimStatus status =
+            FirstError(CheckImages(src, srcStep, dst, dstStep, width, height), odd ? kPrimOk : kPrimMaskError,
+                       CheckAnchor(anchorX, maskWidth), CheckAnchor(anchorY, maskHeight))) {
+        return status;
+    }
+    const uint8_t* const corner = Row(src, srcStep, -anchorY) - anchorX;
+    if (maskWidth == 5 && maskHeight == 5) {
+        Median5x5(Row(corner, srcStep, 2) + 2, srcStep, dst, dstStep, width, height);
+    } else {
+        MedianAnySize(corner, srcStep, dst, dstStep, width, height, maskWidth, maskHeight);
+    }
+    return kPrimOk;
+}
