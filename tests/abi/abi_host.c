@@ -17,10 +17,10 @@ static const struct {
     const char* name;
     void (*run)(void);
 } groups[] = {
-    {"module", test_module},     {"factory", test_factory}, {"catalogue", test_catalogue},
-    {"contract", test_contract}, {"text", test_text},       {"properties", test_properties},
-    {"settings", test_settings}, {"tone", test_tone},       {"sizes", test_sizes},
-    {"threads", test_threads},
+    {"module", test_module},           {"factory", test_factory}, {"catalogue", test_catalogue},
+    {"contract", test_contract},       {"text", test_text},       {"properties", test_properties},
+    {"settings", test_settings},       {"tone", test_tone},       {"sizes", test_sizes},
+    {"large_sizes", test_large_sizes}, {"threads", test_threads},
 };
 enum { GROUPS = sizeof groups / sizeof *groups };
 

@@ -71,16 +71,37 @@ static void check_small_claims(Effect* effect) {
     }
 }
 
+/* Camera Flashes has twelve variants of one code; a few of them are enough for the many small sizes. */
+enum { VARIANTS_TRIED = 4 };
+
+static int variant_of(const CatalogueRow* row) {
+    int variant = 0;
+    for (const CatalogueRow* other = catalogue; other < row; ++other)
+        if (strcmp(other->name, row->name) == 0) ++variant;
+    return variant;
+}
+
 void test_sizes(void) {
     Factory* factory = create_factory();
     for (int i = 0; i < ROWS; ++i) {
         const CatalogueRow* row = &catalogue[i];
+        if (variant_of(row) >= VARIANTS_TRIED) continue;
         Effect* effect = create_row(factory, row);
         if (!effect) continue;
         begin_check("sizes %d: %s at sides of 1 to 65", i + 1, row->name);
         check_small(effect);
         end_check();
+        destroy_effect(factory, effect);
+    }
+    release(factory);
+}
 
+void test_large_sizes(void) {
+    Factory* factory = create_factory();
+    for (int i = 0; i < ROWS; ++i) {
+        const CatalogueRow* row = &catalogue[i];
+        Effect* effect = create_row(factory, row);
+        if (!effect) continue;
         begin_check("sizes %d: %s at sides of 16384", i + 1, row->name);
         check_long(effect);
         end_check();

@@ -11,6 +11,7 @@ void test_properties(void);
 void test_settings(void);
 void test_tone(void);
 void test_sizes(void);
+void test_large_sizes(void);
 void test_threads(void);
 
 #endif
