@@ -1,30 +1,95 @@
 // What planes do with slopes: refraction and relief lighting.
+//
+// Both fetch each pixel from a place that its neighbourhood decides. The places of a stretch of pixels are
+// worked out first, in loops that the compiler vectorises, then the pixels are fetched one by one.
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
 
+#include "imaging/Multiversion.h"
 #include "imaging/Plane8u.h"
 
 namespace {
 
-/// Brightness of a ball seen from above, by the slope's two components (128 is level): entry [gy][gx].
-using ShadeTable = std::array<std::array<uint8_t, 256>, 256>;
+constexpr ptrdiff_t kStretch = 256;  // pixels that are handled at once
 
-const ShadeTable& Shades() {
-    static const ShadeTable table = [] {
-        ShadeTable shades{};
-        for (int i = 0; i < 256; ++i)
-            for (int j = 0; j < 256; ++j) {
-                const float a = static_cast<float>(i - 128) / 128.0f;
-                const float b = static_cast<float>(j - 128) / 128.0f;
-                const float v = std::max(1.0f - std::sqrt(a * a + b * b), 0.0f);
-                shades[static_cast<size_t>(i)][static_cast<size_t>(j)] = static_cast<uint8_t>(
-                    std::min(static_cast<int>(v * 256.0f), 255));  // 256 only at the very top
-            }
+// ---- refraction ------------------------------------------------------------------------------------
+
+/// Part of a row of the bump plane, and where its row lies in the planes.
+struct BumpStretch {
+    const uint8_t* here;  // the first pixel
+    int32_t x, y;         // its place
+    int32_t width, height;
+};
+
+/// Where the pixels of a stretch come from: offsets from the plane's first pixel. False when the ground is
+/// level all along, so that each pixel comes from its own place.
+SE_MULTIVERSION
+bool Refract(const BumpStretch& bump, ptrdiff_t count, int32_t* SE_RESTRICT sources) {
+    const uint8_t* SE_RESTRICT const here = bump.here;
+    const uint8_t* SE_RESTRICT const above = here - bump.width;
+    const uint8_t* SE_RESTRICT const below = here + bump.width;
+    const int32_t right = bump.width - 1, bottom = bump.height - 1;
+    int32_t slopes = 0;
+    for (int32_t i = 0; i < static_cast<int32_t>(count); ++i) {
+        const int32_t gx = here[i - 1] - here[i + 1];
+        const int32_t gy = above[i] - below[i];
+        const int32_t sx = std::clamp(bump.x + i + gx, 0, right);
+        const int32_t sy = std::clamp(bump.y + gy, 0, bottom);
+        sources[i] = sy * bump.width + sx;
+        slopes |= gx | gy;
+    }
+    return slopes != 0;
+}
+
+/// out = fetched plus the slope to the right, saturated.
+SE_MULTIVERSION
+void Brighten(const uint8_t* SE_RESTRICT fetched, const uint8_t* SE_RESTRICT bump, ptrdiff_t count,
+              uint8_t* SE_RESTRICT out) {
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const auto sum = static_cast<int16_t>(fetched[i] + bump[i - 1] - bump[i + 1]);
+        out[i] = static_cast<uint8_t>(std::clamp<int16_t>(sum, 0, 255));
+    }
+}
+
+// ---- relief ----------------------------------------------------------------------------------------
+
+constexpr uint16_t kRim = 128 * 128;  // square of the ball's radius; beyond it all is dark
+
+/// Brightness of a ball seen from above, lit from there, by the squared distance from its middle.
+const std::array<uint8_t, kRim + 1>& BallShades() {
+    static const std::array<uint8_t, kRim + 1> table = [] {
+        std::array<uint8_t, kRim + 1> shades{};
+        for (int i = 0; i <= kRim; ++i) {
+            const float height = 1.0f - std::sqrt(static_cast<float>(i) / kRim);
+            shades[static_cast<size_t>(i)] = static_cast<uint8_t>(std::min(height * 256.0f, 255.0f));
+        }
         return shades;
     }();
     return table;
+}
+
+/// Squared distances from the middle of the ball, kRim at most, for a stretch of pixels of one row.
+/// `level` is what a slope of 0 stands for.
+SE_MULTIVERSION
+void Steepness(const uint8_t* here, ptrdiff_t width, int16_t level, ptrdiff_t count,
+               uint16_t* SE_RESTRICT distances) {
+    const auto component = [level](uint8_t low, uint8_t high) {
+        const auto g = static_cast<int16_t>(high - low + level);
+        // A slope off the scale counts as the steepest one downwards.
+        return static_cast<int16_t>((g < 0 || g > 255 ? 0 : g) - 128);
+    };
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const int16_t a = component(here[i - width], here[i + width]);
+        const int16_t b = component(here[i - 1], here[i + 1]);
+        const auto distance = static_cast<uint16_t>(a * a + b * b);
+        distances[i] = std::min(distance, kRim);
+    }
+}
+
+bool SameSize(const CPlane8u& a, const CPlane8u& b) {
+    return a.width == b.width && a.height == b.height;
 }
 
 }  // namespace
@@ -32,43 +97,43 @@ const ShadeTable& Shades() {
 void DisplaceByGradient(const CPlane8u& bump, const CPlane8u& src, CPlane8u& dst) {
     const int32_t width = src.width;
     const int32_t height = src.height;
-    if (src.Empty() || bump.Empty() || dst.Empty()) return;
-    if (bump.width != width || bump.height != height || dst.width != width || dst.height != height) return;
-    if (width < 2 || height < 2) return;
+    if (src.Empty() || bump.Empty() || dst.Empty() || !SameSize(src, bump) || !SameSize(src, dst)) return;
+    if (width < 2 || height < 2 || static_cast<int64_t>(width) * height > INT32_MAX) return;
 
-    for (int32_t y = 1; y < height - 1; ++y) {
-        const uint8_t* const slope = bump.Row(y);
-        uint8_t* const out = dst.Row(y);
-        for (int32_t x = 1; x < width - 1; ++x) {
-            const int32_t gx = slope[x - 1] - slope[x + 1];
-            const int32_t gy = slope[x - width] - slope[x + width];
-            const int32_t sx = std::clamp(x + gx, 0, width - 1);
-            const int32_t sy = std::clamp(y + gy, 0, height - 1);
-            out[x] = static_cast<uint8_t>(std::clamp(src.Row(sy)[sx] + gx, 0, 255));
+    std::array<int32_t, kStretch> sources;
+    std::array<uint8_t, kStretch> fetched;
+    for (int32_t y = 1; y < height - 1; ++y)
+        for (ptrdiff_t x = 1; x < width - 1; x += kStretch) {
+            const ptrdiff_t count = std::min<ptrdiff_t>(kStretch, width - 1 - x);
+            const uint8_t* const here = bump.Row(y) + x;
+            uint8_t* const out = dst.Row(y) + x;
+            if (!Refract({here, static_cast<int32_t>(x), y, width, height}, count, sources.data())) {
+                std::memcpy(out, src.Row(y) + x, static_cast<size_t>(count));
+                continue;
+            }
+            for (size_t i = 0; i < static_cast<size_t>(count); ++i) fetched[i] = src.data[sources[i]];
+            Brighten(fetched.data(), here, count, out);
         }
-    }
     const auto columns = static_cast<size_t>(width - 1);
-    std::memmove(dst.Row(0), dst.Row(1), columns);
-    std::memmove(dst.Row(height - 1), dst.Row(height - 2), columns);
+    std::memcpy(dst.Row(0), dst.Row(1), columns);
+    if (height > 2) std::memcpy(dst.Row(height - 1), dst.Row(height - 2), columns);
     for (int32_t y = 0; y < height; ++y) dst.Row(y)[0] = dst.Row(y)[1];
 }
 
 void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias) {
     const int32_t width = src.width;
     const int32_t height = src.height;
-    if (src.Empty() || dst.Empty() || dst.width != width || dst.height != height) return;
-    if (width < 3 || height < 3) return;
+    if (src.Empty() || dst.Empty() || !SameSize(src, dst) || width < 3 || height < 3) return;
 
-    const ShadeTable& shades = Shades();
-    const int64_t level = 128 - static_cast<int64_t>(bias);
-    const auto index = [level](int32_t difference) {
-        const int64_t g = difference + level;
-        return static_cast<size_t>(g < 0 || g > 255 ? 0 : g);
-    };
-    for (int32_t y = 1; y < height - 1; ++y) {
-        const uint8_t* const row = src.Row(y);
-        uint8_t* const out = dst.Row(y);
-        for (int32_t x = 1; x < width - 1; ++x)
-            out[x] = shades[index(row[x + width] - row[x - width])][index(row[x + 1] - row[x - 1])];
-    }
+    const auto& shades = BallShades();
+    // A bias that takes every slope off the scale, whatever its size, is as good as one that just does.
+    const auto level = static_cast<int16_t>(128 - std::clamp(bias, -1000, 1000));
+    std::array<uint16_t, kStretch> distances;
+    for (int32_t y = 1; y < height - 1; ++y)
+        for (ptrdiff_t x = 1; x < width - 1; x += kStretch) {
+            const ptrdiff_t count = std::min<ptrdiff_t>(kStretch, width - 1 - x);
+            Steepness(src.Row(y) + x, width, level, count, distances.data());
+            uint8_t* const out = dst.Row(y) + x;
+            for (size_t i = 0; i < static_cast<size_t>(count); ++i) out[i] = shades[distances[i]];
+        }
 }

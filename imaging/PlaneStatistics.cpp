@@ -10,19 +10,19 @@ namespace {
 
 using Histogram = std::array<uint32_t, 256>;
 
-/// Counts the grey levels. Four counters for each level, taken in turn, so that a run of one level does not
+/// Counts the grey levels. Eight counters for each level, taken in turn, so that a run of one level does not
 /// wait for its own last increment.
 Histogram CountLevels(const uint8_t* data, size_t size) {
-    std::array<Histogram, 4> partial{};
+    std::array<Histogram, 8> partial{};
     size_t i = 0;
     for (; i + 8 <= size; i += 8) {
         uint64_t eight = 0;
         std::memcpy(&eight, data + i, 8);
-        for (size_t k = 0; k < 8; ++k) ++partial[k % 4][(eight >> (8 * k)) & 255];
+        for (size_t k = 0; k < 8; ++k) ++partial[k][(eight >> (8 * k)) & 255];
     }
     for (; i < size; ++i) ++partial[0][data[i]];
-    for (size_t level = 0; level < 256; ++level)
-        partial[0][level] += partial[1][level] + partial[2][level] + partial[3][level];
+    for (size_t k = 1; k < partial.size(); ++k)
+        for (size_t level = 0; level < 256; ++level) partial[0][level] += partial[k][level];
     return partial[0];
 }
 

@@ -7,7 +7,10 @@
 #ifndef SPECIALEFFECTS_IMAGING_SIMD_H
 #define SPECIALEFFECTS_IMAGING_SIMD_H
 
-#if defined(__AVX2__) || (defined(__x86_64__) && defined(__GNUC__) && !defined(SE_SINGLE_TARGET))
+// Sanitizer builds keep it, so that its reads and writes are watched as well: it is chosen by a plain test,
+// not by the loader.
+#if defined(__AVX2__) || (defined(__x86_64__) && defined(__GNUC__) && \
+                          (!defined(SE_SINGLE_TARGET) || defined(__SANITIZE_ADDRESS__)))
 #define SE_AVX2 1
 #include <immintrin.h>
 #define SE_TARGET_AVX2 __attribute__((target("avx2")))

@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <vector>
 
+#include "imaging/IndexGather.h"
 #include "imaging/Plane8u.h"
 #include "tests/check_kernels/Trial.h"
 #include "tests/imaging/models/GeometryModels.h"
@@ -255,6 +257,80 @@ void Shade(Trial& t) {
     });
 }
 
+// ---- gather ----------------------------------------------------------------------------------------
+
+enum MapKind { kTurned, kShrunk, kMirrored, kInPlace, kAnywhere };
+
+/// Where each pixel of a picture comes from: mostly from the picture's other pixels, here and there from
+/// none.
+std::vector<uint32_t> MakeMap(MapKind kind, bool holes, int32_t width, int32_t height, Random& random) {
+    std::vector<uint32_t> map;
+    const double angle = random.Real(0.0, 6.28), c = std::cos(angle), s = std::sin(angle);
+    for (int32_t y = 0; y < height; ++y) {
+        for (int32_t x = 0; x < width; ++x) {
+            const double dx = x - width / 2, dy = y - height / 2;
+            double sx = x, sy = y;
+            if (kind == kTurned) {
+                sx = dx * c - dy * s + width / 2;
+                sy = dx * s + dy * c + height / 2;
+            } else if (kind == kShrunk) {
+                sx = 2.7 * dx + width / 2;
+                sy = 2.7 * dy + height / 2;
+            } else if (kind == kMirrored) {
+                sx = width - 1 - x;
+            } else if (kind == kAnywhere) {
+                sx = random.Whole(0, width - 1);
+                sy = random.Whole(0, height - 1);
+            }
+            const auto column = static_cast<int64_t>(std::floor(sx)),
+                       row = static_cast<int64_t>(std::floor(sy));
+            const bool outside = column < 0 || row < 0 || column >= width || row >= height;
+            const bool hole = holes && random.Whole(0, 99) == 0;
+            map.push_back(hole ? CGatherMap::kKeep - static_cast<uint32_t>(random.Whole(0, 1000))
+                               : static_cast<uint32_t>(outside ? y * width + x : row * width + column));
+        }
+    }
+    return map;
+}
+
+/// The map is built where it is not timed.
+template <int32_t pixelBytes>
+void Gather(Trial& t) {
+    const auto kind =
+        static_cast<MapKind>(t.Pick("kind", {kTurned, kShrunk, kMirrored, kInPlace, kAnywhere}));
+    const bool holes = t.Pick("holes", {0, 1}) != 0;
+    const std::vector<uint32_t> index = MakeMap(kind, holes, t.width(), t.height(), t.random());
+    const auto pixels = static_cast<size_t>(t.width()) * static_cast<size_t>(t.height());
+    CGatherMap map;
+    map.Build(index, t.width(), pixels, pixelBytes);
+    const auto src = t.Source<uint8_t>({.channels = pixelBytes, .packed = true});
+    const auto dst = t.Target<uint8_t>({.channels = pixelBytes, .packed = true});
+    t.Run(0, 1, [&](int plain, Side side) {
+        if (plain == 0) {
+            map.Apply(src.at(side), dst.at(side));
+        } else {
+            model::GatherPixels(src.at(side), pixels, index.data(), dst.at(side), pixels, pixelBytes);
+        }
+        return 0;
+    });
+}
+
+void GatherOnce(Trial& t) {
+    const std::vector<uint32_t> index =
+        MakeMap(kTurned, t.Pick("holes", {0, 1}) != 0, t.width(), t.height(), t.random());
+    const auto pixels = static_cast<size_t>(t.width()) * static_cast<size_t>(t.height());
+    const auto src = t.Source<uint8_t>({.packed = true});
+    const auto dst = t.Target<uint8_t>({.packed = true});
+    t.Run(0, 1, [&](int plain, Side side) {
+        if (plain == 0) {
+            GatherBytes(src.at(side), pixels, index.data(), dst.at(side), pixels);
+        } else {
+            model::GatherPixels(src.at(side), pixels, index.data(), dst.at(side), pixels, 1);
+        }
+        return 0;
+    });
+}
+
 const Register kernels("geometry", {
                                        {"PrimMirror8uC1", Mirror},
                                        {"PrimCopyReplicateBorder8uC1", CopyReplicateBorder},
@@ -271,6 +347,9 @@ const Register kernels("geometry", {
                                        {"EqualizeHistogram", Equalize},
                                        {"DisplaceByGradient", Displace},
                                        {"ShadeByGradient", Shade},
+                                       {"CGatherMap", Gather<1>},
+                                       {"CGatherMap, 3 bytes", Gather<3>, 3},
+                                       {"GatherBytes", GatherOnce},
                                    });
 
 }  // namespace

@@ -353,12 +353,12 @@ inline void ShadeByGradient(const uint8_t* src, uint8_t* dst, int32_t width, int
     }
 }
 
-/// dst[i] = src[index[i]]; an index of `keep` leaves the byte as it was.
-inline void GatherBytes(const uint8_t* src, const uint32_t* index, uint8_t* dst, size_t count,
-                        uint32_t keep) {
+/// Pixel i of dst = pixel index[i] of src, where there is one.
+inline void GatherPixels(const uint8_t* src, size_t srcPixels, const uint32_t* index, uint8_t* dst,
+                         size_t count, size_t pixelBytes) {
     for (size_t i = 0; i < count; ++i) {
-        if (index[i] != keep) {
-            dst[i] = src[index[i]];
+        for (size_t c = 0; c < pixelBytes && index[i] < srcPixels; ++c) {
+            dst[i * pixelBytes + c] = src[index[i] * pixelBytes + c];
         }
     }
 }

@@ -1,0 +1,387 @@
+#include "imaging/IndexGather.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <optional>
+
+#include "imaging/Simd.h"
+
+// A map is compiled into blocks, each a few 32-bit words:
+//
+//   shuffled   target, windows (two for each of 1 to 4 pairs), sixteen picks of a byte each
+//   scattered  target, sixteen sources
+//   single     target, source
+//   stretch    target, number of pixels, a source for each
+//
+// Targets and sources are byte offsets. A window is eight bytes of the source; a pair of them fills a
+// register. A pick names the byte that a pixel takes: its low four bits the place in the pair, the next two
+// the pair.
+//
+// Sixteen pixels are either a row or a tile of 4 by 4. Rows suit maps that move rows as a whole; where the
+// picture is turned, a tile's sources lie in far fewer rows.
+
+namespace {
+
+constexpr int32_t kBlockPixels = 16;
+constexpr int32_t kWindowBytes = 8;
+constexpr size_t kMaxPairs = 4;
+constexpr size_t kMaxWindows = 2 * kMaxPairs;
+
+// Cells of 16 by 4 pixels are four rows or four tiles. Blocks of one kind stand together within areas that
+// are small enough for the first-level cache.
+constexpr int32_t kCellWidth = 16, kCellHeight = 4;
+constexpr int32_t kAreaWidth = 256, kAreaHeight = 64;
+
+enum class Shape : uint32_t { kRow, kTile };
+
+/// Kinds of blocks: the shuffled ones by pairs and shape, then the others.
+constexpr uint32_t ShuffledKind(size_t pairs, Shape shape) {
+    return static_cast<uint32_t>(2 * (pairs - 1)) + static_cast<uint32_t>(shape);
+}
+constexpr uint32_t kScatteredRow = 2 * kMaxPairs;
+constexpr uint32_t kScatteredTile = kScatteredRow + 1;
+constexpr uint32_t kSingle = kScatteredTile + 1;
+constexpr uint32_t kStretch1 = kSingle + 1;
+constexpr uint32_t kStretch3 = kStretch1 + 1;
+constexpr uint32_t kKinds = kStretch3 + 1;
+
+}  // namespace
+
+/// Turns indices into blocks.
+class GatherCompiler {
+  public:
+    GatherCompiler(CGatherMap& map, std::span<const uint32_t> index, int32_t width, size_t srcPixels)
+        : map_(map), index_(index), width_(width), srcPixels_(srcPixels) {}
+
+    /// Shuffles, for a destination that holds a cell and a source that holds a window.
+    void CompileBlocks() {
+        const auto height = static_cast<int32_t>(index_.size() / static_cast<size_t>(width_));
+        for (int32_t top = 0; top < height; top += kAreaHeight)
+            for (int32_t left = 0; left < width_; left += kAreaWidth) {
+                const int32_t bottom = std::min(top + kAreaHeight, height);
+                const int32_t right = std::min(left + kAreaWidth, width_);
+                // Cells at the far edges are moved back to fit; pixels that two cells share are fetched
+                // twice.
+                for (int32_t y = top; y < bottom; y += kCellHeight)
+                    for (int32_t x = left; x < right; x += kCellWidth)
+                        CompileCell(std::min(x, width_ - kCellWidth), std::min(y, height - kCellHeight));
+                FlushArea();
+            }
+    }
+
+    /// Plain loads, for all else.
+    void CompileStretches(int32_t pixelBytes) {
+        const uint32_t kind = pixelBytes == 3 ? kStretch3 : kStretch1;
+        const auto bytes = static_cast<uint32_t>(pixelBytes);
+        for (size_t i = 0; i < index_.size();) {
+            size_t end = i;
+            while (end < index_.size() && index_[end] < srcPixels_) ++end;
+            if (end > i) {
+                std::vector<uint32_t>& words = pending_[kind].words;
+                words.push_back(static_cast<uint32_t>(i) * bytes);
+                words.push_back(static_cast<uint32_t>(end - i));
+                for (; i < end; ++i) words.push_back(index_[i] * bytes);
+                ++pending_[kind].count;
+            } else {
+                ++i;
+            }
+        }
+        FlushArea();
+    }
+
+  private:
+    struct Pending {
+        uint32_t count = 0;
+        std::vector<uint32_t> words;
+    };
+
+    /// Sixteen pixels and where they come from.
+    struct Block {
+        Shape shape;
+        uint32_t target;
+        std::array<uint32_t, kBlockPixels> sources;
+    };
+
+    /// The windows that hold the sources of a block, and the picks from them.
+    struct Cover {
+        size_t pairs;
+        std::array<uint32_t, kMaxWindows> windows;
+        std::array<uint8_t, kBlockPixels> picks;
+    };
+
+    Block MakeBlock(Shape shape, int32_t x, int32_t y) const {
+        Block block{shape, static_cast<uint32_t>(Place(x, y)), {}};
+        for (int32_t i = 0; i < kBlockPixels; ++i)
+            block.sources[static_cast<size_t>(i)] =
+                index_[shape == Shape::kRow ? Place(x + i, y) : Place(x + i % 4, y + i / 4)];
+        return block;
+    }
+
+    size_t Place(int32_t x, int32_t y) const {
+        return static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x);
+    }
+
+    bool Kept(uint32_t source) const { return source >= srcPixels_; }
+
+    /// Nothing where the sources are too far apart, or a pixel is kept.
+    std::optional<Cover> FindCover(const Block& block) const {
+        // The sources in rising order, each with the number of its pixel in the low four bits.
+        std::array<uint64_t, kBlockPixels> order;
+        for (size_t i = 0; i < order.size(); ++i) order[i] = uint64_t{block.sources[i]} << 4 | i;
+        std::sort(order.begin(), order.end());
+        if (order.back() >> 4 >= srcPixels_) return std::nullopt;
+
+        Cover cover{};
+        size_t windows = 0;
+        for (const uint64_t entry : order) {
+            const auto source = static_cast<uint32_t>(entry >> 4);
+            if (windows == 0 || source - cover.windows[windows - 1] >= kWindowBytes) {
+                if (windows == kMaxWindows) return std::nullopt;
+                cover.windows[windows++] = std::min(source, static_cast<uint32_t>(srcPixels_ - kWindowBytes));
+            }
+            const size_t window = windows - 1;
+            cover.picks[entry & 15] = static_cast<uint8_t>((window / 2) << 4 | (window % 2) << 3 |
+                                                           (source - cover.windows[window]));
+        }
+        cover.pairs = (windows + 1) / 2;
+        return cover;
+    }
+
+    /// Four blocks that make up a cell, and how they are fetched.
+    struct Cell {
+        std::array<Block, 4> blocks;
+        std::array<std::optional<Cover>, 4> covers;
+        int cost = 0;  // roughly in instructions
+    };
+
+    Cell MakeCell(Shape shape, int32_t x, int32_t y) const {
+        const int storeCost = shape == Shape::kRow ? 1 : 7;
+        Cell cell;
+        for (int32_t i = 0; i < 4; ++i) {
+            const auto at = static_cast<size_t>(i);
+            cell.blocks[at] =
+                shape == Shape::kRow ? MakeBlock(shape, x, y + i) : MakeBlock(shape, x + 4 * i, y);
+            cell.covers[at] = FindCover(cell.blocks[at]);
+            cell.cost += storeCost + (cell.covers[at] ? 8 * static_cast<int>(cell.covers[at]->pairs) : 48);
+        }
+        return cell;
+    }
+
+    void CompileCell(int32_t x, int32_t y) {
+        constexpr int kBestTileCost = 4 * (7 + 8 * 2);
+        Cell cell = MakeCell(Shape::kRow, x, y);
+        if (cell.cost > kBestTileCost) {
+            const Cell tiles = MakeCell(Shape::kTile, x, y);
+            if (tiles.cost < cell.cost) cell = tiles;
+        }
+        for (size_t i = 0; i < 4; ++i) Emit(cell.blocks[i], cell.covers[i]);
+    }
+
+    void Emit(const Block& block, const std::optional<Cover>& cover) {
+        if (cover) {
+            std::vector<uint32_t>& words = Append(ShuffledKind(cover->pairs, block.shape));
+            words.push_back(block.target);
+            words.insert(words.end(), cover->windows.begin(),
+                         cover->windows.begin() + 2 * static_cast<ptrdiff_t>(cover->pairs));
+            std::array<uint32_t, 4> picks;
+            std::memcpy(picks.data(), cover->picks.data(), sizeof picks);
+            words.insert(words.end(), picks.begin(), picks.end());
+        } else if (std::none_of(block.sources.begin(), block.sources.end(),
+                                [this](uint32_t source) { return Kept(source); })) {
+            std::vector<uint32_t>& words =
+                Append(block.shape == Shape::kRow ? kScatteredRow : kScatteredTile);
+            words.push_back(block.target);
+            words.insert(words.end(), block.sources.begin(), block.sources.end());
+        } else {
+            for (uint32_t i = 0; i < kBlockPixels; ++i) {
+                if (Kept(block.sources[i])) continue;
+                const uint32_t step =
+                    block.shape == Shape::kRow ? i : i % 4 + i / 4 * static_cast<uint32_t>(width_);
+                std::vector<uint32_t>& words = Append(kSingle);
+                words.push_back(block.target + step);
+                words.push_back(block.sources[i]);
+            }
+        }
+    }
+
+    std::vector<uint32_t>& Append(uint32_t kind) {
+        ++pending_[kind].count;
+        return pending_[kind].words;
+    }
+
+    /// Hands what has been collected to the map, one run for each kind.
+    void FlushArea() {
+        for (uint32_t kind = 0; kind < kKinds; ++kind) {
+            Pending& pending = pending_[kind];
+            if (pending.count == 0) continue;
+            map_.runs_.push_back({kind, pending.count});
+            map_.words_.insert(map_.words_.end(), pending.words.begin(), pending.words.end());
+            pending.count = 0;
+            pending.words.clear();
+        }
+    }
+
+    CGatherMap& map_;
+    std::span<const uint32_t> index_;
+    int32_t width_;
+    size_t srcPixels_;
+    std::array<Pending, kKinds> pending_;
+};
+
+namespace {
+
+// ---- running -----------------------------------------------------------------------------------------
+//
+// Each of these runs `count` blocks from `words` on and returns where the next run begins.
+
+template <int pixelBytes>
+const uint32_t* RunStretches(const uint32_t* words, uint32_t count, const uint8_t* src, uint8_t* dst) {
+    for (; count > 0; --count) {
+        uint8_t* out = dst + words[0];
+        const uint32_t* const end = words + 2 + words[1];
+        for (words += 2; words < end; ++words, out += pixelBytes) std::memcpy(out, src + *words, pixelBytes);
+    }
+    return words;
+}
+
+const uint32_t* RunSingles(const uint32_t* words, uint32_t count, const uint8_t* src, uint8_t* dst) {
+    for (; count > 0; --count, words += 2) dst[words[0]] = src[words[1]];
+    return words;
+}
+
+template <Shape shape>
+const uint32_t* RunScattered(const uint32_t* words, uint32_t count, const uint8_t* src, uint8_t* dst,
+                             ptrdiff_t width) {
+    for (; count > 0; --count, words += 1 + kBlockPixels) {
+        uint8_t* const out = dst + words[0];
+        for (int32_t i = 0; i < kBlockPixels; ++i)
+            out[shape == Shape::kRow ? i : i % 4 + i / 4 * width] = src[words[1 + i]];
+    }
+    return words;
+}
+
+#if SE_AVX2
+
+SE_TARGET_AVX2 inline __m128i LoadPair(const uint8_t* src, const uint32_t* windows) {
+    const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src + windows[0]));
+    const __m128i high = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src + windows[1]));
+    return _mm_unpacklo_epi64(low, high);
+}
+
+/// The bytes that the picks take from pair number `pair`, 0 where they name another.
+SE_TARGET_AVX2 inline __m128i PickFrom(__m128i bytes, __m128i picks, int pair) {
+    const __m128i own = _mm_xor_si128(picks, _mm_set1_epi8(static_cast<char>(pair << 4)));
+    // Now 0 to 15 for this pair and from 16 on for the others, and those get the bit that shuffles in a 0.
+    return _mm_shuffle_epi8(bytes, _mm_add_epi8(own, _mm_set1_epi8(0x70)));
+}
+
+template <Shape shape>
+SE_TARGET_AVX2 inline void StoreBlock(__m128i pixels, uint8_t* out, ptrdiff_t width) {
+    if constexpr (shape == Shape::kRow) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), pixels);
+    } else {
+        const std::array<int, 4> rows{_mm_cvtsi128_si32(pixels), _mm_extract_epi32(pixels, 1),
+                                      _mm_extract_epi32(pixels, 2), _mm_extract_epi32(pixels, 3)};
+        for (size_t y = 0; y < 4; ++y) std::memcpy(out + static_cast<ptrdiff_t>(y) * width, &rows[y], 4);
+    }
+}
+
+template <size_t pairs, Shape shape>
+SE_TARGET_AVX2 const uint32_t* RunShuffled(const uint32_t* words, uint32_t count, const uint8_t* src,
+                                           uint8_t* dst, ptrdiff_t width) {
+    constexpr size_t kWords = 1 + 2 * pairs + 4;
+    for (; count > 0; --count, words += kWords) {
+        const uint32_t* const windows = words + 1;
+        const __m128i picks = _mm_loadu_si128(reinterpret_cast<const __m128i*>(windows + 2 * pairs));
+        __m128i pixels;
+        if constexpr (pairs == 1) {
+            pixels = _mm_shuffle_epi8(LoadPair(src, windows), picks);
+        } else {
+            pixels = PickFrom(LoadPair(src, windows), picks, 0);
+            for (size_t p = 1; p < pairs; ++p)
+                pixels = _mm_or_si128(pixels,
+                                      PickFrom(LoadPair(src, windows + 2 * p), picks, static_cast<int>(p)));
+        }
+        StoreBlock<shape>(pixels, dst + words[0], width);
+    }
+    return words;
+}
+
+#endif
+
+}  // namespace
+
+void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint8_t* dst, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        if (index[i] < srcSize) dst[i] = src[index[i]];
+}
+
+void CGatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t srcPixels, int32_t pixelBytes) {
+    Release();
+    if (width < 1 || index.size() < static_cast<size_t>(width)) return;
+    width_ = width;
+    GatherCompiler compiler(*this, index, width, srcPixels);
+    const bool wholeRows = index.size() % static_cast<size_t>(width) == 0;
+    if (simd::HasAvx2() && pixelBytes == 1 && wholeRows && width >= kCellWidth &&
+        index.size() / static_cast<size_t>(width) >= kCellHeight && srcPixels >= kWindowBytes)
+        compiler.CompileBlocks();
+    else
+        compiler.CompileStretches(pixelBytes);
+    words_.shrink_to_fit();
+    runs_.shrink_to_fit();
+}
+
+void CGatherMap::Release() {
+    runs_ = {};
+    words_ = {};
+    width_ = 0;
+}
+
+void CGatherMap::Apply(const uint8_t* src, uint8_t* dst) const {
+    const uint32_t* words = words_.data();
+    const ptrdiff_t width = width_;
+    for (const auto& [kind, count] : runs_) switch (kind) {
+#if SE_AVX2
+            case ShuffledKind(1, Shape::kRow):
+                words = RunShuffled<1, Shape::kRow>(words, count, src, dst, width);
+                break;
+            case ShuffledKind(2, Shape::kRow):
+                words = RunShuffled<2, Shape::kRow>(words, count, src, dst, width);
+                break;
+            case ShuffledKind(3, Shape::kRow):
+                words = RunShuffled<3, Shape::kRow>(words, count, src, dst, width);
+                break;
+            case ShuffledKind(4, Shape::kRow):
+                words = RunShuffled<4, Shape::kRow>(words, count, src, dst, width);
+                break;
+            case ShuffledKind(1, Shape::kTile):
+                words = RunShuffled<1, Shape::kTile>(words, count, src, dst, width);
+                break;
+            case ShuffledKind(2, Shape::kTile):
+                words = RunShuffled<2, Shape::kTile>(words, count, src, dst, width);
+                break;
+            case ShuffledKind(3, Shape::kTile):
+                words = RunShuffled<3, Shape::kTile>(words, count, src, dst, width);
+                break;
+            case ShuffledKind(4, Shape::kTile):
+                words = RunShuffled<4, Shape::kTile>(words, count, src, dst, width);
+                break;
+#endif
+            case kScatteredRow:
+                words = RunScattered<Shape::kRow>(words, count, src, dst, width);
+                break;
+            case kScatteredTile:
+                words = RunScattered<Shape::kTile>(words, count, src, dst, width);
+                break;
+            case kSingle:
+                words = RunSingles(words, count, src, dst);
+                break;
+            case kStretch1:
+                words = RunStretches<1>(words, count, src, dst);
+                break;
+            default:
+                words = RunStretches<3>(words, count, src, dst);
+                break;
+        }
+}

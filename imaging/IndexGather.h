@@ -1,0 +1,55 @@
+// Fetching pixels from places that were worked out beforehand: the frame's part of every effect that bends
+// the picture with a fixed map.
+#ifndef SPECIALEFFECTS_IMAGING_INDEXGATHER_H
+#define SPECIALEFFECTS_IMAGING_INDEXGATHER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/// dst[i] = src[index[i]] for `count` bytes; where the index is not below `srcSize`, dst[i] stays as it is.
+/// The memories do not overlap. For a map that is used once; a fixed one is better made into a `CGatherMap`.
+void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint8_t* dst, size_t count);
+
+/// A fixed map, compiled for speed: neighbouring pixels mostly come from a few neighbourhoods, so that
+/// sixteen of them are fetched with some loads and byte shuffles in place of sixteen loads.
+///
+/// Building takes some 50 ns a pixel and memory of 2 to 4 bytes a pixel, and throws std::bad_alloc when there
+/// is none. One map may be applied by several threads at a time.
+class CGatherMap {
+  public:
+    /// An index that leaves its pixel as it is. Every index past the source does so.
+    static constexpr uint32_t kKeep = 0xFFFFFFFF;
+
+    /// A map without pixels.
+    CGatherMap() = default;
+
+    /// Replaces the map. `index` has one entry for each pixel of the destination, row after row of `width`
+    /// pixels: which pixel of the source it takes. The source has `srcPixels` pixels in packed rows of any
+    /// length; pixels have 1 byte or 3.
+    void Build(std::span<const uint32_t> index, int32_t width, size_t srcPixels, int32_t pixelBytes = 1);
+
+    /// Frees everything; the map has no pixels afterwards.
+    void Release();
+
+    bool Empty() const { return runs_.empty(); }
+
+    /// Fetches the pixels. `src` and `dst` have the sizes that `Build` was told and do not overlap.
+    void Apply(const uint8_t* src, uint8_t* dst) const;
+
+  private:
+    friend class GatherCompiler;
+
+    /// A number of blocks of one kind, whose words follow each other in `words_`.
+    struct Run {
+        uint32_t kind;
+        uint32_t count;
+    };
+
+    int32_t width_ = 0;
+    std::vector<Run> runs_;
+    std::vector<uint32_t> words_;
+};
+
+#endif
