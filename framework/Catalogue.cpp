@@ -15,6 +15,7 @@
 #include "effects/animated/RainDrops.h"
 #include "effects/distortion/Bulge.h"
 #include "effects/distortion/FishEye.h"
+#include "effects/distortion/HallwayVision.h"
 #include "effects/distortion/Liquefy.h"
 #include "effects/distortion/MovingTwirl.h"
 #include "effects/distortion/Stretch.h"
@@ -91,8 +92,8 @@ constexpr Row kRows[] = {
     {"{41AAFA6F-B0F3-4759-A799-4E3DF9833D4A}", {11}, [] { return New<CMovingTwirlSpecialEffectFilter>(); }},
     {"{7DB203B3-4EC6-497D-957F-5A938F6AAB76}", {18}, [] { return New<CCloudsSpecialEffectFilter>(); }},
     {"{83548554-BA11-4C26-9403-442DFA1C2BFE}", {5}, [] { return New<CAntiquatedMovieSpecialEffectFilter>(); }},
-    {"{F342D1F4-4E9C-475C-82CF-1CC347562DBC}", {22}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(1); } */},
-    {"{2F8530C5-96DA-4BCD-9CCA-B536EAFB08BB}", {23}, nullptr /* [] { return New<CHallwayVisionSpecialEffectFilter>(2); } */},
+    {"{F342D1F4-4E9C-475C-82CF-1CC347562DBC}", {22}, [] { return New<CHallwayVisionSpecialEffectFilter>(1); }},
+    {"{2F8530C5-96DA-4BCD-9CCA-B536EAFB08BB}", {23}, [] { return New<CHallwayVisionSpecialEffectFilter>(2); }},
     {"{9E680B79-DC8E-4CA2-B3AE-731A26C57EAE}", {14}, [] { return New<CRainDropsSpecialEffectFilter>(); }},
     {"{A5749CD7-26DF-440E-B377-4F9909EFE6C9}", {12}, [] { return New<CCameraFlashesSpecialEffectFilter>(1); }},
     {"{E729C2F2-476B-4B34-A0FC-8F62BAD8CEA0}", {}, [] { return New<CCameraFlashesSpecialEffectFilter>(5); }},

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "effects/distortion/Gather.h"
+#include "effects/distortion/RemapTable.h"
 #include "framework/StreamRules.h"
 
 namespace {
@@ -39,16 +40,7 @@ std::vector<uint32_t> CSpecialEffectFilter_IppDistortion::BuildIndices(int32_t w
     const size_t count = PixelCount(width, height);
     std::vector<float> xMap(count), yMap(count);
     BuildRemapTable(xMap.data(), yMap.data(), width, height);
-
-    std::vector<uint32_t> indices(count);
-    for (size_t i = 0; i < count; ++i) {
-        const double x = double{xMap[i]}, y = double{yMap[i]};
-        const bool inside = x >= 0 && x <= width - 1 && y >= 0 && y <= height - 1;
-        indices[i] = inside ? static_cast<uint32_t>(y + 0.5) * static_cast<uint32_t>(width) +
-                                  static_cast<uint32_t>(x + 0.5)
-                            : kKeepPixel;
-    }
-    return indices;
+    return RemapTable{xMap.data(), yMap.data(), width, height}.NearestIndices();
 }
 
 ResultCode CSpecialEffectFilter_IppDistortion::ProcessFrame(FrameRecord* frame) {

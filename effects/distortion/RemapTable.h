@@ -1,10 +1,12 @@
-// A table of source coordinates while it is being filled.
+// Tables of source coordinates.
 #ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_REMAPTABLE_H
 #define SPECIALEFFECTS_EFFECTS_DISTORTION_REMAPTABLE_H
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
+/// The column and the row of the source of each pixel, row after row. Looks at memory of somebody else.
 struct RemapTable {
     float* xMap;
     float* yMap;
@@ -14,14 +16,11 @@ struct RemapTable {
     float* YRow(int32_t y) const { return yMap + static_cast<ptrdiff_t>(y) * width; }
 
     /// Every pixel is its own source.
-    void FillIdentity() const {
-        for (int32_t y = 0; y < height; ++y) {
-            for (int32_t x = 0; x < width; ++x) {
-                XRow(y)[x] = static_cast<float>(x);
-                YRow(y)[x] = static_cast<float>(y);
-            }
-        }
-    }
+    void FillIdentity() const;
+
+    /// The indices of the source pixels, coordinates rounded half up; kKeepPixel where the source lies
+    /// outside the picture.
+    std::vector<uint32_t> NearestIndices() const;
 };
 
 #endif

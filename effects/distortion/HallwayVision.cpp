@@ -1,0 +1,116 @@
+#include "effects/distortion/HallwayVision.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "effects/distortion/Gather.h"
+#include "effects/distortion/RemapTable.h"
+
+namespace {
+
+constexpr double kBend = 0.3;
+constexpr double kTwist = 0.0;  // radians at the centre; a design parameter of the picture
+
+/// What happens at one distance from the centre: offsets grow by `stretch` and turn by an angle.
+struct Bend {
+    double stretch, sine, cosine;
+
+    /// `d2` is the distance squared, `R2` that of the circle.
+    Bend(double d2, double R2) {
+        const double r = std::sqrt(d2 / R2);
+        stretch = std::pow(std::sin(r * 3.1415926535 * 0.5), -kBend);
+        const double q = 1 - r;
+        const double angle = q * (kTwist * q);
+        sine = std::sin(angle);
+        cosine = std::cos(angle);
+    }
+};
+
+/// Whole offsets, from a whole centre. Only the flat index is held inside the plane, not its column.
+std::vector<uint32_t> BuildIndices(int32_t width, int32_t height) {
+    const int32_t hw = width / 2, hh = height / 2, R2 = hh * hh, count = width * height;
+    std::vector<uint32_t> indices(static_cast<size_t>(count));
+    for (int32_t y = 0; y < height; ++y) {
+        for (int32_t x = 0; x < width; ++x) {
+            const int32_t dx = x - hw, dy = y - hh, d2 = dx * dx + dy * dy, self = y * width + x;
+            int32_t source = self;
+            if (d2 != 0 && d2 <= R2) {
+                const Bend bend(d2, R2);
+                const double u = std::trunc(dx * bend.stretch), v = std::trunc(dy * bend.stretch);
+                const auto row = static_cast<int32_t>(u * bend.sine + hh + v * bend.cosine);
+                const auto column = static_cast<int32_t>(u * bend.cosine + hw - v * bend.sine);
+                source = row * width + column;
+            }
+            indices[static_cast<size_t>(self)] =
+                static_cast<uint32_t>(source >= 0 && source < count ? source : self);
+        }
+    }
+    return indices;
+}
+
+/// The same between the pixels: a table of coordinates.
+void FillTable(const RemapTable& table) {
+    table.FillIdentity();
+    const double cx = 0.5 * table.width, cy = 0.5 * table.height, R2 = cy * cy;
+    const double lastIndex = static_cast<double>(table.width) * table.height - 1;
+    for (int32_t y = 0; y < table.height; ++y) {
+        for (int32_t x = 0; x < table.width; ++x) {
+            const double dx = x - cx, dy = y - cy, d2 = dx * dx + dy * dy;
+            if (d2 == 0 || d2 > R2) continue;
+            const Bend bend(d2, R2);
+            const double u = dx * bend.stretch, v = dy * bend.stretch;
+            const auto row = static_cast<float>(u * bend.sine + cy + v * bend.cosine);
+            const auto column = static_cast<float>(u * bend.cosine + cx - v * bend.sine);
+            const double index = std::trunc(table.width * double{row} + double{column});
+            if (index < 0 || index > lastIndex) continue;
+            table.XRow(y)[x] = column;
+            table.YRow(y)[x] = row;
+        }
+    }
+}
+
+/// Calls use(table) with the table of this size.
+template <class Use>
+auto WithTable(int32_t width, int32_t height, Use use) {
+    const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
+    std::vector<float> xMap(count), yMap(count);
+    const RemapTable table{xMap.data(), yMap.data(), width, height};
+    FillTable(table);
+    return use(table);
+}
+
+}  // namespace
+
+CHallwayVisionSpecialEffectFilter::CHallwayVisionSpecialEffectFilter(int32_t variant)
+    : UseIndexTable(variant != 1) {}
+
+void CHallwayVisionSpecialEffectFilter::Prepare() {
+    const int32_t width = Width(), height = Height();
+    Scratch = NewPlane(width, height);
+    if (UseIndexTable) {
+        IndexFull = BuildIndices(width, height);
+        IndexHalf = BuildIndices(width / 2, height / 2);
+    } else {
+        LumaWarp = WithTable(width, height, [](const RemapTable& table) { return CLinearWarp(table); });
+        IndexHalf =
+            WithTable(width / 2, height / 2, [](const RemapTable& table) { return table.NearestIndices(); });
+    }
+}
+
+void CHallwayVisionSpecialEffectFilter::Release() {
+    Scratch.Release();
+    IndexFull = {};
+    IndexHalf = {};
+    LumaWarp = {};
+}
+
+void CHallwayVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    if (UseIndexTable) {
+        GatherInPlace(IndexFull, frame.y.data, Scratch.data);
+    } else {
+        std::memcpy(Scratch.data, frame.y.data, Scratch.Size());
+        LumaWarp.Apply(Scratch.data, frame.y.data);
+    }
+    GatherInPlace(IndexHalf, frame.u.data, Scratch.data);
+    GatherInPlace(IndexHalf, frame.v.data, Scratch.data);
+}

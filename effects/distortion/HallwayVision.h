@@ -1,0 +1,32 @@
+// Hallway Vision: the picture as if seen down a corridor.
+#ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_HALLWAYVISION_H
+#define SPECIALEFFECTS_EFFECTS_DISTORTION_HALLWAYVISION_H
+
+#include <vector>
+
+#include "effects/distortion/LinearWarp.h"
+#include "framework/EffectBase.h"
+#include "imaging/Plane8u.h"
+
+/// Inside a circle as high as the frame the picture is squeezed towards the centre. The mapping is built once
+/// for each stream.
+class CHallwayVisionSpecialEffectFilter final : public PlanarEffect<CHallwayVisionSpecialEffectFilter> {
+  public:
+    static constexpr const char* DisplayName = "Hallway Vision";
+
+    /// Variant 1 interpolates luma between source pixels; any other takes one source pixel for each.
+    explicit CHallwayVisionSpecialEffectFilter(int32_t variant);
+
+    void Prepare();
+    void Release();
+    void ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    bool UseIndexTable;
+    CPlane8u Scratch;
+    std::vector<uint32_t> IndexFull;  ///< luma, when there is no interpolation
+    std::vector<uint32_t> IndexHalf;  ///< chroma
+    CLinearWarp LumaWarp;             ///< luma, interpolated
+};
+
+#endif

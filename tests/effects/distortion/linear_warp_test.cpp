@@ -1,0 +1,61 @@
+#include "effects/distortion/LinearWarp.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "imaging/Prim.h"
+#include "tests/support/TestFrame.h"
+
+namespace {
+
+/// Coordinates of all kinds: whole, between, just below and just above whole ones, outside, not a number.
+float WildCoordinate(TestRandom& random, int32_t size, int32_t own) {
+    const auto whole = static_cast<float>(random.Below(size + 2) - 1);
+    switch (random.Below(8)) {
+        case 0:
+            return whole;
+        case 1:
+            return whole + 1e-7F;
+        case 2:
+            return std::nextafter(whole, -1.0F);
+        case 3:
+            return std::nextafter(whole, 1e9F);
+        case 4:
+            return random.Below(10) == 0 ? std::nanf("") : -0.0F;
+        case 5:
+            return static_cast<float>(own);
+        default:
+            return whole + static_cast<float>(random.Below(1 << 24)) / static_cast<float>(1 << 24);
+    }
+}
+
+TEST(LinearWarp, EqualsThePrimitive) {
+    for (const auto& [w, h] :
+         {std::pair{1, 1}, {1, 7}, {7, 1}, {2, 2}, {2, 5}, {31, 17}, {64, 48}, {333, 5}}) {
+        for (uint64_t seed = 0; seed < 20; ++seed) {
+            TestRandom random(seed);
+            const auto count = static_cast<size_t>(w * h);
+            std::vector<float> x(count), y(count);
+            for (size_t i = 0; i < count; ++i) {
+                const auto at = static_cast<int32_t>(i);
+                x[i] = WildCoordinate(random, w, at % w);
+                y[i] = WildCoordinate(random, h, at / w);
+                if (seed % 3 == 1 && random.Below(8) != 0) {  // mostly at rest
+                    x[i] = static_cast<float>(at % w);
+                    y[i] = static_cast<float>(at / w);
+                }
+            }
+            const TestFrame source = TestFrame(w, h).Randomize(seed + 1);
+            TestFrame expected = source, result = source;
+            PrimRemap8uC1(source.plane(0).data(), w, h, w, 0, 0, w, h, x.data(), 4 * w, y.data(), 4 * w,
+                          expected.y(), w, w, h, kPrimLinear);
+            CLinearWarp({x.data(), y.data(), w, h}).Apply(source.plane(0).data(), result.y());
+            ASSERT_EQ(FirstDifference(result, expected), "") << w << " by " << h << ", seed " << seed;
+            ASSERT_TRUE(result.GuardsIntact());
+        }
+    }
+}
+
+}  // namespace
