@@ -53,52 +53,70 @@ SE_INLINE void ForPixels(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff
     }
 }
 
-/// v / 2^shift to the nearest, ties to even, for the shifts 1 to 16.
+/// v / 2^shift to the nearest, ties to even, for the shifts 1 to 16 and values up to 65535 - 2^(shift-1). A
+/// right shift is the high half of a product, which stays in 16 bits when a loop is turned into vector code.
+/// Loops take the object by reference: where the compiler can see how the factor is made it falls back to 32
+/// bits.
 class EvenShift {
   public:
     explicit EvenShift(int32_t shift)
         : factor_(static_cast<uint16_t>(1u << (16 - shift))),
-          mask_(static_cast<uint16_t>((1u << shift) - 1)),
-          half_(static_cast<uint16_t>(1u << (shift - 1))) {}
+          belowHalf_(static_cast<uint16_t>((1u << (shift - 1)) - 1)),
+          saturation_(static_cast<uint16_t>(std::min(255u << shift, 65535u))) {}
 
     SE_INLINE uint16_t operator()(uint16_t v) const {
-        const auto quotient = static_cast<uint16_t>((uint32_t{v} * factor_) >> 16);
-        const auto remainder = static_cast<uint16_t>((v & mask_) + (quotient & 1));
-        return static_cast<uint16_t>(quotient + (remainder > half_ ? 1 : 0));
+        const uint16_t odd = ShiftRight(v) & 1;
+        return ShiftRight(static_cast<uint16_t>(v + belowHalf_ + odd));
     }
 
+    /// Values above it give at least 255, or there are none.
+    uint16_t saturation() const { return saturation_; }
+
   private:
-    uint16_t factor_;  // the high half of a product with it is the quotient
-    uint16_t mask_;
-    uint16_t half_;
+    SE_INLINE uint16_t ShiftRight(uint16_t v) const {
+        return static_cast<uint16_t>((uint32_t{v} * factor_) >> 16);
+    }
+
+    uint16_t factor_;
+    uint16_t belowHalf_;
+    uint16_t saturation_;
 };
 
 SE_INLINE uint8_t Saturate(uint16_t v) {
     return static_cast<uint8_t>(std::min<uint16_t>(v, 255));
 }
 
-/// sat8(v << shift) for shifts 0 to 8.
-SE_INLINE uint8_t ShiftUp(uint16_t v, int32_t shift) {
-    return Saturate(static_cast<uint16_t>(Saturate(v) << shift));
-}
+/// sat8(v * 2^-scale) for scales of 0 and below. -8 takes all that is not 0 to 255, as any lower scale does.
+class SaturatingScale {
+  public:
+    explicit SaturatingScale(int32_t scale) : factor_(static_cast<uint16_t>(1u << -std::max(scale, -8))) {}
 
-/// The left shift of a scale at or below 0. A shift by 8 takes all that is not 0 to 255, as any greater one
-/// does.
-int32_t UpShift(int32_t scale) {
-    return scale <= -8 ? 8 : -scale;
-}
+    SE_INLINE uint8_t operator()(uint16_t v) const {
+        return Saturate(static_cast<uint16_t>(Saturate(v) * factor_));
+    }
+
+  private:
+    uint16_t factor_;
+};
 
 SE_MULTIVERSION void AddUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                           ptrdiff_t width, ptrdiff_t height, int32_t shift) {
+                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
-              [=](uint8_t a, uint8_t b) { return ShiftUp(static_cast<uint16_t>(a + b), shift); });
+              [=](uint8_t a, uint8_t b) { return scaled(static_cast<uint16_t>(a + b)); });
 }
 
 SE_MULTIVERSION void AddDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                             ptrdiff_t width, ptrdiff_t height, int32_t shift) {
-    const EvenShift evenShift(shift);
+                             ptrdiff_t width, ptrdiff_t height, const EvenShift& evenShift) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height, [=](uint8_t a, uint8_t b) {
         return static_cast<uint8_t>(evenShift(static_cast<uint16_t>(a + b)));
+    });
+}
+
+SE_MULTIVERSION void AddSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst,
+                                  ptrdiff_t srcDstStep, ptrdiff_t width, ptrdiff_t height) {
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height, [](uint8_t a, uint8_t b) {
+        const auto sum = static_cast<uint8_t>(a + b);
+        return sum < a ? uint8_t{255} : sum;  // wrapped around
     });
 }
 
@@ -107,29 +125,44 @@ SE_INLINE uint16_t SubtractDownTo0(uint8_t a, uint8_t b) {
 }
 
 SE_MULTIVERSION void SubUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                           ptrdiff_t width, ptrdiff_t height, int32_t shift) {
+                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
-              [=](uint8_t a, uint8_t b) { return ShiftUp(SubtractDownTo0(b, a), shift); });
+              [=](uint8_t a, uint8_t b) { return scaled(SubtractDownTo0(b, a)); });
+}
+
+SE_MULTIVERSION void SubSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst,
+                                  ptrdiff_t srcDstStep, ptrdiff_t width, ptrdiff_t height) {
+    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
+              [](uint8_t a, uint8_t b) { return static_cast<uint8_t>(SubtractDownTo0(b, a)); });
 }
 
 SE_MULTIVERSION void SubDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                             ptrdiff_t width, ptrdiff_t height, int32_t shift) {
-    const EvenShift evenShift(shift);
+                             ptrdiff_t width, ptrdiff_t height, const EvenShift& evenShift) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
               [=](uint8_t a, uint8_t b) { return static_cast<uint8_t>(evenShift(SubtractDownTo0(b, a))); });
 }
 
 SE_MULTIVERSION void MulUp(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                           int32_t shift) {
-    ForPixels(data, step, width, height,
-              [=](uint8_t a) { return ShiftUp(static_cast<uint16_t>(a * value), shift); });
+                           const SaturatingScale& scaled) {
+    ForPixels(data, step, width, height, [=](uint8_t a) { return scaled(static_cast<uint16_t>(a * value)); });
 }
 
 SE_MULTIVERSION void MulDown(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                             int32_t shift) {
-    const EvenShift evenShift(shift);
-    ForPixels(data, step, width, height,
-              [=](uint8_t a) { return Saturate(evenShift(static_cast<uint16_t>(a * value))); });
+                             const EvenShift& evenShift) {
+    ForPixels(data, step, width, height, [=, limit = evenShift.saturation()](uint8_t a) {
+        const auto product = static_cast<uint16_t>(a * value);
+        return static_cast<uint8_t>(evenShift(std::min(product, limit)));
+    });
+}
+
+/// The same for shifts above 9, where a rounding term would leave the 16 bits: one bit is shifted out first,
+/// and kept in the bit above it, which lies far below the half.
+SE_MULTIVERSION void MulFarDown(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width,
+                                ptrdiff_t height, const EvenShift& evenShift) {
+    ForPixels(data, step, width, height, [=](uint8_t a) {
+        const auto product = static_cast<uint16_t>(a * value);
+        return static_cast<uint8_t>(evenShift(static_cast<uint16_t>((product >> 1) | (product & 1))));
+    });
 }
 
 SE_MULTIVERSION void MulScale(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
@@ -246,9 +279,11 @@ PrimStatus PrimAddSfs8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, 
     if (scale > 9) {
         Fill(0, srcDst, srcDstStep, width, height);
     } else if (scale > 0) {
-        AddDown(src, srcStep, srcDst, srcDstStep, width, height, scale);
+        AddDown(src, srcStep, srcDst, srcDstStep, width, height, EvenShift(scale));
+    } else if (scale == 0) {
+        AddSaturated(src, srcStep, srcDst, srcDstStep, width, height);
     } else {
-        AddUp(src, srcStep, srcDst, srcDstStep, width, height, UpShift(scale));
+        AddUp(src, srcStep, srcDst, srcDstStep, width, height, SaturatingScale(scale));
     }
     return kPrimOk;
 }
@@ -261,9 +296,11 @@ PrimStatus PrimSubSfs8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, 
     if (scale > 8) {
         Fill(0, srcDst, srcDstStep, width, height);
     } else if (scale > 0) {
-        SubDown(src, srcStep, srcDst, srcDstStep, width, height, scale);
+        SubDown(src, srcStep, srcDst, srcDstStep, width, height, EvenShift(scale));
+    } else if (scale == 0) {
+        SubSaturated(src, srcStep, srcDst, srcDstStep, width, height);
     } else {
-        SubUp(src, srcStep, srcDst, srcDstStep, width, height, UpShift(scale));
+        SubUp(src, srcStep, srcDst, srcDstStep, width, height, SaturatingScale(scale));
     }
     return kPrimOk;
 }
@@ -275,10 +312,12 @@ PrimStatus PrimMulCSfs8uC1(uint8_t value, uint8_t* data, int32_t step, int32_t w
     }
     if (value == 0 || scale > 16) {
         Fill(0, data, step, width, height);
+    } else if (scale > 9) {
+        MulFarDown(value, data, step, width, height, EvenShift(scale - 1));
     } else if (scale > 0) {
-        MulDown(value, data, step, width, height, scale);
+        MulDown(value, data, step, width, height, EvenShift(scale));
     } else if (value != 1 || scale != 0) {
-        MulUp(value, data, step, width, height, UpShift(scale));
+        MulUp(value, data, step, width, height, SaturatingScale(scale));
     }
     return kPrimOk;
 }
@@ -374,16 +413,24 @@ PrimStatus PrimReduceBits8uC3(const uint8_t* src, int32_t srcStep, uint8_t* dst,
 
 namespace {
 
+/// Rounds by adding 1.5 * 2^52, which leaves the nearest whole number, ties to even, in the low bits. That
+/// does for all values: at lo the sum below is 0.5 and at hi 255.5, give or take a rounding error, and both
+/// come out whole.
 SE_MULTIVERSION void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdiff_t width, float lo, float hi,
                               double factor, double offset) {
+    constexpr double kRound = 0x1.8p52;
     for (ptrdiff_t x = 0; x < width; ++x) {
-        const float value = src[x];
-        const bool inside = value > lo && value < hi;
-        const double scaled = (inside ? value : lo) * factor + offset;  // above 0 and below 256
-        const auto whole = static_cast<int32_t>(scaled);
-        const int32_t even = whole - (static_cast<double>(whole) == scaled ? whole & 1 : 0);
-        const int32_t outside = value >= hi ? 255 : 0;
-        dst[x] = static_cast<uint8_t>(inside ? even : outside);
+        const float above = src[x] > lo ? src[x] : lo;  // also where it is not a number
+        const float value = above < hi ? above : hi;
+        const double raised = double{value} * factor + offset;
+        dst[x] = static_cast<uint8_t>(std::bit_cast<uint64_t>(raised - 0.5 + kRound));
+    }
+}
+
+/// An infinite range has nothing between its ends.
+void ScaleRowInfinite(const float* src, uint8_t* dst, ptrdiff_t width, float hi) {
+    for (ptrdiff_t x = 0; x < width; ++x) {
+        dst[x] = src[x] >= hi ? 255 : 0;
     }
 }
 
@@ -400,7 +447,11 @@ PrimStatus PrimScale32f8u(const float* src, int32_t srcStep, uint8_t* dst, int32
     const double offset = 0.5 - factor * double{lo};
     for (int32_t y = 0; y < height; ++y, dst += dstStep) {
         const auto* row = reinterpret_cast<const std::byte*>(src) + ptrdiff_t{y} * srcStep;
-        ScaleRow(reinterpret_cast<const float*>(row), dst, width, lo, hi, factor, offset);
+        if (factor > 0) {
+            ScaleRow(reinterpret_cast<const float*>(row), dst, width, lo, hi, factor, offset);
+        } else {
+            ScaleRowInfinite(reinterpret_cast<const float*>(row), dst, width, hi);
+        }
     }
     return kPrimOk;
 }
