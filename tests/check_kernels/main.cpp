@@ -1,9 +1,9 @@
 // check_kernels: compares every primitive with its plain model, or times both.
 #include <charconv>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -119,6 +119,29 @@ std::vector<Plan> MakePlans(bool light) {
     return plans;
 }
 
+/// What is being compared, for the word that a crash leaves behind.
+struct {
+    std::string_view kernel;
+    Size size;
+    const check::Trial* trial;
+} current;
+
+/// A primitive touched a page that it must not. (Sanitizers have their own say.)
+[[maybe_unused]] void ReportCrash(int) {
+    std::printf("FAILED %.*s at %dx%d%s: reads or writes past its pictures\n",
+                static_cast<int>(current.kernel.size()), current.kernel.data(), current.size.width,
+                current.size.height, current.trial->parameters().c_str());
+    std::fflush(stdout);
+    std::_Exit(1);
+}
+
+void CatchCrashes() {
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    std::signal(SIGSEGV, ReportCrash);
+    std::signal(SIGBUS, ReportCrash);
+#endif
+}
+
 struct Tally {
     int64_t runs = 0;
     int64_t failures = 0;
@@ -129,7 +152,9 @@ struct Tally {
 Tally CheckKernel(const check::Kernel& kernel, const std::vector<Plan>& plans, uint64_t seed) {
     Tally tally;
     check::Trial trial(seed, false);
+    CatchCrashes();
     for (const Plan& plan : plans) {
+        current = {kernel.name, plan.size, &trial};
         for (int i = 0; i < plan.combinations; ++i) {
             trial.Begin(plan.size.width, plan.size.height, kernel.copyBytesPerPixel);
             kernel.run(trial);
