@@ -1,6 +1,7 @@
 #include "imaging/Lookup.h"
 
 #include "imaging/Multiversion.h"
+#include "imaging/Simd.h"
 
 namespace {
 
@@ -10,7 +11,7 @@ void LookupEach(const uint8_t* table, const uint8_t* src, uint8_t* dst, size_t c
     }
 }
 
-#if SE_X86_64
+#if SE_AVX2
 
 /// A byte shuffle looks 16 entries up and gives 0 for an index with the sign bit, so 16 shuffles cover the
 /// table. What is shuffled are differences: after `steps[k]` is added (exclusive or) the sum is block k's
@@ -92,12 +93,12 @@ SE_TARGET_AVX512VBMI void LookupAvx512Vbmi(const uint8_t* table, const uint8_t* 
 }  // namespace
 
 void LookupBytes(const uint8_t* table, const uint8_t* src, uint8_t* dst, size_t count) {
-#if SE_X86_64
-    if (cpu::HasAvx512Vbmi()) {
+#if SE_AVX2
+    if (simd::HasAvx512Vbmi()) {
         LookupAvx512Vbmi(table, src, dst, count);
         return;
     }
-    if (cpu::HasAvx2()) {
+    if (simd::HasAvx2()) {
         LookupAvx2(table, src, dst, count);
         return;
     }

@@ -11,6 +11,7 @@
 #include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
+#include "imaging/Simd.h"
 
 using prim::CheckPointers;
 using prim::CheckSize;
@@ -23,7 +24,7 @@ SE_INLINE uint8_t Saturate(int32_t v) {
     return static_cast<uint8_t>(std::clamp(v, 0, 255));
 }
 
-#if SE_X86_64
+#if SE_AVX2
 
 /// The lanes of 16 bytes at `low` and at `high`.
 SE_TARGET_AVX2 SE_INLINE __m256i LoadLanes(const uint8_t* low, const uint8_t* high) {
@@ -117,7 +118,7 @@ void TwistPixels(uint8_t* row, ptrdiff_t count, const Twist& twist) {
     }
 }
 
-#if SE_X86_64
+#if SE_AVX2
 
 /// One output of eight pixels: rounded, and how far from it the sum lies.
 struct RoundedSum {
@@ -187,8 +188,8 @@ PrimStatus PrimColorTwist8uC3(uint8_t* data, int32_t step, int32_t width, int32_
         return error;
     }
     const Twist twist = MakeTwist(matrix);
-#if SE_X86_64
-    if (cpu::HasAvx2() && twist.single) {
+#if SE_AVX2
+    if (simd::HasAvx2() && twist.single) {
         for (int32_t y = 0; y < height; ++y, data += step) {
             TwistRowAvx2(data, width, twist);
         }
@@ -258,7 +259,7 @@ void RgbToYuvBlocks(const PackedRows& p, ptrdiff_t begin, ptrdiff_t width) {
     }
 }
 
-#if SE_X86_64
+#if SE_AVX2
 
 /// Repeats a row of 16 bytes in both lanes.
 SE_TARGET_AVX2 SE_INLINE __m256i BothLanes(__m128i v) {
@@ -398,8 +399,8 @@ PrimStatus PrimRgbToYuv420(const uint8_t* src, uint8_t* const planes[3], int32_t
                            planes[1] + y / 2 * chromaStep,
                            planes[2] + y / 2 * chromaStep};
         ptrdiff_t done = 0;
-#if SE_X86_64
-        if (twoRows && cpu::HasAvx2()) {
+#if SE_AVX2
+        if (twoRows && simd::HasAvx2()) {
             done = RgbToYuvRowsAvx2(p, width);
         }
 #endif
@@ -425,7 +426,7 @@ void YuvToRgbPixels(const uint8_t* luma, const uint8_t* uRow, const uint8_t* vRo
     }
 }
 
-#if SE_X86_64
+#if SE_AVX2
 
 /// What chroma adds to luma in the three channels, for 32 pixels: since luma is shifted by whole 16 bits, the
 /// floor of the sum is luma plus the floor of the rest. The part above 0 and the part below are bytes,
@@ -541,8 +542,8 @@ PrimStatus PrimYuv420ToRgb(const uint8_t* const planes[3], uint8_t* dst, int32_t
                                         twoRows ? planes[0] + (y + 1) * width : nullptr};
         uint8_t* const rows[2] = {dst + y * dstStep, twoRows ? dst + (y + 1) * dstStep : nullptr};
         ptrdiff_t done = 0;
-#if SE_X86_64
-        if (cpu::HasAvx2()) {
+#if SE_AVX2
+        if (simd::HasAvx2()) {
             done = YuvToRgbRowsAvx2(luma, u, v, rows, width);
         }
 #endif
