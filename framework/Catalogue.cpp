@@ -25,6 +25,7 @@
 #include "effects/drawing/ComicBook.h"
 #include "effects/drawing/CottonCandy.h"
 #include "effects/drawing/LineArt.h"
+#include "effects/drawing/Plaster.h"
 #include "effects/time/FourSquare.h"
 #include "effects/time/MotionBlur.h"
 #include "effects/time/MotionDetector.h"
@@ -69,7 +70,7 @@ constexpr Row kRows[] = {
     {"{1FA2E948-426B-4BDE-A400-2EB1FEBF9522}", {}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(4); } */},
     {"{1DC06F46-0253-4EF8-96AF-E69B0B535984}", {}, [] { return New<CChromeSpecialEffectFilter>(1); }},
     {"{43206F46-1253-4EF8-22AF-E69B0B535984}", {}, [] { return New<CChromeSpecialEffectFilter>(2); }},
-    {"{0405DEA1-A404-4CC8-A70B-5C273A2A8172}", {}, nullptr /* [] { return New<CPlasterSpecialEffectFilter>(); } */},
+    {"{0405DEA1-A404-4CC8-A70B-5C273A2A8172}", {}, [] { return New<CPlasterSpecialEffectFilter>(); }},
     {"{3A849CCB-B961-40FF-ABB7-4385365DF0FC}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(1); } */},
     {"{4DD74959-BE0F-44B1-92B6-043DC61D9F39}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(2); } */},
     {"{E4CA9AFE-50ED-496A-9DC6-214A38B3AEA9}", {29}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(3); } */},

@@ -1,0 +1,131 @@
+#include "effects/drawing/Plaster.h"
+
+#include <array>
+#include <cmath>
+
+#include "imaging/Multiversion.h"
+
+namespace {
+
+/// What the mask holds where the scene is dark. The relief is a slope between it and 0.
+constexpr uint8_t kDark = 100;
+
+// The light comes along the vertical axis, 15 degrees above the plaster; the plaster is 510 deep on the scale
+// of the slopes. Faces that look left or right therefore shade alike.
+constexpr int32_t kLightY = 247;
+constexpr int32_t kLightZ = 66;
+constexpr int32_t kDepth = 510;
+constexpr uint8_t kFlatShade = kLightZ;
+
+/// Shades by slope, each component from -kSteepest to kSteepest: the sums of three pixels of 0 to kDark.
+constexpr int32_t kSteepest = 3 * kDark;
+constexpr int32_t kShadeStep = 2 * kSteepest + 1;
+constexpr int32_t kFlatIndex = kSteepest * kShadeStep + kSteepest;
+using ShadeTable = std::array<uint8_t, static_cast<size_t>(kShadeStep* kShadeStep)>;
+
+const ShadeTable& Shades() {
+    static const ShadeTable table = [] {
+        ShadeTable shades{};
+        size_t entry = 0;
+        for (int32_t ny = -kSteepest; ny <= kSteepest; ++ny) {
+            const int32_t dot = ny * kLightY + kDepth * kLightZ;
+            for (int32_t nx = -kSteepest; nx <= kSteepest; ++nx) {
+                const double length = static_cast<float>(std::sqrt(nx * nx + ny * ny + kDepth * kDepth));
+                const double shade = std::min(std::max(dot, 0) * 1.3 / length, 255.0);
+                shades[entry++] = static_cast<uint8_t>(shade);
+            }
+        }
+        shades[kFlatIndex] = kFlatShade;
+        return shades;
+    }();
+    return table;
+}
+
+/// Lights the slopes of `src`, whose pixels are 0 to kDark. Both ends of that range are flat.
+SE_MULTIVERSION void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdiff_t width,
+                               const uint8_t* shades) {
+    constexpr ptrdiff_t kBlock = 256;
+    int32_t index[kBlock];
+    for (ptrdiff_t begin = 1; begin < width - 1; begin += kBlock) {
+        const ptrdiff_t count = std::min(kBlock, width - 1 - begin);
+        const uint8_t* const row = src + begin;
+        const uint8_t* const above = row - step;
+        const uint8_t* const below = row + step;
+        for (ptrdiff_t x = 0; x < count; ++x) {
+            const int32_t nx =
+                (above[x - 1] + row[x - 1] + below[x - 1]) - (above[x + 1] + row[x + 1] + below[x + 1]);
+            const int32_t ny =
+                (below[x - 1] + below[x] + below[x + 1]) - (above[x - 1] + above[x] + above[x + 1]);
+            const bool flat = row[x] == 0 || row[x] == kDark;
+            index[x] = flat ? kFlatIndex : kFlatIndex + ny * kShadeStep + nx;
+        }
+        for (ptrdiff_t x = 0; x < count; ++x) dst[begin + x] = shades[index[x]];
+    }
+}
+
+/// Lights the relief `src` into the interior of `dst`.
+void Emboss(const CPlane8u& src, CPlane8u& dst) {
+    const uint8_t* const shades = Shades().data();
+    for (int32_t y = 1; y < src.height - 1; ++y)
+        EmbossRow(src.Row(y), src.width, dst.Row(y), src.width, shades);
+}
+
+/// kDark up to `limit`, 0 above it.
+SE_MULTIVERSION void SplitDark(const uint8_t* SE_RESTRICT src, uint8_t* SE_RESTRICT dst, size_t count,
+                               uint8_t limit, uint8_t dark) {
+    for (size_t i = 0; i < count; ++i) dst[i] = src[i] <= limit ? dark : 0;
+}
+
+/// Lays the dark part flat over the relief, with a rim where it reaches beyond its core.
+SE_MULTIVERSION void LayDark(const uint8_t* SE_RESTRICT mask, const uint8_t* SE_RESTRICT core,
+                             uint8_t* SE_RESTRICT luma, size_t count) {
+    constexpr uint8_t kCoreShade = 30, kRimShade = 50;
+    for (size_t i = 0; i < count; ++i) {
+        const uint8_t shade = core[i] != 0 ? kCoreShade : kRimShade;
+        luma[i] = mask[i] != 0 ? shade : luma[i];
+    }
+}
+
+}  // namespace
+
+void CPlasterSpecialEffectFilter::Prepare() {
+    Work = NewPlane(Width(), Height());
+    Work.Fill(kFlatShade);
+    Core = NewPlane(Width(), Height());
+    Mask = NewPlane(Width(), Height());
+    DarkLimit = 40;
+}
+
+void CPlasterSpecialEffectFilter::Release() {
+    Work.Release();
+    Core.Release();
+    Mask.Release();
+}
+
+void CPlasterSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
+    frame.FillChroma(176, 96);
+    CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    FilterLowpass5(luma, Work);
+    ThresholdDark();
+
+    luma.CopyPixels(Mask);
+    Dilate3(luma);
+    FilterLowpass5(luma, Work);
+    FilterLowpass3(Work, luma);
+    luma.FillBorder(3, 0);
+    Emboss(luma, Work);
+    FilterLowpass5(Work, luma);
+    luma.FillBorder(2, kFlatShade);  // as it is in `Work`, where that filter does not reach
+
+    Erode3(Mask, Core);
+    LayDark(Mask.data, Core.data, luma.data, luma.Size());
+}
+
+void CPlasterSpecialEffectFilter::ThresholdDark() {
+    // At limit 0 nothing is dark, not even black.
+    SplitDark(Work.data, Mask.data, Mask.Size(), static_cast<uint8_t>(DarkLimit), DarkLimit > 0 ? kDark : 0);
+    const int32_t share = Mask.MeanByte();
+    if (share < 15) ++DarkLimit;
+    if (share > 70) --DarkLimit;
+    DarkLimit = std::clamp(DarkLimit, 0, 255);
+}

@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tests/effects/drawing/DrawingModels.h"
+
+namespace {
+
+using namespace drawing_model;
+
+constexpr const char* kGuid = "{0405DEA1-A404-4CC8-A70B-5C273A2A8172}";
+
+int Shade(int nx, int ny) {
+    const double azimuth = 1.57079632675, elevation = 0.26179938779166667;
+    const int lx = static_cast<int>(std::cos(azimuth) * std::cos(elevation) * 255.9);
+    const int ly = static_cast<int>(std::sin(azimuth) * std::cos(elevation) * 255.9);
+    const int lz = static_cast<int>(std::sin(elevation) * 255.9);
+    const int nz = 1530 / 3;
+    if (nx == 0 && ny == 0) return lz;
+    const int dot = nx * lx + ny * ly + nz * lz;
+    if (dot < 0) return 0;
+    const auto s = static_cast<float>(std::sqrt(static_cast<double>(nx * nx + ny * ny + nz * nz)));
+    return std::min(static_cast<int>(dot * 1.3 / static_cast<double>(s)), 255);
+}
+
+/// The effect step by step, with its planes and its memory.
+class PlasterModel {
+  public:
+    PlasterModel(int w, int h) : work_(w, h, 66), core_(w, h), mask_(w, h) {}
+
+    int darkLimit() const { return darkLimit_; }
+
+    void operator()(TestFrame& frame) {
+        Plane y = Luma(frame);
+        Lowpass5(y, work_);
+        y = work_;
+        ThresholdDark(y);
+        mask_ = y;
+        const Plane undilated = y;
+        ForInterior(y, 1, [&](int column, int row) {
+            int highest = 0, lowest = 255;
+            for (int j = -1; j <= 1; ++j) {
+                for (int i = -1; i <= 1; ++i) {
+                    highest = std::max(highest, undilated(column + i, row + j));
+                    lowest = std::min(lowest, std::as_const(mask_)(column + i, row + j));
+                }
+            }
+            y(column, row) = static_cast<uint8_t>(highest);
+            core_(column, row) = static_cast<uint8_t>(lowest);
+        });
+        Lowpass5(y, work_);
+        Lowpass3(work_, y);
+        for (int row = 0; row < y.height; ++row) {
+            for (int x = 0; x < y.width; ++x) {
+                if (x < 3 || row < 3 || x >= y.width - 3 || row >= y.height - 3) y(x, row) = 0;
+            }
+        }
+        Emboss(y, work_);
+        y = work_;
+        Lowpass5(y, work_);
+        y = work_;
+        for (size_t i = 0; i < y.pixels.size(); ++i) {
+            if (mask_.pixels[i] != 0) y.pixels[i] = core_.pixels[i] != 0 ? 30 : 50;
+        }
+        frame.Fill(0, 176, 96);
+        y.WriteTo(frame.plane(0));
+    }
+
+  private:
+    void ThresholdDark(Plane& y) {
+        const auto t = static_cast<uint8_t>(darkLimit_);
+        int64_t sum = 0;
+        for (uint8_t& v : y.pixels) {
+            if (v < t) v = t;
+            if (v > t) v = 0;
+            if (v > 0) v = 100;
+            sum += v;
+        }
+        const auto m = static_cast<uint8_t>(static_cast<double>(sum) / static_cast<double>(y.pixels.size()));
+        if (m < 15) ++darkLimit_;
+        if (m > 70) --darkLimit_;
+        darkLimit_ = std::clamp(darkLimit_, 0, 255);
+    }
+
+    static void Emboss(const Plane& src, Plane& dst) {
+        ForInterior(src, 1, [&](int x, int y) {
+            const auto column = [&](int i) { return src(i, y - 1) + src(i, y) + src(i, y + 1); };
+            const auto row = [&](int j) { return src(x - 1, j) + src(x, j) + src(x + 1, j); };
+            const int c = src(x, y);
+            const int shade =
+                c == 0 || c == 100 ? 66 : Shade(column(x - 1) - column(x + 1), row(y + 1) - row(y - 1));
+            dst(x, y) = static_cast<uint8_t>(shade);
+        });
+    }
+
+    Plane work_, core_, mask_;
+    int darkLimit_ = 40;
+};
+
+TEST(Plaster, KeepsTheContract) {
+    EffectDriver effect(kGuid);
+    EXPECT_EQ(effect.Name(), "Plaster");
+    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
+    EXPECT_EQ(effect.Set("Anything", "TRUE"), kSuccess);
+    ExpectContract(effect);
+}
+
+TEST(Plaster, EqualsItsModel) {
+    EffectDriver effect(kGuid);
+    ExpectEqualsModel(effect, [](int w, int h) { return PlasterModel(w, h); });
+}
+
+TEST(Plaster, EqualsItsModelOnTinyFrames) {
+    EffectDriver effect(kGuid);
+    ExpectEqualsModel(
+        effect, [](int w, int h) { return PlasterModel(w, h); },
+        {{1, 1}, {1, 9}, {9, 2}, {3, 3}, {4, 5}, {5, 5}, {6, 7}, {7, 7}, {8, 9}, {64, 4}, {30, 11}});
+}
+
+/// The mask is full and then empty in turn once the limit has sunk to 0.
+TEST(Plaster, FlipsOnABlackScene) {
+    EffectDriver effect(kGuid);
+    ASSERT_EQ(effect.Configure(32, 24), kSuccess);
+    PlasterModel model(32, 24);
+    int dark = 0;
+    for (int i = 0; i < 50; ++i) {
+        TestFrame frame(32, 24), expected(32, 24);
+        ASSERT_EQ(effect.Process(frame), kSuccess);
+        model(expected);
+        ASSERT_EQ(FirstDifference(frame, expected), "") << i;
+        const uint8_t middle = frame.y()[12 * 32 + 16];
+        EXPECT_EQ(middle, i < 40 || i % 2 != 0 ? 30 : 66) << i;
+        dark += middle == 30;
+        EXPECT_LE(model.darkLimit(), std::max(39 - i, 1));
+    }
+    EXPECT_EQ(dark, 45);
+}
+
+/// The same at the other end of the scale.
+TEST(Plaster, FlipsOnAWhiteScene) {
+    EffectDriver effect(kGuid);
+    ASSERT_EQ(effect.Configure(160, 120), kSuccess);
+    PlasterModel model(160, 120);
+    int dark = 0;
+    for (int i = 0; i < 225; ++i) {
+        TestFrame frame(160, 120);
+        frame.Fill(255, 1, 2);
+        TestFrame expected = frame;
+        ASSERT_EQ(effect.Process(frame), kSuccess);
+        model(expected);
+        ASSERT_EQ(FirstDifference(frame, expected), "") << i;
+        const uint8_t middle = frame.y()[60 * 160 + 80];
+        EXPECT_EQ(middle, i >= 215 && i % 2 != 0 ? 30 : 66) << i;
+        dark += middle == 30;
+    }
+    EXPECT_EQ(dark, 5);
+    EXPECT_EQ(model.darkLimit(), 255);
+}
+
+/// The limit starts anew at every `Configure`.
+TEST(Plaster, ForgetsTheLimitAtConfigure) {
+    EffectDriver effect(kGuid);
+    TestFrame first(40, 30), again(40, 30);
+    ASSERT_EQ(effect.Configure(40, 30), kSuccess);
+    for (int i = 0; i < 30; ++i) {
+        TestFrame frame(40, 30);
+        frame.DrawScene(i);
+        effect.Process(frame);
+        if (i == 0) first = frame;
+    }
+    ASSERT_EQ(effect.Configure(40, 30), kSuccess);
+    again.DrawScene(0);
+    effect.Process(again);
+    EXPECT_EQ(again, first);
+}
+
+}  // namespace
