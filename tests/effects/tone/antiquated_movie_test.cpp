@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 #include "tests/effects/tone/ToneModels.h"
 #include "tests/imaging/models/PointModels.h"
 #include "tests/support/EffectDriver.h"

@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 #include "tests/support/EffectDriver.h"
 
 namespace {

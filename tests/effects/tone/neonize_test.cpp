@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 #include "tests/effects/tone/ToneModels.h"
 #include "tests/support/EffectDriver.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 #include "tests/support/EffectDriver.h"
 
 namespace {

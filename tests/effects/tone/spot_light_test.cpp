@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "imaging/Plane8u.h"
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 #include "tests/support/EffectDriver.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 #include "tests/support/EffectDriver.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Runs an effect and a plain model of it side by side.
-#ifndef SPECIALEFFECTS_TESTS_EFFECTS_TONE_SIDEBYSIDE_H
-#define SPECIALEFFECTS_TESTS_EFFECTS_TONE_SIDEBYSIDE_H
+#ifndef SPECIALEFFECTS_TESTS_SUPPORT_SIDEBYSIDE_H
+#define SPECIALEFFECTS_TESTS_SUPPORT_SIDEBYSIDE_H
 
 #include <gtest/gtest.h>
 
@@ -31,31 +31,38 @@ inline TestFrame StreamPicture(int32_t width, int32_t height, int index) {
 
 /// Configures `effect` to each of the sizes and compares its frames, byte for byte, with those of the model
 /// that `makeModel(width, height)` gives: something that changes a TestFrame when it is called. Both draw
-/// from the same random stream and have to leave it in the same state.
-template <class MakeModel>
-void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel) {
+/// from the same random stream, from `Configure` on, and have to leave it in the same state. `set` is called
+/// after `Configure`, as a host sets properties that `Configure` resets.
+template <class MakeModel, class Set>
+void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel, Set set, int frames = kModelFrames) {
     constexpr unsigned kSeed = 20240229;
     for (const auto& [width, height] : kModelSizes) {
         SCOPED_TRACE(::testing::Message() << width << " by " << height);
-        ASSERT_EQ(effect.Configure(width, height), kSuccess);
-        std::vector<TestFrame> results;
         std::srand(kSeed);
-        for (int i = 0; i < kModelFrames; ++i) {
+        ASSERT_EQ(effect.Configure(width, height), kSuccess);
+        set();
+        std::vector<TestFrame> results;
+        for (int i = 0; i < frames; ++i) {
             results.push_back(StreamPicture(width, height, i));
             ASSERT_EQ(effect.Process(results.back()), kSuccess);
             ASSERT_TRUE(results.back().GuardsIntact());
         }
         const int nextDraw = std::rand();
 
-        auto model = makeModel(width, height);
         std::srand(kSeed);
-        for (int i = 0; i < kModelFrames; ++i) {
+        auto model = makeModel(width, height);
+        for (int i = 0; i < frames; ++i) {
             TestFrame expected = StreamPicture(width, height, i);
             model(expected);
             ASSERT_EQ(FirstDifference(results[static_cast<size_t>(i)], expected), "") << "frame " << i;
         }
         EXPECT_EQ(nextDraw, std::rand()) << "draws of rand";
     }
+}
+
+template <class MakeModel>
+void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel) {
+    ExpectEqualsModel(effect, makeModel, [] {});
 }
 
 #endif
