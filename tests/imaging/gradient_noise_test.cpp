@@ -1,0 +1,178 @@
+// Gradient noise against a plain transcription of its definition.
+//
+// The tables are drawn once in a process, so each test that needs fresh ones runs in a process of its own.
+#include "imaging/GradientNoise.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+struct NoiseModel {
+    int p[514];
+    double g1[514], g2[514][2], g3[514][3];
+
+    NoiseModel() {
+        const auto draw = [] { return (std::rand() % 512 - 256) / 256.0; };
+        for (int i = 0; i < 256; ++i) {
+            p[i] = i;
+            g1[i] = draw();
+            for (double& c : g2[i]) c = draw();
+            const double length2 = std::sqrt(g2[i][0] * g2[i][0] + g2[i][1] * g2[i][1]);
+            for (double& c : g2[i]) c = length2 == 0 ? 0 : c / length2;
+            for (double& c : g3[i]) c = draw();
+            const double length3 = std::sqrt(g3[i][0] * g3[i][0] + g3[i][1] * g3[i][1] + g3[i][2] * g3[i][2]);
+            for (double& c : g3[i]) c = length3 == 0 ? 0 : c / length3;
+        }
+        for (int i = 255; i >= 1; --i) std::swap(p[i], p[std::rand() % 256]);
+        for (int i = 0; i <= 257; ++i) {
+            p[256 + i] = p[i];
+            g1[256 + i] = g1[i];
+            for (int c = 0; c < 2; ++c) g2[256 + i][c] = g2[i][c];
+            for (int c = 0; c < 3; ++c) g3[256 + i][c] = g3[i][c];
+        }
+    }
+
+    static double s(double t) { return t * t * (3 - 2 * t); }
+
+    double Noise2(double x, double y) const {
+        const double tx = x + 4096.0, ty = y + 4096.0;
+        const auto ix = static_cast<int64_t>(tx), iy = static_cast<int64_t>(ty);
+        const auto bx0 = static_cast<int>(ix & 255), by0 = static_cast<int>(iy & 255);
+        const int bx1 = (bx0 + 1) & 255, by1 = (by0 + 1) & 255;
+        const double rx0 = tx - static_cast<double>(ix), rx1 = rx0 - 1.0;
+        const double ry0 = ty - static_cast<double>(iy), ry1 = ry0 - 1.0;
+        const int i = p[bx0], j = p[bx1];
+        const int b00 = p[i + by0], b10 = p[j + by0], b01 = p[i + by1], b11 = p[j + by1];
+        const double sx = s(rx0), sy = s(ry0);
+        double u = rx0 * g2[b00][0] + ry0 * g2[b00][1];
+        double v = rx1 * g2[b10][0] + ry0 * g2[b10][1];
+        const double a = u + sx * (v - u);
+        u = rx0 * g2[b01][0] + ry1 * g2[b01][1];
+        v = rx1 * g2[b11][0] + ry1 * g2[b11][1];
+        const double b = u + sx * (v - u);
+        return a + sy * (b - a);
+    }
+
+    double Noise3(double x, double y, double z) const {
+        const double t[3] = {x + 4096.0, y + 4096.0, z + 4096.0};
+        int lattice[3][2];
+        double r[3][2];
+        for (int k = 0; k < 3; ++k) {
+            const auto whole = static_cast<int64_t>(t[k]);
+            lattice[k][0] = static_cast<int>(whole & 255);
+            lattice[k][1] = (lattice[k][0] + 1) & 255;
+            r[k][0] = t[k] - static_cast<double>(whole);
+            r[k][1] = r[k][0] - 1.0;
+        }
+        const auto dot = [&](int i, int j, int k) {
+            const double* g = g3[p[p[p[lattice[0][i]] + lattice[1][j]] + lattice[2][k]]];
+            return r[0][i] * g[0] + r[1][j] * g[1] + r[2][k] * g[2];
+        };
+        const auto mix = [](double w, double a, double b) { return a + w * (b - a); };
+        double alongY[2];
+        for (int k = 0; k < 2; ++k)
+            alongY[k] = mix(s(r[1][0]), mix(s(r[0][0]), dot(0, 0, k), dot(1, 0, k)),
+                            mix(s(r[0][0]), dot(0, 1, k), dot(1, 1, k)));
+        return mix(s(r[2][0]), alongY[0], alongY[1]);
+    }
+};
+
+/// Ends the process with 0 when all is well, and otherwise with the number of the check that failed.
+[[noreturn]] void CompareWithModel() {
+    std::srand(1234);
+    const NoiseModel model;
+    const int next = std::rand();
+    std::srand(1234);
+    if (Turbulence(1.5, 2.5, 3.5, 2.0, 2.0, 0) != 0.0 || Turbulence(1.5, 2.5, 3.5, 2.0, 2.0, -5) != 0.0)
+        std::exit(1);
+    for (double y = -300; y < 300; y += 7.13)
+        for (double x = -5000; x < 5000; x += 31.7)
+            if (Noise2(x, y) != model.Noise2(x, y)) std::exit(2);
+    if (std::rand() != next) std::exit(3);  // as many draws as the model's, and none without need
+    for (double z = -3; z < 300; z += 41.9)
+        for (double y = -300; y < 300; y += 17.13)
+            for (double x = -300; x < 300; x += 13.7)
+                if (Noise3(x, y, z) != model.Noise3(x, y, z)) std::exit(4);
+    double expected = 0.0, scale = 1.0, x = 0.3, y = 1.7, z = -2.1;
+    for (int i = 0; i < 5; ++i) {
+        expected += model.Noise3(x, y, z) / scale;
+        scale *= 1.9;
+        x *= 2.1;
+        y *= 2.1;
+        z *= 2.1;
+    }
+    if (Turbulence(0.3, 1.7, -2.1, 1.9, 2.1, 5) != expected) std::exit(5);
+    std::exit(0);
+}
+
+/// Turbulence with no octave draws nothing.
+[[noreturn]] void CountDraws() {
+    std::srand(77);
+    const int first = std::rand();
+    std::srand(77);
+    Turbulence(1, 2, 3, 2, 2, 0);
+    std::exit(std::rand() == first ? 0 : 1);
+}
+
+/// Whichever thread comes first, all see one field.
+[[noreturn]] void BuildFromManyThreads() {
+    std::vector<double> values(8);
+    std::vector<std::thread> threads;
+    for (double& value : values) threads.emplace_back([&value] { value = Noise2(0.37, 12.9); });
+    for (std::thread& thread : threads) thread.join();
+    for (const double value : values)
+        if (value != Noise2(0.37, 12.9)) std::exit(1);
+    std::exit(0);
+}
+
+class GradientNoise : public testing::Test {
+  protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+using GradientNoiseDeathTest = GradientNoise;
+
+TEST_F(GradientNoiseDeathTest, MatchesItsDefinition) {
+    EXPECT_EXIT(CompareWithModel(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(GradientNoiseDeathTest, NoOctaveTouchesNoTable) {
+    EXPECT_EXIT(CountDraws(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(GradientNoiseDeathTest, TablesAreBuiltOnce) {
+    EXPECT_EXIT(BuildFromManyThreads(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(GradientNoise, IsZeroOnTheLattice) {
+    for (int y = -20; y < 20; ++y)
+        for (int x = -20; x < 20; ++x) {
+            EXPECT_EQ(Noise2(x, y), 0.0);
+            EXPECT_EQ(Noise3(x, y, x - y), 0.0);
+        }
+}
+
+TEST_F(GradientNoise, RepeatsEvery256Units) {
+    for (double t = 0.125; t < 40; t += 1.125) {
+        EXPECT_EQ(Noise2(t, 2 * t), Noise2(t + 256, 2 * t - 256));
+        EXPECT_EQ(Noise3(t, 2 * t, -t), Noise3(t + 256, 2 * t, -t + 512));
+    }
+}
+
+TEST_F(GradientNoise, SurvivesSenselessCoordinates) {
+    const double inf = std::numeric_limits<double>::infinity();
+    for (const double x : {inf, -inf, std::nan(""), 1e300, -1e300, 9.3e18, -9.3e18, 1e17}) {
+        EXPECT_TRUE(std::isfinite(Noise2(x, 0.5)));
+        EXPECT_TRUE(std::isfinite(Noise3(0.5, x, x)));
+        EXPECT_TRUE(std::isfinite(Turbulence(x, x, x, 2, 2, 3)));
+    }
+}
+
+}  // namespace
