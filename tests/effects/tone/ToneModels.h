@@ -1,4 +1,4 @@
-// Planes as the models of the tone effects use them, and the definitions that two of the models share.
+// Planes as the models of the tone effects use them, on the plain models of the primitives.
 #ifndef SPECIALEFFECTS_TESTS_EFFECTS_TONE_TONEMODELS_H
 #define SPECIALEFFECTS_TESTS_EFFECTS_TONE_TONEMODELS_H
 
@@ -7,7 +7,8 @@
 #include <span>
 #include <vector>
 
-#include "imaging/Plane8u.h"
+#include "tests/imaging/models/GeometryModels.h"
+#include "tests/imaging/models/NeighbourhoodModels.h"
 
 /// Packed rows of bytes.
 struct ModelPlane {
@@ -25,27 +26,23 @@ struct ModelPlane {
     std::vector<uint8_t> pixels;
 };
 
-/// The plain operations on planes, where a model takes one as given.
-inline void ModelResize(ModelPlane src, int cut, ModelPlane& dst) {
+/// `src` without its outermost `cut` pixels, scaled to the whole of `dst`; nothing where none are left.
+inline void ModelResize(const ModelPlane& src, int cut, ModelPlane& dst) {
     const int w = src.width - 2 * cut, h = src.height - 2 * cut;
     if (w < 1 || h < 1 || dst.pixels.empty()) return;
-    CPlane8u to = CPlane8u::Over(dst.pixels.data(), dst.width, dst.height);
-    to.ResizeRegion(CPlane8u::Over(src.pixels.data(), src.width, src.height), w, h, cut, cut);
+    model::PrimResize8uC1(src.pixels.data(), src.width, src.height, src.width, cut, cut, w, h,
+                          dst.pixels.data(), dst.width, dst.width, dst.height, double{1} * dst.width / w,
+                          double{1} * dst.height / h, kPrimLinear);
 }
 
-/// Gaussian of 5 by 5; two pixels at each edge keep what they were.
-inline ModelPlane Softened(const ModelPlane& src) {
-    constexpr uint32_t kWeights[5][5] = {
-        {2, 7, 12, 7, 2}, {7, 31, 52, 31, 7}, {12, 52, 127, 52, 12}, {7, 31, 52, 31, 7}, {2, 7, 12, 7, 2}};
+/// A mask of 5 by 5 over `src`; two pixels at each edge keep what they were.
+template <class Filter>
+ModelPlane Masked5(const ModelPlane& src, Filter filter) {
     ModelPlane dst = src;
-    for (int y = 2; y < src.height - 2; ++y) {
-        for (int x = 2; x < src.width - 2; ++x) {
-            uint32_t sum = 0;
-            for (int j = 0; j < 5; ++j) {
-                for (int i = 0; i < 5; ++i) sum += kWeights[j][i] * src(x + i - 2, y + j - 2);
-            }
-            dst(x, y) = static_cast<uint8_t>(((sum + 286) * 29382) >> 24);
-        }
+    if (src.width > 4 && src.height > 4) {
+        const auto first = static_cast<size_t>(2 * src.width + 2);
+        filter(&src.pixels[first], src.width, &dst.pixels[first], src.width, src.width - 4, src.height - 4,
+               kPrimMask5x5);
     }
     return dst;
 }

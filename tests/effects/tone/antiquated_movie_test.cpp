@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <vector>
 
-#include "tests/support/SideBySide.h"
 #include "tests/effects/tone/ToneModels.h"
 #include "tests/imaging/models/PointModels.h"
 #include "tests/support/EffectDriver.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ class MovieModel {
             uint8_t& pixel = y.pixels[static_cast<size_t>(i)];
             pixel = Clamped(pixel + grain_.pixels[static_cast<size_t>(i + r)]);
         }
-        y = Softened(y);
+        y = Masked5(y, model::PrimFilterGauss8uC1);
         if (vignetting_) Vignette(y);
 
         jitter = std::clamp(jitter + std::rand() % 3 - 1, 0, 10);

@@ -5,8 +5,9 @@
 #include <thread>
 #include <vector>
 
-#include "tests/support/SideBySide.h"
+#include "tests/effects/tone/ToneModels.h"
 #include "tests/support/EffectDriver.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 
@@ -27,38 +28,32 @@ uint8_t Tone(int variant, int luma, int x) {
 
 class ChromeModel {
   public:
-    ChromeModel(int variant, int w, int h)
-        : variant_(variant), w_(w), h_(h), previous_(static_cast<size_t>(w * h)) {}
+    ChromeModel(int variant, int w, int h) : variant_(variant), previous_(w, h) {}
 
     void operator()(TestFrame& frame) {
-        std::vector<uint8_t> y(frame.plane(0).begin(), frame.plane(0).end());
-        std::vector<uint8_t> smooth = y;
-        Lowpass(y, smooth);
-        for (size_t i = 0; i < y.size(); ++i) {
-            if (std::abs(smooth[i] - previous_[i]) < 3) smooth[i] = previous_[i];
+        const int w = frame.width();
+        ModelPlane smooth = Masked5({w, frame.height(), frame.plane(0)}, model::PrimFilterLowpass8uC1);
+        for (size_t i = 0; i < smooth.pixels.size(); ++i) {
+            uint8_t& now = smooth.pixels[i];
+            if (std::abs(now - previous_.pixels[i]) < 3) now = previous_.pixels[i];
         }
         previous_ = smooth;
-        Lowpass(smooth, y);
-        for (int i = 0; i < w_ * h_; ++i) frame.y()[i] = Tone(variant_, y[static_cast<size_t>(i)], i % w_);
+        // What the second pass does not reach is the raw picture, not the smoothed one.
+        const ModelPlane twice = Masked5(smooth, model::PrimFilterLowpass8uC1);
+        for (int y = 0; y < frame.height(); ++y) {
+            for (int x = 0; x < w; ++x) {
+                uint8_t& luma = frame.y()[y * w + x];
+                const bool reached = x >= 2 && y >= 2 && x < w - 2 && y < frame.height() - 2;
+                luma = Tone(variant_, reached ? twice(x, y) : luma, x);
+            }
+        }
         std::fill(frame.plane(1).begin(), frame.plane(1).end(), uint8_t{128});
         std::fill(frame.plane(2).begin(), frame.plane(2).end(), uint8_t{128});
     }
 
   private:
-    void Lowpass(const std::vector<uint8_t>& src, std::vector<uint8_t>& dst) const {
-        for (int y = 2; y < h_ - 2; ++y) {
-            for (int x = 2; x < w_ - 2; ++x) {
-                int sum = 0;
-                for (int k = 0; k < 25; ++k) {
-                    sum += src[static_cast<size_t>((y + k / 5 - 2) * w_ + x + k % 5 - 2)];
-                }
-                dst[static_cast<size_t>(y * w_ + x)] = static_cast<uint8_t>(((sum + 13) * 10485) >> 18);
-            }
-        }
-    }
-
-    int variant_, w_, h_;
-    std::vector<uint8_t> previous_;
+    int variant_;
+    ModelPlane previous_;
 };
 
 class Chrome : public testing::TestWithParam<int> {

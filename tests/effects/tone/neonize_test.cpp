@@ -5,9 +5,9 @@
 #include <functional>
 #include <vector>
 
-#include "tests/support/SideBySide.h"
 #include "tests/effects/tone/ToneModels.h"
 #include "tests/support/EffectDriver.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 
@@ -107,7 +107,7 @@ void NeonizeModel(TestFrame& frame) {
         if (chroma.pixels.empty()) continue;
         ModelResize(chroma, 0, small);
         DrawEdges(small, ChromaLevel);
-        ModelResize(Softened(small), 3, chroma);
+        ModelResize(Masked5(small, model::PrimFilterGauss8uC1), 3, chroma);
         chroma.CopyTo(frame.plane(p));
     }
 }

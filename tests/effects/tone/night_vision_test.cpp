@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "tests/support/SideBySide.h"
 #include "tests/support/EffectDriver.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <vector>
 
-#include "imaging/Plane8u.h"
-#include "tests/support/SideBySide.h"
+#include "tests/effects/tone/ToneModels.h"
 #include "tests/support/EffectDriver.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 
@@ -52,28 +52,25 @@ std::vector<uint8_t> MakeMask(int shape, int w, int h) {
 
 class SpotLightModel {
   public:
-    SpotLightModel(int shape, int w, int h)
-        : luma_(MakeMask(shape, w, h)), chroma_(static_cast<size_t>((w / 2) * (h / 2))) {
-        if (chroma_.empty()) return;
-        CPlane8u half = CPlane8u::Over(chroma_.data(), w / 2, h / 2);
-        ResizePlane(CPlane8u::Over(luma_.data(), w, h), half);
+    SpotLightModel(int shape, int w, int h) : luma_(w, h, MakeMask(shape, w, h)), chroma_(w / 2, h / 2) {
+        ModelResize(luma_, 0, chroma_);
     }
 
     void operator()(TestFrame& frame) const {
-        for (size_t i = 0; i < luma_.size(); ++i) {
-            const int m = luma_[i], y = frame.y()[i];
+        for (size_t i = 0; i < luma_.pixels.size(); ++i) {
+            const int m = luma_.pixels[i], y = frame.y()[i];
             frame.y()[i] =
                 static_cast<uint8_t>(std::clamp(m == 0 ? y - 127 : ((m + 2 * y) >> 1) - 91, 0, 255));
         }
-        for (size_t i = 0; i < chroma_.size(); ++i) {
-            const int c = chroma_[i] * 16 / 255;
+        for (size_t i = 0; i < chroma_.pixels.size(); ++i) {
+            const int c = chroma_.pixels[i] * 16 / 255;
             frame.u()[i] = static_cast<uint8_t>(std::min(frame.u()[i] + c, 255));
             frame.v()[i] = static_cast<uint8_t>(std::min(frame.v()[i] + c, 255));
         }
     }
 
   private:
-    std::vector<uint8_t> luma_, chroma_;
+    ModelPlane luma_, chroma_;
 };
 
 class SpotLight : public testing::TestWithParam<int> {};

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "tests/support/SideBySide.h"
 #include "tests/support/EffectDriver.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 
