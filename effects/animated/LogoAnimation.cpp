@@ -50,8 +50,8 @@ void Effect::Prepare() {
     ObjectsNumber = kCopies;
     MovingAnimation = false;
     Colorize = true;
-    PictureField.reset(std::make_unique<CAnimationFramework>(Width(), Height()).release());
-    TextField.reset(std::make_unique<CAnimationFramework>(Width(), Height()).release());
+    PictureField.reset(new CAnimationFramework(Width(), Height()));
+    TextField.reset(new CAnimationFramework(Width(), Height()));
     CurrentField = PictureField.get();
     Type = kPicture;
     SyncObjects(kCopies);
