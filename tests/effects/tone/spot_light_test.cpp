@@ -69,6 +69,9 @@ class SpotLightModel {
         }
     }
 
+    const ModelPlane& luma() const { return luma_; }
+    const ModelPlane& chroma() const { return chroma_; }
+
   private:
     ModelPlane luma_, chroma_;
 };
@@ -166,6 +169,16 @@ TEST(SpotLightMask, RoundLightFadesFromTheCentreToTheUpperCorners) {
     EXPECT_LE(mask[0], 1);
     EXPECT_LE(mask[639], 1);
     EXPECT_GT(mask[479 * 640], mask[0]);
+}
+
+TEST(SpotLightMask, TheComparedMasksHoldEveryValue) {
+    // The round light leaves out 0, which the beams have.
+    const SpotLightModel model(0, 640, 480);
+    for (const ModelPlane* mask : {&model.luma(), &model.chroma()}) {
+        for (int m = 1; m < 256; ++m) {
+            ASSERT_NE(std::ranges::find(mask->pixels, static_cast<uint8_t>(m)), mask->pixels.end()) << m;
+        }
+    }
 }
 
 TEST(SpotLightMask, BeamsHaveADarkEdge) {
