@@ -74,24 +74,32 @@ std::array<double, 4> CubicWeights(double f) {
             ((4.0 - 3.0 * f) * f + 1.0) * f * 0.5, (f - 1.0) * f * f * 0.5};
 }
 
-/// Samples past the edge of the region repeat the edge.
+/// Mixes the four rows first, then the four columns. Samples past the edge of the region repeat the edge.
 uint8_t SampleCubic(const Source& source, double x, double y) {
+    const Roi& roi = source.roi;
     const auto left = static_cast<int32_t>(x);
     const auto top = static_cast<int32_t>(y);
     const std::array<double, 4> wx = CubicWeights(x - left);
     const std::array<double, 4> wy = CubicWeights(y - top);
-    std::array<int32_t, 4> columns{};
-    for (int32_t i = 0; i < 4; ++i)
-        columns[static_cast<size_t>(i)] = std::clamp(left - 1 + i, source.roi.x0(), source.roi.x1());
-    double sum = 0.0;
-    for (int32_t j = 0; j < 4; ++j) {
-        const uint8_t* const row =
-            RowAt(source.data, source.step, std::clamp(top - 1 + j, source.roi.y0(), source.roi.y1()));
-        double along = 0.0;
-        for (size_t i = 0; i < 4; ++i) along += wx[i] * row[columns[i]];
-        sum += wy[static_cast<size_t>(j)] * along;
+    std::array<double, 4> columns{};
+    if (left > roi.x0() && top > roi.y0() && left + 2 <= roi.x1() && top + 2 <= roi.y1()) {
+        const uint8_t* const r0 = RowAt(source.data, source.step, top - 1) + (left - 1);
+        const uint8_t* const r1 = r0 + source.step;
+        const uint8_t* const r2 = r1 + source.step;
+        const uint8_t* const r3 = r2 + source.step;
+        for (size_t i = 0; i < 4; ++i)
+            columns[i] = wy[0] * r0[i] + wy[1] * r1[i] + wy[2] * r2[i] + wy[3] * r3[i];
+    } else {
+        const auto row = [&](int32_t j) {
+            return RowAt(source.data, source.step, std::clamp(top + j, roi.y0(), roi.y1()));
+        };
+        for (int32_t i = 0; i < 4; ++i) {
+            const int32_t column = std::clamp(left - 1 + i, roi.x0(), roi.x1());
+            columns[static_cast<size_t>(i)] = wy[0] * row(-1)[column] + wy[1] * row(0)[column] +
+                                              wy[2] * row(1)[column] + wy[3] * row(2)[column];
+        }
     }
-    return RoundToByte(sum);
+    return RoundToByte(wx[0] * columns[0] + wx[1] * columns[1] + wx[2] * columns[2] + wx[3] * columns[3]);
 }
 
 /// The way back from a destination pixel to the source.
@@ -141,9 +149,10 @@ void RotateInto(const Roi& source, uint8_t* dst, int32_t dstStep, const Roi& roi
             const double y = map.SourceY(dx, dy);
             if (!(x >= left && x <= right && y >= top && y <= bottom)) continue;
             const uint8_t value = sample(x, y);
-            if (softEdge) {
-                const double weight =
-                    std::min({x - left, right - x, 1.0}) * std::min({y - top, bottom - y, 1.0});
+            const double depth = std::min(std::min(x - left, right - x), std::min(y - top, bottom - y));
+            if (softEdge && depth < 1.0) {
+                const double weight = std::min(std::min(x - left, right - x), 1.0) *
+                                      std::min(std::min(y - top, bottom - y), 1.0);
                 out[column] = RoundToByte(out[column] + (value - out[column]) * weight);
             } else {
                 out[column] = value;

@@ -1,102 +1,226 @@
-// Scaling with Lanczos' window of six taps.
+// Scaling with Lanczos' window: six samples in each direction, in single precision.
+//
+// Source rows are scaled along x into lines of floats, and each destination row is mixed from six lines. A
+// line is made once and kept in a ring while destination rows use it. Sums run over the samples in rising
+// order.
+//
+// Line buffers and tables are padded to whole blocks of columns; what the padding holds is computed and never
+// shown.
 #include <array>
 #include <cmath>
+#include <cstring>
 
+#include "imaging/Multiversion.h"
 #include "imaging/PrimRoi.h"
 #include "imaging/ResizeAxis.h"
+#include "imaging/Simd.h"
 
 namespace resize {
 namespace {
 
 using prim::RowAt;
 
-constexpr int kTaps = 6;  // at the offsets -2 to 3 from the sample before the position
+// Taps at the offsets -2 to 3 from the sample before the position.
+constexpr int32_t kTaps = 6;
+constexpr int32_t kTapsBefore = 2;
+constexpr int32_t kTapsBehind = 3;
 
-using LanczosWeights = std::array<float, kTaps>;
+constexpr int32_t kBlock = 8;    // columns that are scaled at once
+constexpr int32_t kWindow = 16;  // source bytes that one shuffle reaches
 
-/// The window's value at 0.00, 0.01, ... 3.00.
-const std::array<float, 301>& LanczosTable() {
+using Weights = std::array<float, kTaps>;
+
+/// The window at 0.00, 0.01, ... 3.00.
+const std::array<float, 301>& WindowTable() {
     static const std::array<float, 301> table = [] {
         constexpr double pi = 3.14159265358979323846;
         const auto sinc = [](double t) { return t == 0.0 ? 1.0 : std::sin(pi * t) / (pi * t); };
-        std::array<float, 301> values{};
-        for (size_t i = 0; i < values.size(); ++i) {
+        std::array<float, 301> values{};  // the last entry stays 0
+        for (size_t i = 0; i + 1 < values.size(); ++i) {
             const double d = static_cast<double>(i) / 100.0;
-            values[i] = i < 300 ? static_cast<float>(sinc(d) * sinc(d / 3.0)) : 0.0f;
+            values[i] = static_cast<float>(sinc(d) * sinc(d / 3.0));
         }
         return values;
     }();
     return table;
 }
 
-double LanczosWindow(double distance) {
-    const std::array<float, 301>& table = LanczosTable();
-    const double position = std::fabs(distance) * 100.0;
-    if (position >= 300.0) return 0.0;
-    const auto i = static_cast<size_t>(position);
-    return table[i] + (position - static_cast<double>(i)) * (table[i + 1] - table[i]);
-}
-
-LanczosWeights WeightsAt(double fraction) {
+/// The weights of the taps around a position; their sum is 1.
+Weights WeightsAt(double fraction) {
+    const std::array<float, 301>& table = WindowTable();
     std::array<double, kTaps> raw{};
     double sum = 0.0;
-    for (int t = 0; t < kTaps; ++t) {
-        raw[static_cast<size_t>(t)] = LanczosWindow(t - 2 - fraction);
-        sum += raw[static_cast<size_t>(t)];
+    for (int32_t t = 0; t < kTaps; ++t) {
+        const double position = std::fabs(t - kTapsBefore - fraction) * 100.0;
+        const auto i = static_cast<size_t>(position);
+        double& weight = raw[static_cast<size_t>(t)];
+        if (position < 300.0)
+            weight = table[i] + (position - static_cast<double>(i)) * (table[i + 1] - table[i]);
+        sum += weight;
     }
-    LanczosWeights weights{};
+    Weights weights{};
     for (size_t t = 0; t < kTaps; ++t) weights[t] = static_cast<float>(raw[t] / sum);
     return weights;
 }
 
-struct LanczosColumn {
-    int32_t first;  // leftmost tap; may lie outside the row
-    LanczosWeights weights;
+/// Where the columns of a destination row come from. Positions are those of a row that starts two pixels
+/// further left: the first tap of a column lies at its sample.
+class ColumnTable {
+  public:
+    explicit ColumnTable(const Axis& axis)
+        : count_(axis.count),
+          blockCount_((axis.count + kBlock - 1) / kBlock),
+          blocks_(static_cast<size_t>(blockCount_)) {
+        if (!blocks_) return;
+        std::array<int32_t, kBlock> samples{};
+        for (int32_t b = 0; b < blockCount_; ++b) {
+            Block& block = blocks_[static_cast<size_t>(b)];
+            for (int32_t i = 0; i < kBlock; ++i) {
+                const auto [sample, fraction] = axis.Interpolated(std::min(b * kBlock + i, count_ - 1));
+                samples[static_cast<size_t>(i)] = sample;
+                const Weights weights = WeightsAt(fraction);
+                for (size_t t = 0; t < kTaps; ++t) block.weights[t][static_cast<size_t>(i)] = weights[t];
+            }
+            Lay(block, samples);
+        }
+    }
+
+    explicit operator bool() const { return static_cast<bool>(blocks_); }
+
+    /// Scales a row whose edges have been repeated.
+    void ScalePlain(const uint8_t* row, float* line) {
+        for (int32_t b = 0; b < blockCount_; ++b) {
+            const Block& block = blocks_[static_cast<size_t>(b)];
+            for (size_t i = 0; i < kBlock; ++i) {
+                const uint8_t* const taps = row + block.samples[i];
+                float sum = 0.0f;
+                for (size_t t = 0; t < kTaps; ++t) sum += block.weights[t][i] * static_cast<float>(taps[t]);
+                line[static_cast<size_t>(b) * kBlock + i] = sum;
+            }
+        }
+    }
+
+#if SE_AVX2
+    /// The same; columns that lie too far apart for two shuffles are left to the plain form.
+    SE_TARGET_AVX2 void ScaleAvx2(const uint8_t* row, float* line) {
+        if (!shuffles_) {
+            ScalePlain(row, line);
+            return;
+        }
+        const Block* block = blocks_.data();
+        for (int32_t b = 0; b < blockCount_; ++b, ++block, line += kBlock) {
+            const uint8_t* const first = row + block->samples[0];
+            const __m128i near = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first));
+            const __m128i far = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + kWindow));
+            __m256 sum = _mm256_setzero_ps();
+            for (size_t pair = 0; pair < kTaps / 2; ++pair) {
+                const auto& picks = block->picks[pair];
+                __m128i bytes = _mm_shuffle_epi8(near, Load(picks.near));
+                bytes = _mm_or_si128(bytes, _mm_shuffle_epi8(far, Load(picks.far)));
+                sum = _mm256_add_ps(sum, Weigh(bytes, block->weights[2 * pair]));
+                sum = _mm256_add_ps(sum, Weigh(_mm_srli_si128(bytes, 8), block->weights[2 * pair + 1]));
+            }
+            _mm256_store_ps(line, sum);
+        }
+    }
+#endif
+
+  private:
+    struct Block {
+        alignas(32) std::array<std::array<float, kBlock>, kTaps> weights;
+        /// For two taps at a time: which of the bytes near the first sample, and of those behind them, the
+        /// eight columns take; 0x80 where a column takes the other.
+        struct Picks {
+            alignas(16) std::array<uint8_t, 16> near, far;
+        };
+        std::array<Picks, kTaps / 2> picks;
+        std::array<int32_t, kBlock> samples;
+    };
+
+    void Lay(Block& block, const std::array<int32_t, kBlock>& samples) {
+        constexpr uint8_t kNothing = 0x80;
+        block.samples = samples;
+        for (int32_t t = 0; t < kTaps; ++t)
+            for (int32_t i = 0; i < kBlock; ++i) {
+                const int32_t x = samples[static_cast<size_t>(i)] - samples[0] + t;
+                const auto at = static_cast<size_t>(t % 2 * kBlock + i);
+                Block::Picks& picks = block.picks[static_cast<size_t>(t / 2)];
+                picks.near[at] = x < kWindow ? static_cast<uint8_t>(x) : kNothing;
+                picks.far[at] = x < kWindow ? kNothing : static_cast<uint8_t>(x - kWindow);
+                if (x >= 2 * kWindow) shuffles_ = false;
+            }
+    }
+
+#if SE_AVX2
+    SE_TARGET_AVX2 static __m128i Load(const std::array<uint8_t, 16>& bytes) {
+        return _mm_load_si128(reinterpret_cast<const __m128i*>(bytes.data()));
+    }
+
+    /// Eight products of the low bytes.
+    SE_TARGET_AVX2 static __m256 Weigh(__m128i bytes, const std::array<float, kBlock>& weights) {
+        return _mm256_mul_ps(_mm256_load_ps(weights.data()), _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(bytes)));
+    }
+#endif
+
+    int32_t count_, blockCount_;
+    bool shuffles_ = true;
+    Buffer<Block> blocks_;
 };
+
+/// Mixes six lines into a destination row.
+SE_MULTIVERSION
+void MixLines(const std::array<const float*, kTaps>& lines, const Weights& weights, uint8_t* SE_RESTRICT out,
+              int32_t count) {
+    const float *l0 = lines[0], *l1 = lines[1], *l2 = lines[2], *l3 = lines[3], *l4 = lines[4],
+                *l5 = lines[5];
+    const float w0 = weights[0], w1 = weights[1], w2 = weights[2], w3 = weights[3], w4 = weights[4],
+                w5 = weights[5];
+    for (int32_t k = 0; k < count; ++k) {
+        const float sum = w0 * l0[k] + w1 * l1[k] + w2 * l2[k] + w3 * l3[k] + w4 * l4[k] + w5 * l5[k] + 0.5f;
+        const float notBelow = sum > 0.0f ? sum : 0.0f;
+        out[k] = static_cast<uint8_t>(static_cast<int32_t>(notBelow < 255.0f ? notBelow : 255.0f));
+    }
+}
 
 }  // namespace
 
 PrimStatus Lanczos(const Image& image) {
-    const auto count = static_cast<size_t>(image.x.count);
-    Buffer<LanczosColumn> table(count);
-    Buffer<float> lines(kTaps * count);
-    if (!table || !lines) return kPrimMemoryError;
-    LanczosColumn* const columns = table.data();
-    for (int32_t k = 0; k < image.x.count; ++k) {
-        const auto [sample, fraction] = image.x.Interpolated(k);
-        columns[k] = {sample - 2, WeightsAt(fraction)};
-    }
+    const size_t stride = (static_cast<size_t>(image.x.count) + kBlock - 1) / kBlock * kBlock;
+    const auto length = static_cast<size_t>(image.x.length);
+    // Behind the repeated edge the shuffles read on without use.
+    Buffer<uint8_t> padded(kTapsBefore + length + kTapsBehind + 2 * kWindow);
+    Buffer<float> lines(kTaps * stride);
+    ColumnTable columns(image.x);
+    if (!padded || !lines || !columns) return kPrimMemoryError;
+    std::memset(padded.data(), 0, kTapsBefore + length + kTapsBehind + 2 * kWindow);
 
     std::array<int32_t, kTaps> held;
     held.fill(-1);
-    const auto scaledRow = [&](int32_t i) {
-        const auto slot = static_cast<size_t>(i % kTaps);
-        float* const line = lines.data() + slot * count;
-        if (held[slot] == i) return line;
-        held[slot] = i;
-        const uint8_t* const row = RowAt(image.src, image.srcStep, i);
-        for (int32_t k = 0; k < image.x.count; ++k) {
-            float sum = 0.0f;
-            for (int32_t t = 0; t < kTaps; ++t) {
-                const int32_t x = std::clamp(columns[k].first + t, 0, image.x.length - 1);
-                sum += columns[k].weights[static_cast<size_t>(t)] * static_cast<float>(row[x]);
-            }
-            line[k] = sum;
+    const auto lineOf = [&](int32_t y) {
+        const auto slot = static_cast<size_t>(y % kTaps);
+        float* const line = lines.data() + slot * stride;
+        if (held[slot] == y) return line;
+        held[slot] = y;
+        const uint8_t* const row = RowAt(image.src, image.srcStep, y);
+        std::memset(padded.data(), row[0], kTapsBefore);
+        std::memcpy(padded.data() + kTapsBefore, row, length);
+        std::memset(padded.data() + kTapsBefore + length, row[length - 1], kTapsBehind);
+#if SE_AVX2
+        if (simd::HasAvx2()) {
+            columns.ScaleAvx2(padded.data(), line);
+            return line;
         }
+#endif
+        columns.ScalePlain(padded.data(), line);
         return line;
     };
     for (int32_t y = 0; y < image.y.count; ++y) {
         const auto [sample, fraction] = image.y.Interpolated(y);
-        const LanczosWeights weights = WeightsAt(fraction);
-        std::array<const float*, kTaps> rows{};
+        std::array<const float*, kTaps> taps{};
         for (int32_t t = 0; t < kTaps; ++t)
-            rows[static_cast<size_t>(t)] = scaledRow(std::clamp(sample - 2 + t, 0, image.y.length - 1));
-        uint8_t* const out = RowAt(image.dst, image.dstStep, y);
-        for (int32_t k = 0; k < image.x.count; ++k) {
-            float sum = 0.0f;
-            for (size_t t = 0; t < kTaps; ++t) sum += weights[t] * rows[t][k];
-            out[k] = static_cast<uint8_t>(std::clamp(sum + 0.5f, 0.0f, 255.0f));
-        }
+            taps[static_cast<size_t>(t)] =
+                lineOf(std::clamp(sample - kTapsBefore + t, 0, image.y.length - 1));
+        MixLines(taps, WeightsAt(fraction), RowAt(image.dst, image.dstStep, y), image.x.count);
     }
     return kPrimOk;
 }

@@ -273,12 +273,12 @@ inline PrimStatus PrimRotate8uC1(const uint8_t* src, int32_t srcWidth, int32_t s
             const double lower = p(ix, iy + 1) + (p(ix + 1, iy + 1) - p(ix, iy + 1)) * fx;
             value = upper + (lower - upper) * fy;
         } else {
-            std::array<double, 4> rows{};
-            for (int32_t j = 0; j < 4; ++j) {
-                rows[static_cast<size_t>(j)] = cubic(fx, p(ix - 1, iy - 1 + j), p(ix, iy - 1 + j),
-                                                     p(ix + 1, iy - 1 + j), p(ix + 2, iy - 1 + j));
+            std::array<double, 4> columns{};
+            for (int32_t i = 0; i < 4; ++i) {
+                columns[static_cast<size_t>(i)] = cubic(fy, p(ix - 1 + i, iy - 1), p(ix - 1 + i, iy),
+                                                        p(ix - 1 + i, iy + 1), p(ix - 1 + i, iy + 2));
             }
-            value = cubic(fy, rows[0], rows[1], rows[2], rows[3]);
+            value = cubic(fx, columns[0], columns[1], columns[2], columns[3]);
         }
         const auto round = [](double v) { return Sat8(static_cast<int64_t>(std::floor(v + 0.5))); };
         uint8_t& out = At(dst, dstStep, dstRoiX + column, dstRoiY + row);
