@@ -252,9 +252,12 @@ PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeigh
 /// Rotates by `angle` degrees and shifts: x' = x cos a + y sin a + xShift, y' = -x sin a + y cos a + yShift,
 /// with (x, y) in the source and (x', y') in the destination, both from the image origin. A destination pixel
 /// of the destination region whose source position lies inside the source region is sampled; the others keep
-/// their value. `interpolation` is kPrimNearest, kPrimLinear or kPrimCubic, with kPrimSmoothEdge added where
-/// the outline is to be blended with what lies under it. A multiple of 90 with whole shifts is an exact
-/// permutation of pixels.
+/// their value. `interpolation` is kPrimNearest, kPrimLinear or kPrimCubic (Catmull and Rom's, edges
+/// repeated), with kPrimSmoothEdge added where the outline is to be blended with what lies under it: the
+/// picture's weight is then the product of two ramps, along x and y, from 0 on the source region's outermost
+/// samples to 1 one sample further in. A multiple of 90 with whole shifts is an exact permutation of pixels,
+/// without blending. An angle or a shift that is not finite samples nothing. Checks in the order null, sizes
+/// and negative origins, steps, mode, region.
 PrimStatus PrimRotate8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStep,
                           int32_t srcRoiX, int32_t srcRoiY, int32_t srcRoiWidth, int32_t srcRoiHeight,
                           uint8_t* dst, int32_t dstStep, int32_t dstRoiX, int32_t dstRoiY,
