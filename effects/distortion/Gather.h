@@ -1,4 +1,4 @@
-// Pixels through a table of source indices.
+// Planes bent through fixed maps.
 #ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_GATHER_H
 #define SPECIALEFFECTS_EFFECTS_DISTORTION_GATHER_H
 
@@ -7,20 +7,22 @@
 #include <cstring>
 #include <vector>
 
-/// Stands in a table for a pixel that keeps its value.
-inline constexpr uint32_t kKeepPixel = 0xFFFFFFFF;
+#include "framework/StreamRules.h"
+#include "imaging/IndexGather.h"
+#include "imaging/Plane8u.h"
 
-/// dst[i] = src[indices[i]] for every entry that is not kKeepPixel.
-inline void GatherPixels(const std::vector<uint32_t>& indices, const uint8_t* src, uint8_t* dst) {
-    for (size_t i = 0; i < indices.size(); ++i) {
-        if (indices[i] != kKeepPixel) dst[i] = src[indices[i]];
-    }
+/// The map of a picture onto itself; `indices` has one entry for each pixel.
+inline CGatherMap MakeGatherMap(const std::vector<uint32_t>& indices, int32_t width, int32_t pixelBytes = 1) {
+    CGatherMap map;
+    map.Build(indices, width, indices.size(), pixelBytes);
+    return map;
 }
 
-/// The same on one plane, by way of a copy in `scratch`.
-inline void GatherInPlace(const std::vector<uint32_t>& indices, uint8_t* plane, uint8_t* scratch) {
-    std::memcpy(scratch, plane, indices.size());
-    GatherPixels(indices, scratch, plane);
+/// Bends a plane by way of a copy in `scratch`, which is no smaller.
+inline void GatherInPlace(const CGatherMap& map, const FramePlane& plane, CPlane8u& scratch) {
+    std::memcpy(scratch.data, plane.data,
+                static_cast<size_t>(plane.width) * static_cast<size_t>(plane.height));
+    map.Apply(scratch.data, plane.data);
 }
 
 #endif

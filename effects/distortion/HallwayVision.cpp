@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <vector>
 
 #include "effects/distortion/Gather.h"
 #include "effects/distortion/RemapTable.h"
@@ -27,7 +28,7 @@ struct Bend {
 };
 
 /// Whole offsets, from a whole centre. Only the flat index is held inside the plane, not its column.
-std::vector<uint32_t> BuildIndices(int32_t width, int32_t height) {
+CGatherMap BuildMap(int32_t width, int32_t height) {
     const int32_t hw = width / 2, hh = height / 2, R2 = hh * hh, count = width * height;
     std::vector<uint32_t> indices(static_cast<size_t>(count));
     for (int32_t y = 0; y < height; ++y) {
@@ -45,7 +46,7 @@ std::vector<uint32_t> BuildIndices(int32_t width, int32_t height) {
                 static_cast<uint32_t>(source >= 0 && source < count ? source : self);
         }
     }
-    return indices;
+    return MakeGatherMap(indices, width);
 }
 
 /// The same between the pixels: a table of coordinates.
@@ -88,29 +89,30 @@ void CHallwayVisionSpecialEffectFilter::Prepare() {
     const int32_t width = Width(), height = Height();
     Scratch = NewPlane(width, height);
     if (UseIndexTable) {
-        IndexFull = BuildIndices(width, height);
-        IndexHalf = BuildIndices(width / 2, height / 2);
+        IndexFull = BuildMap(width, height);
+        IndexHalf = BuildMap(width / 2, height / 2);
     } else {
         LumaWarp = WithTable(width, height, [](const RemapTable& table) { return CLinearWarp(table); });
-        IndexHalf =
-            WithTable(width / 2, height / 2, [](const RemapTable& table) { return table.NearestIndices(); });
+        IndexHalf = WithTable(width / 2, height / 2, [](const RemapTable& table) {
+            return MakeGatherMap(table.NearestIndices(), table.width);
+        });
     }
 }
 
 void CHallwayVisionSpecialEffectFilter::Release() {
     Scratch.Release();
-    IndexFull = {};
-    IndexHalf = {};
+    IndexFull.Release();
+    IndexHalf.Release();
     LumaWarp = {};
 }
 
 void CHallwayVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     if (UseIndexTable) {
-        GatherInPlace(IndexFull, frame.y.data, Scratch.data);
+        GatherInPlace(IndexFull, frame.y, Scratch);
     } else {
         std::memcpy(Scratch.data, frame.y.data, Scratch.Size());
         LumaWarp.Apply(Scratch.data, frame.y.data);
     }
-    GatherInPlace(IndexHalf, frame.u.data, Scratch.data);
-    GatherInPlace(IndexHalf, frame.v.data, Scratch.data);
+    GatherInPlace(IndexHalf, frame.u, Scratch);
+    GatherInPlace(IndexHalf, frame.v, Scratch);
 }

@@ -2,10 +2,9 @@
 #ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_HALLWAYVISION_H
 #define SPECIALEFFECTS_EFFECTS_DISTORTION_HALLWAYVISION_H
 
-#include <vector>
-
 #include "effects/distortion/LinearWarp.h"
 #include "framework/EffectBase.h"
+#include "imaging/IndexGather.h"
 #include "imaging/Plane8u.h"
 
 /// Inside a circle as high as the frame the picture is squeezed towards the centre. The mapping is built once
@@ -24,9 +23,9 @@ class CHallwayVisionSpecialEffectFilter final : public PlanarEffect<CHallwayVisi
   private:
     bool UseIndexTable;
     CPlane8u Scratch;
-    std::vector<uint32_t> IndexFull;  ///< luma, when there is no interpolation
-    std::vector<uint32_t> IndexHalf;  ///< chroma
-    CLinearWarp LumaWarp;             ///< luma, interpolated
+    CGatherMap IndexFull;  ///< luma, when there is no interpolation
+    CGatherMap IndexHalf;  ///< chroma
+    CLinearWarp LumaWarp;  ///< luma, interpolated
 };
 
 #endif

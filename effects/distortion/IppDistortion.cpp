@@ -29,18 +29,19 @@ ResultCode CSpecialEffectFilter_IppDistortion::Configure(StreamDescription* desc
     std::vector<uint8_t> scratch(planar ? pixels : 3 * pixels);
     if (planar) {
         scratch.resize(pixels + 2 * chromaPixels, 128);
-        HalfMap = BuildIndices(Stream.Width / 2, Stream.Height / 2);
+        HalfMap = BuildMap(Stream.Width / 2, Stream.Height / 2, 1);
     }
-    FullMap = BuildIndices(Stream.Width, Stream.Height);
+    FullMap = BuildMap(Stream.Width, Stream.Height, planar ? 1 : 3);
     Scratch = std::move(scratch);
     return kSuccess;
 }
 
-std::vector<uint32_t> CSpecialEffectFilter_IppDistortion::BuildIndices(int32_t width, int32_t height) {
+CGatherMap CSpecialEffectFilter_IppDistortion::BuildMap(int32_t width, int32_t height, int32_t pixelBytes) {
     const size_t count = PixelCount(width, height);
     std::vector<float> xMap(count), yMap(count);
     BuildRemapTable(xMap.data(), yMap.data(), width, height);
-    return RemapTable{xMap.data(), yMap.data(), width, height}.NearestIndices();
+    return MakeGatherMap(RemapTable{xMap.data(), yMap.data(), width, height}.NearestIndices(), width,
+                         pixelBytes);
 }
 
 ResultCode CSpecialEffectFilter_IppDistortion::ProcessFrame(FrameRecord* frame) {
@@ -62,10 +63,11 @@ ResultCode CSpecialEffectFilter_IppDistortion::ProcessFrame(FrameRecord* frame) 
 void CSpecialEffectFilter_IppDistortion::ProcessPlanar(const ImageRecord& image) {
     const PlanarFrame frame(image, Stream);
     uint8_t* bent = Scratch.data();
-    const auto bend = [&bent](const std::vector<uint32_t>& map, const FramePlane& plane) {
-        GatherPixels(map, plane.data, bent);
-        std::memcpy(plane.data, bent, std::min(map.size(), static_cast<size_t>(std::max(plane.size, 0))));
-        bent += map.size();
+    const auto bend = [&bent](const CGatherMap& map, const FramePlane& plane) {
+        const size_t pixels = PixelCount(plane.width, plane.height);
+        map.Apply(plane.data, bent);
+        std::memcpy(plane.data, bent, std::min(pixels, static_cast<size_t>(std::max(plane.size, 0))));
+        bent += pixels;
     };
     bend(FullMap, frame.y);
     bend(HalfMap, frame.u);
@@ -73,17 +75,13 @@ void CSpecialEffectFilter_IppDistortion::ProcessPlanar(const ImageRecord& image)
 }
 
 void CSpecialEffectFilter_IppDistortion::ProcessPacked(uint8_t* pixels) {
-    uint8_t* bent = Scratch.data();
-    for (const uint32_t index : FullMap) {
-        if (index != kKeepPixel) std::memcpy(bent, pixels + 3 * size_t{index}, 3);
-        bent += 3;
-    }
+    FullMap.Apply(pixels, Scratch.data());
     std::memcpy(pixels, Scratch.data(), Scratch.size());
 }
 
 ResultCode CSpecialEffectFilter_IppDistortion::Shutdown() {
-    HalfMap = {};
-    FullMap = {};
+    HalfMap.Release();
+    FullMap.Release();
     Scratch = {};
     return kSuccess;
 }

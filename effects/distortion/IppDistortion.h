@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "framework/SpecialEffectFilter.h"
+#include "imaging/IndexGather.h"
 
 /// An effect says where each pixel comes from, `BuildRemapTable`; the base asks it once for each stream and
 /// moves the pixels of every frame, planar or packed. Each takes the nearest source pixel: no interpolation.
@@ -33,15 +34,14 @@ class CSpecialEffectFilter_IppDistortion : public CSpecialEffectFilter {
     const StreamDescription* ReadyStream() const { return Scratch.empty() ? nullptr : &Stream; }
 
   private:
-    /// The table as indices of source pixels.
-    std::vector<uint32_t> BuildIndices(int32_t width, int32_t height);
+    CGatherMap BuildMap(int32_t width, int32_t height, int32_t pixelBytes);
 
     void ProcessPlanar(const ImageRecord& image);
     void ProcessPacked(uint8_t* pixels);
 
-    std::vector<uint32_t> HalfMap;  ///< for the chroma planes
-    std::vector<uint32_t> FullMap;  ///< for luma, or for packed pixels
-    std::vector<uint8_t> Scratch;   ///< the bent picture, plane after plane
+    CGatherMap HalfMap;            ///< for the chroma planes
+    CGatherMap FullMap;            ///< for luma, or for packed pixels
+    std::vector<uint8_t> Scratch;  ///< the bent picture, plane after plane
     StreamDescription Stream{};
 };
 

@@ -1,6 +1,7 @@
 #include "effects/distortion/Twirl.h"
 
 #include <cmath>
+#include <vector>
 
 #include "effects/distortion/Gather.h"
 
@@ -15,17 +16,17 @@ void CTwirlSpecialEffectFilter::Prepare() {
 
 void CTwirlSpecialEffectFilter::Release() {
     Scratch.Release();
-    LumaMap = {};
-    ChromaMap = {};
+    LumaMap.Release();
+    ChromaMap.Release();
 }
 
 // Only the flat index of a source is held inside the plane, not its column: a column beyond the edge lands on
 // the neighbouring row. In the whole-frame twirl this wrap belongs to the look of the effect.
-std::vector<uint32_t> CTwirlSpecialEffectFilter::BuildMap(int32_t width, int32_t height) const {
+CGatherMap CTwirlSpecialEffectFilter::BuildMap(int32_t width, int32_t height) const {
     const int32_t hw = width / 2, hh = height / 2;
     const double radius = Mode == kDisc ? hh : std::sqrt(static_cast<double>(hw * hw + hh * hh));
     const int32_t count = width * height;
-    std::vector<uint32_t> map(static_cast<size_t>(count));
+    std::vector<uint32_t> sources(static_cast<size_t>(count));
     for (int32_t y = 0; y < height; ++y) {
         for (int32_t x = 0; x < width; ++x) {
             const int32_t dx = x - hw, dy = y - hh, self = y * width + x;
@@ -36,15 +37,15 @@ std::vector<uint32_t> CTwirlSpecialEffectFilter::BuildMap(int32_t width, int32_t
                 source = static_cast<int32_t>(std::sin(t) * r + hh) * width +
                          static_cast<int32_t>(std::cos(t) * r + hw);
             }
-            map[static_cast<size_t>(self)] =
+            sources[static_cast<size_t>(self)] =
                 static_cast<uint32_t>(source >= 0 && source < count ? source : self);
         }
     }
-    return map;
+    return MakeGatherMap(sources, width);
 }
 
 void CTwirlSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    GatherInPlace(LumaMap, frame.y.data, Scratch.data);
-    GatherInPlace(ChromaMap, frame.u.data, Scratch.data);
-    GatherInPlace(ChromaMap, frame.v.data, Scratch.data);
+    GatherInPlace(LumaMap, frame.y, Scratch);
+    GatherInPlace(ChromaMap, frame.u, Scratch);
+    GatherInPlace(ChromaMap, frame.v, Scratch);
 }

@@ -2,9 +2,8 @@
 #ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_TWIRL_H
 #define SPECIALEFFECTS_EFFECTS_DISTORTION_TWIRL_H
 
-#include <vector>
-
 #include "framework/EffectBase.h"
+#include "imaging/IndexGather.h"
 #include "imaging/Plane8u.h"
 
 /// The mapping is built once for each stream; a frame costs one look-up a pixel.
@@ -23,11 +22,11 @@ class CTwirlSpecialEffectFilter final : public PlanarEffect<CTwirlSpecialEffectF
   private:
     enum : int32_t { kDisc = 0, kWholeFrame = 1 };
 
-    std::vector<uint32_t> BuildMap(int32_t width, int32_t height) const;
+    CGatherMap BuildMap(int32_t width, int32_t height) const;
 
     int32_t Mode;
     CPlane8u Scratch;
-    std::vector<uint32_t> LumaMap, ChromaMap;
+    CGatherMap LumaMap, ChromaMap;
     double Angle;
 };
 
