@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "imaging/Prim.h"
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 

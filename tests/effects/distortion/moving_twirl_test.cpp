@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "tests/effects/tone/SideBySide.h"
+#include "tests/support/SideBySide.h"
 
 namespace {
 

@@ -12,13 +12,7 @@
 
 #include "effects/distortion/IppDistortion.h"
 #include "imaging/Prim.h"
-#include "tests/support/EffectDriver.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr int kModelFrames = 5;
-#else
-inline constexpr int kModelFrames = 20;
-#endif
+#include "tests/support/SideBySide.h"
 
 using TableMaker = std::function<void(float* xMap, float* yMap, int width, int height)>;
 
