@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 
 #include "imaging/Multiversion.h"
 
@@ -41,14 +42,30 @@ const ShadeTable& Shades() {
     return table;
 }
 
-/// Lights the slopes of `src`, whose pixels are 0 to kDark. Both ends of that range are flat.
+/// Flat are both ends of the range: the plaster itself and the dark part.
+SE_INLINE bool IsFlat(uint8_t height) {
+    return height == 0 || height == kDark;
+}
+
+SE_INLINE bool AllFlat(const uint8_t* row, ptrdiff_t count) {
+    uint8_t slopes = 0;
+    for (ptrdiff_t x = 0; x < count; ++x) slopes = static_cast<uint8_t>(slopes | (IsFlat(row[x]) ? 0 : 1));
+    return slopes == 0;
+}
+
+/// Lights the slopes of a row, whose pixels and neighbours are 0 to kDark. Most of a picture is flat, and
+/// passed over in blocks.
 SE_MULTIVERSION void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdiff_t width,
                                const uint8_t* shades) {
-    constexpr ptrdiff_t kBlock = 256;
+    constexpr ptrdiff_t kBlock = 64;
     int32_t index[kBlock];
     for (ptrdiff_t begin = 1; begin < width - 1; begin += kBlock) {
         const ptrdiff_t count = std::min(kBlock, width - 1 - begin);
         const uint8_t* const row = src + begin;
+        if (AllFlat(row, count)) {
+            std::memset(dst + begin, kFlatShade, static_cast<size_t>(count));
+            continue;
+        }
         const uint8_t* const above = row - step;
         const uint8_t* const below = row + step;
         for (ptrdiff_t x = 0; x < count; ++x) {
@@ -56,8 +73,7 @@ SE_MULTIVERSION void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst,
                 (above[x - 1] + row[x - 1] + below[x - 1]) - (above[x + 1] + row[x + 1] + below[x + 1]);
             const int32_t ny =
                 (below[x - 1] + below[x] + below[x + 1]) - (above[x - 1] + above[x] + above[x + 1]);
-            const bool flat = row[x] == 0 || row[x] == kDark;
-            index[x] = flat ? kFlatIndex : kFlatIndex + ny * kShadeStep + nx;
+            index[x] = kFlatIndex + (IsFlat(row[x]) ? 0 : ny * kShadeStep + nx);
         }
         for (ptrdiff_t x = 0; x < count; ++x) dst[begin + x] = shades[index[x]];
     }
