@@ -24,8 +24,10 @@
 #include "effects/drawing/ColoredPencil.h"
 #include "effects/drawing/ComicBook.h"
 #include "effects/drawing/CottonCandy.h"
+#include "effects/drawing/GraphicPen.h"
 #include "effects/drawing/LineArt.h"
 #include "effects/drawing/Plaster.h"
+#include "effects/drawing/Sketch.h"
 #include "effects/time/FourSquare.h"
 #include "effects/time/MotionBlur.h"
 #include "effects/time/MotionDetector.h"
@@ -64,16 +66,16 @@ CSpecialEffectFilter* New(Arguments... arguments) {
 
 // clang-format off
 constexpr Row kRows[] = {
-    {"{ABC27FCB-B469-428E-9A2F-C2117AD7148E}", {}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(1); } */},
-    {"{FB5FBC24-8123-4E32-BBA1-3E77B228A727}", {}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(2); } */},
-    {"{333FBC24-1123-4E32-BBA1-3E77B228A727}", {6, 28}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(3); } */},
-    {"{1FA2E948-426B-4BDE-A400-2EB1FEBF9522}", {}, nullptr /* [] { return New<CGraphicPenSpecialEffectFilter>(4); } */},
+    {"{ABC27FCB-B469-428E-9A2F-C2117AD7148E}", {}, [] { return New<CGraphicPenSpecialEffectFilter>(1); }},
+    {"{FB5FBC24-8123-4E32-BBA1-3E77B228A727}", {}, [] { return New<CGraphicPenSpecialEffectFilter>(2); }},
+    {"{333FBC24-1123-4E32-BBA1-3E77B228A727}", {6, 28}, [] { return New<CGraphicPenSpecialEffectFilter>(3); }},
+    {"{1FA2E948-426B-4BDE-A400-2EB1FEBF9522}", {}, [] { return New<CGraphicPenSpecialEffectFilter>(4); }},
     {"{1DC06F46-0253-4EF8-96AF-E69B0B535984}", {}, [] { return New<CChromeSpecialEffectFilter>(1); }},
     {"{43206F46-1253-4EF8-22AF-E69B0B535984}", {}, [] { return New<CChromeSpecialEffectFilter>(2); }},
     {"{0405DEA1-A404-4CC8-A70B-5C273A2A8172}", {}, [] { return New<CPlasterSpecialEffectFilter>(); }},
-    {"{3A849CCB-B961-40FF-ABB7-4385365DF0FC}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(1); } */},
-    {"{4DD74959-BE0F-44B1-92B6-043DC61D9F39}", {}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(2); } */},
-    {"{E4CA9AFE-50ED-496A-9DC6-214A38B3AEA9}", {29}, nullptr /* [] { return New<CSketchSpecialEffectFilter>(3); } */},
+    {"{3A849CCB-B961-40FF-ABB7-4385365DF0FC}", {}, [] { return New<CSketchSpecialEffectFilter>(1); }},
+    {"{4DD74959-BE0F-44B1-92B6-043DC61D9F39}", {}, [] { return New<CSketchSpecialEffectFilter>(2); }},
+    {"{E4CA9AFE-50ED-496A-9DC6-214A38B3AEA9}", {29}, [] { return New<CSketchSpecialEffectFilter>(3); }},
     {"{A2BACBE0-498C-4681-BBEC-F39BB439CED1}", {}, [] { return New<CLineArtSpecialEffectFilter>(1); }},
     {"{6772F07B-DE51-4FA9-A7C7-DE6430F437BF}", {17}, [] { return New<CLineArtSpecialEffectFilter>(2); }},
     {"{A50A308E-0D60-46E5-A336-409E22F395DD}", {4}, [] { return New<CTiledUpSpecialEffectFilter>(); }},

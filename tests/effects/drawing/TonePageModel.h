@@ -1,0 +1,62 @@
+// What the models of Sketch and Graphic Pen share: ten planes, each a copy of the next brighter one with more
+// strokes on it, and the planes' look-up.
+#ifndef SPECIALEFFECTS_TESTS_EFFECTS_DRAWING_TONEPAGEMODEL_H
+#define SPECIALEFFECTS_TESTS_EFFECTS_DRAWING_TONEPAGEMODEL_H
+
+#include <cstdlib>
+#include <vector>
+
+#include "tests/effects/drawing/DrawingModels.h"
+
+namespace drawing_model {
+
+class TonePageModel {
+  public:
+    /// draw(page, level) draws one page; the darkest is flat.
+    template <class Draw>
+    TonePageModel(int width, int height, Draw draw) : pages_(10, Plane(width, height, 255)) {
+        for (size_t i = 9; i-- > 0;) {
+            pages_[i] = pages_[i + 1];
+            if (const int level = static_cast<int>(i) * 256 / 10; level != 0) {
+                draw(pages_[i], level);
+            } else {
+                pages_[i] = Plane(width, height, 30);
+            }
+        }
+    }
+
+    /// The pixel number `at` of the page for `luma`.
+    uint8_t operator()(int luma, size_t at) const {
+        return pages_[static_cast<size_t>(luma * 10 / 256)].pixels[at];
+    }
+
+  private:
+    std::vector<Plane> pages_;
+};
+
+inline bool Inside(const Plane& page, int x, int y) {
+    return x >= 0 && y >= 0 && x < page.width && y < page.height;
+}
+
+inline int64_t SumOf(const Plane& page) {
+    int64_t sum = 0;
+    for (const uint8_t pixel : page.pixels) sum += pixel;
+    return sum;
+}
+
+/// The 3 by 3 Gaussian of the finished drawing and the repair of its frame.
+inline void SoftenDrawing(Plane& luma) {
+    if (luma.width < 3 || luma.height < 3) return;
+    Plane soft(luma.width, luma.height);
+    Gauss3(luma, soft);
+    luma = soft;
+    ReplicateRing(luma);
+}
+
+inline int Lifted(int luma) {
+    return std::min(luma + luma / 2, 255);
+}
+
+}  // namespace drawing_model
+
+#endif
