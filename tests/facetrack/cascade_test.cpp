@@ -1,0 +1,364 @@
+// Cascade files, good and bad, the converter, and the detector's bookkeeping.
+#include "facetrack/Cascade.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "facetrack/FaceDetector.h"
+#include "tests/facetrack/TestPictures.h"
+#include "tests/support/GoldenRun.h"
+
+namespace {
+
+/// A cascade of one stage with one classifier of two rectangles in a window of 8 by 6.
+constexpr const char* kSmall = "8 6 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n";
+
+class CascadeFile : public testing::Test {
+  protected:
+    int32_t Load(const std::string& text) {
+        std::ofstream("cascade.txt") << text;
+        return cascade.Load("cascade.txt");
+    }
+    TemporaryDirectory directory;
+    Cascade cascade;
+};
+
+TEST_F(CascadeFile, IsReadAsItStands) {
+    ASSERT_EQ(Load(kSmall), 0);
+    EXPECT_EQ(cascade.windowWidth, 8);
+    EXPECT_EQ(cascade.windowHeight, 6);
+    ASSERT_EQ(cascade.stages.size(), 1U);
+    EXPECT_EQ(cascade.stages[0].threshold, 0.5F);
+    ASSERT_EQ(cascade.rects.size(), 2U);
+    EXPECT_EQ(cascade.rects[0].height, 3);
+    EXPECT_EQ(cascade.weights[1], 2.5F);
+    EXPECT_EQ(cascade.valueBelow[0], -1.0F);
+    EXPECT_EQ(cascade.valueAbove[0], 1.5F);
+}
+
+TEST_F(CascadeFile, IsPreparedForTheClassifier) {
+    ASSERT_EQ(Load(kSmall), 0);
+    ASSERT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    const auto scale = static_cast<float>(1.0 / (6 * 4));
+    EXPECT_EQ(cascade.weights[0], -1.0F * scale);
+    EXPECT_EQ(cascade.weights[1], 2.5F * scale);
+    EXPECT_EQ(cascade.stages[0].threshold, static_cast<float>(0.5F - 0.0001));
+    EXPECT_EQ(cascade.rects[0].y, 6 - 3 - 2);
+    EXPECT_EQ(cascade.rects[1].y, 0);
+    EXPECT_EQ(cascade.featureWidth, 6);  // at least the window less 2
+    EXPECT_EQ(cascade.featureHeight, 6);
+}
+
+TEST_F(CascadeFile, BadOnesAreRefused) {
+    const std::string good = kSmall;
+    for (const char* text :
+         {"", "8", "8 6 1 1", "no numbers at all", "8 6 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n",
+          "8 6 1 1 3\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer rectangles than told
+          "8 6 1 1 1\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // more
+          "8 6 1 2 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer classifiers
+          "8 6 2 1 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer stages
+          "8 6 1 0 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // more classifiers
+          "2 6 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // a window below 3 by 3
+          "0 0 0 0 0\n", "-8 6 1 1 2\n", "8 6 -1 -1 -1\n", "8 6 1000000 1 1\n1 0.5\n",
+          "8 6 1 2147483647 2147483647\n2147483647 0.5\n2147483647\n", "99999999999 6 1 1 2\n",
+          "8 6 1 1 2\n1 nan\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",
+          "8 6 1 1 2\n1 0.5\n2\n1 2 4 3 x\n0 0 2 6 2.5\n0.25 -1 1.5\n"}) {
+        EXPECT_EQ(Load(text), -5) << text;
+        EXPECT_TRUE(cascade.stages.empty() && cascade.rects.empty()) << text;
+    }
+    EXPECT_EQ(cascade.Load("missing.txt"), -5);
+    EXPECT_EQ(cascade.Load("."), -5);
+    std::ofstream("binary.txt", std::ios::binary).write("\x7F\x45\x4C\x46\0\1\2\3", 8);
+    EXPECT_EQ(cascade.Load("binary.txt"), -5);
+    EXPECT_EQ(Load(good), 0);
+}
+
+TEST_F(CascadeFile, RectanglesThatLeaveTheWindowAreIllegal) {
+    for (const char* rect : {"-1 2 4 3", "1 -1 4 3", "1 2 8 3", "1 4 4 3", "1 2 0 3", "1 2 4 0", "1 2 4 -3",
+                             "2147483647 2 2147483647 3", "1 2147483647 4 2147483647"}) {
+        ASSERT_EQ(Load("8 6 1 1 1\n1 0.5\n1\n" + std::string(rect) + " -1\n0.25 -1 1.5\n"), 0) << rect;
+        EXPECT_NE(cascade.Prepare(1, 0.0001), kPrimOk) << rect;
+    }
+}
+
+TEST_F(CascadeFile, AHundredMegabytesCostNoMoreThanTheyHold) {
+    {
+        std::ofstream file("cascade.txt");
+        file << "8 6 1000000 0 0\n";
+        for (int i = 0; i < 1000000; ++i) file << "0 1\n";
+        const std::string padding(1 << 20, ' ');
+        for (int i = 0; i < 96; ++i) file << padding;
+    }
+    EXPECT_EQ(cascade.Load("cascade.txt"), 0);
+    EXPECT_EQ(cascade.stages.size(), 1000000U);
+}
+
+class Detector : public CascadeFile {
+  protected:
+    /// What `Initialize` says on the standard error stream.
+    std::string Complaint(int32_t width, int32_t height) {
+        testing::internal::CaptureStderr();
+        initialized = detector.Initialize(width, height);
+        return testing::internal::GetCapturedStderr();
+    }
+    CFaceDetector detector;
+    bool initialized = false;
+};
+
+TEST_F(Detector, SaysWhatIsWrong) {
+    EXPECT_EQ(Complaint(320, 240), "ERROR: cascade file is incorrect\n");
+    EXPECT_FALSE(initialized);
+    std::ofstream("haar.txt") << kSmall;  // an empty path means this name
+    EXPECT_EQ(Complaint(320, 240), "");
+    EXPECT_TRUE(initialized);
+    detector.SetCascadePath(nullptr);
+    EXPECT_EQ(Complaint(7, 240), "ERROR: face size and image size are invalid\n");
+    EXPECT_EQ(Complaint(0, 0), "ERROR: face size and image size are invalid\n");
+    std::ofstream("bad.txt") << "8 6 1 1 1\n1 0.5\n1\n7 0 3 3 -1\n0.25 -1 1.5\n";
+    detector.SetCascadePath("bad.txt");
+    EXPECT_EQ(Complaint(320, 240), "ERROR: cascade is illegal\n");
+    EXPECT_FALSE(initialized);
+    std::ofstream("wide.txt") << "10000 10000 0 0 0\n";
+    detector.SetCascadePath("wide.txt");
+    EXPECT_EQ(Complaint(320, 240), "ERROR: face size and image size are invalid\n");
+    EXPECT_EQ(Complaint(16384, 16384), "ERROR: face size and image size are invalid\n");
+
+    // Without a cascade frames go by.
+    CPlane8u plane(320, 240);
+    for (int i = 0; i < 9; ++i) detector.TrackFrame(plane);
+    EXPECT_EQ(SumPixels(plane), 0U);
+    EXPECT_EQ(detector.GetFace().width, 0);
+}
+
+TEST_F(Detector, CutsTheScalesIntoGroups) {
+    std::ofstream("haar.txt") << "20 20 0 0 0\n";
+    for (const auto& [width, height] :
+         {std::pair{640, 480}, {320, 240}, {1920, 1080}, {100, 90}, {64, 48}, {4000, 64}}) {
+        if (!detector.Initialize(width, height)) continue;
+        EXPECT_EQ(detector.MinFaceSize(), width / 5);
+        float scale = static_cast<float>(width / 5) / 20.0F;
+        size_t i = 0;
+        int64_t total = 0;
+        const auto& scales = detector.Scales();
+        for (; 25 < static_cast<float>(width) / scale && 25 < static_cast<float>(height) / scale &&
+               20 * scale < static_cast<float>(width);
+             ++i) {
+            ASSERT_LT(i, scales.size());
+            EXPECT_EQ(scales[i].scale, scale);
+            EXPECT_EQ(scales[i].scaledWidth, static_cast<int>(static_cast<float>(width) / scale));
+            EXPECT_EQ(scales[i].scaledHeight, static_cast<int>(static_cast<float>(height) / scale));
+            total += scales[i].scaledWidth * scales[i].scaledHeight;
+            scale = static_cast<float>(scale * 1.12);
+        }
+        EXPECT_EQ(i, scales.size());
+        int group = 0;
+        int64_t run = 0;
+        for (const CScaleEntry& entry : scales) {
+            const int64_t area = int64_t{entry.scaledWidth} * entry.scaledHeight;
+            run += area;
+            int expected = group;
+            if (run > total / 4) {
+                ++group;
+                if (run > total / 4 + total / 4 / 5) {
+                    expected = group;
+                    run = area;
+                } else {
+                    run = 0;
+                }
+            }
+            EXPECT_EQ(entry.group, expected);
+        }
+    }
+    ASSERT_TRUE(detector.Initialize(64, 48));
+    EXPECT_LT(detector.Scales().front().scale, 1.0F);  // a frame narrower than five windows
+}
+
+TEST(HitStore, JoinsTheFirstNearMember) {
+    // Compared with the walk over all members in order, on hits that lie close together.
+    TestRandom random(4);
+    CHitStore store(5.0F, 1.3F);
+    std::vector<std::vector<Hit>> rows;
+    for (int n = 0; n < 4000; ++n) {
+        const Hit hit{random.Below(200) - 20, random.Below(150) - 20, 30 + random.Below(40)};
+        store.Add(hit);
+        auto row = rows.begin();
+        for (; row != rows.end(); ++row) {
+            const bool takes = std::any_of(row->begin(), row->end(), [&](const Hit& m) {
+                const int dx = hit.x - m.x, dy = hit.y - m.y;
+                return static_cast<float>(dx * dx + dy * dy) <= 25.0F &&
+                       static_cast<float>(m.size) * 1.3F >= static_cast<float>(hit.size);
+            });
+            if (takes) break;
+        }
+        if (row == rows.end()) row = rows.insert(rows.end(), std::vector<Hit>{});
+        row->push_back(hit);
+    }
+    ASSERT_EQ(store.Rows().size(), rows.size());
+    for (size_t i = 0; i < rows.size(); ++i) {
+        ASSERT_EQ(store.Rows()[i].size(), rows[i].size());
+        for (size_t k = 0; k < rows[i].size(); ++k) EXPECT_EQ(store.Rows()[i][k].x, rows[i][k].x);
+    }
+    store.Clear();
+    EXPECT_TRUE(store.Rows().empty());
+}
+
+TEST(Faces, AreMergedFromClusters) {
+    CFaceDetector detector;
+    CHitStore store(5.0F, 1.3F);
+    detector.MergeFaces(store);
+    EXPECT_TRUE(detector.Faces().empty());
+    EXPECT_EQ(detector.GetFace().width, 0);
+
+    // Two clusters that make one face, one far off, and one that lies inside the first.
+    for (const Hit hit : {Hit{100, 100, 60}, {103, 101, 62}, {101, 99, 61}, {200, 100, 60}, {102, 108, 58}})
+        store.Add(hit);
+    ASSERT_EQ(store.Rows().size(), 3U);
+    detector.MergeFaces(store);
+    ASSERT_EQ(detector.Faces().size(), 2U);
+    const CFaceRect first = detector.Faces()[0];
+    // (101, 100, 61) and (102, 108, 58): the box round both squares.
+    EXPECT_EQ(first.x, 71);
+    EXPECT_EQ(first.y, 70);
+    EXPECT_EQ(first.width, 61);
+    EXPECT_EQ(first.height, 67);
+    EXPECT_EQ(detector.Faces()[1].x, 170);
+    EXPECT_EQ(detector.GetFace().height, 67);
+
+    // An empty cycle falls back to the list before it, two of them to nothing.
+    store.Clear();
+    detector.MergeFaces(store);
+    EXPECT_TRUE(detector.Faces().empty());
+    EXPECT_EQ(detector.GetFace().height, 67);
+    detector.MergeFaces(store);
+    EXPECT_EQ(detector.GetFace().height, 0);
+}
+
+TEST(Faces, OfEqualSizeTheEarlierCounts) {
+    CFaceDetector detector;
+    CHitStore store(5.0F, 1.3F);
+    store.Add({300, 200, 50});
+    store.Add({100, 100, 50});
+    detector.MergeFaces(store);
+    store.Clear();
+    detector.MergeFaces(store);
+    ASSERT_EQ(detector.PreviousFaces().size(), 2U);
+    EXPECT_EQ(detector.GetFace().x, 275);
+}
+
+TEST(Faces, AreOutlinedWithinThePlane) {
+    CFaceDetector detector;
+    CHitStore store(5.0F, 1.3F);
+    store.Add({10, 10, 60});    // reaches out at the upper left
+    store.Add({90, 70, 30});    // ends beyond the lower right
+    store.Add({500, 500, 20});  // lies outside altogether
+    detector.MergeFaces(store);
+    CPlane8u plane(100, 80);
+    detector.DrawFaces(plane);
+    EXPECT_EQ(plane.Row(0)[39], 255);
+    EXPECT_EQ(plane.Row(39)[0], 255);
+    EXPECT_EQ(plane.Row(39)[39], 255);
+    EXPECT_EQ(plane.Row(20)[20], 0);
+    EXPECT_EQ(plane.Row(79)[80], 255);  // the bottom line lies on the last row
+    EXPECT_EQ(plane.Row(60)[99], 255);
+}
+
+std::string RunProgram(const std::string& command, int& code) {
+    std::string text;
+    FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+    char part[256];
+    while (std::fgets(part, sizeof part, pipe) != nullptr) text += part;
+    code = WEXITSTATUS(pclose(pipe));
+    return text;
+}
+
+class Converter : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!std::filesystem::exists(program)) GTEST_SKIP() << "the converter was not built";
+    }
+    std::string program = SE_BINARY_DIR "/tools/convert_cascade";
+    std::string xml = "/usr/share/opencv4/haarcascades/";
+    TemporaryDirectory directory;
+};
+
+TEST_F(Converter, MakesAFileThatCanBeUsed) {
+    int code = 0;
+    EXPECT_EQ(RunProgram(program + " " + xml + "haarcascade_frontalface_alt.xml out.txt", code), "");
+    ASSERT_EQ(code, 0);
+    Cascade cascade;
+    ASSERT_EQ(cascade.Load("out.txt"), 0);
+    EXPECT_EQ(cascade.windowWidth, 20);
+    EXPECT_EQ(cascade.stages.size(), 22U);
+    EXPECT_EQ(cascade.classifierThreshold.size(), 2135U);
+    const PrimRect top = cascade.rects[0];
+    EXPECT_EQ(top.y, 7);
+    EXPECT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+
+    RunProgram(program + " --from-bottom " + xml + "haarcascade_frontalface_alt.xml turned.txt", code);
+    ASSERT_EQ(code, 0);
+    ASSERT_EQ(cascade.Load("turned.txt"), 0);
+    EXPECT_EQ(cascade.rects[0].y, 20 - top.height - 7);
+}
+
+TEST_F(Converter, EachWayUpFindsItsOwnFaces) {
+    // From the top: for pictures shown upside down, as Picture Me does. From the bottom: for upright ones.
+    int code = 0;
+    RunProgram(program + " " + xml + "haarcascade_frontalface_default.xml top.txt", code);
+    RunProgram(program + " --from-bottom " + xml + "haarcascade_frontalface_default.xml bottom.txt", code);
+    ASSERT_EQ(code, 0);
+    FacePlace place{};
+    const CPlane8u upright = PortraitAs(640, 480, 1.1, 0, 0.1, false, &place);
+    for (const bool fromBottom : {false, true}) {
+        for (const bool upsideDown : {false, true}) {
+            CFaceDetector detector;
+            detector.SetCascadePath(fromBottom ? "bottom.txt" : "top.txt");
+            ASSERT_TRUE(detector.Initialize(640, 480));
+            for (int i = 0; i < 4; ++i) {
+                CPlane8u picture = upright;
+                if (upsideDown) picture.Mirror(0);
+                detector.TrackFrame(picture);
+            }
+            const bool found =
+                std::any_of(detector.Faces().begin(), detector.Faces().end(), [&](CFaceRect face) {
+                    if (upsideDown) face.y = 480 - face.y - face.height;
+                    return std::hypot(face.x + face.width / 2.0 - place.x,
+                                      face.y + face.height / 2.0 - place.y) < place.size / 5;
+                });
+            EXPECT_EQ(found, fromBottom != upsideDown) << fromBottom << upsideDown;
+        }
+    }
+}
+
+TEST_F(Converter, RefusesWhatTheDetectorDoesNotKnow) {
+    int code = 0;
+    EXPECT_NE(
+        RunProgram(program + " " + xml + "haarcascade_frontalface_alt2.xml out.txt", code).find("stumps"),
+        std::string::npos);
+    EXPECT_EQ(code, 1);
+    std::ofstream("tilted.xml")
+        << "<?xml version=\"1.0\"?><opencv_storage><cascade><featureType>HAAR</featureType>"
+           "<height>20</height><width>20</width><stages/><features><_><rects><_>1 2 3 4 -1.</_>"
+           "</rects><tilted>1</tilted></_></features></cascade></opencv_storage>";
+    EXPECT_NE(
+        RunProgram(program + " " + xml + "haarcascade_frontalface_alt2.xml out.txt", code).find("stumps"),
+        std::string::npos);
+    EXPECT_EQ(code, 1);
+    std::ofstream("tilted.xml")
+        << "<?xml version=\"1.0\"?><opencv_storage><cascade><featureType>HAAR</featureType>"
+           "<height>20</height><width>20</width><stages/><features><_><rects><_>1 2 3 4 -1.</_>"
+           "</rects><tilted>1</tilted></_></features></cascade></opencv_storage>";
+    EXPECT_NE(RunProgram(program + " tilted.xml out.txt", code).find("tilted"), std::string::npos);
+    EXPECT_EQ(code, 1);
+    EXPECT_NE(RunProgram(program + " missing.xml out.txt", code).find("missing.xml"), std::string::npos);
+    EXPECT_EQ(code, 1);
+    RunProgram(program, code);
+    EXPECT_EQ(code, 2);
+    EXPECT_FALSE(std::filesystem::exists("out.txt"));
+}
+
+}  // namespace
