@@ -1,0 +1,131 @@
+// Plays stored inputs and then pseudo-random ones, the same in every build and on every machine.
+//
+//     contract_storm [--runs N] [--seconds S] [--from N] [FILE | DIRECTORY]...
+//
+// Stops after N runs or S seconds, whichever comes first. A run that ends the program, or takes longer than a
+// minute, leaves its input in contract_storm.input in the directory where the program was started; played by
+// name it fails again, and it can be kept in tests/fuzz/inputs.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/fuzz/ContractRun.h"
+
+// Of the sanitizers' run-time library, where it is linked.
+extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+namespace fs = std::filesystem;
+
+constexpr unsigned kSecondsPerRun = 60;
+
+std::string savePath;
+const Bytes* playing = nullptr;
+
+void SaveInput() {
+    if (playing == nullptr) return;
+    const int file = open(savePath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    if (file < 0 || write(file, playing->data(), playing->size()) < 0) return;
+    close(file);
+    static constexpr char kMessage[] = "contract_storm: the input is in contract_storm.input\n";
+    if (write(STDERR_FILENO, kMessage, sizeof kMessage - 1) < 0) return;
+    playing = nullptr;
+}
+
+void SaveInputAndDie(int signal) {
+    SaveInput();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void Play(const Bytes& bytes) {
+    playing = &bytes;
+    alarm(kSecondsPerRun);
+    RunContract(bytes);
+    alarm(0);
+    playing = nullptr;
+}
+
+Bytes ReadFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        std::fprintf(stderr, "contract_storm: cannot read %s\n", path.c_str());
+        std::exit(2);
+    }
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+std::vector<fs::path> FilesOf(const fs::path& path) {
+    if (!fs::is_directory(path)) return {path};
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(path))
+        if (entry.is_regular_file()) files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+// Short inputs and long ones; the generator is one whose sequence the language defines.
+Bytes RandomInput(unsigned long run) {
+    std::mt19937 generator(static_cast<uint32_t>(run));
+    Bytes bytes(16 + generator() % (run % 8 == 0 ? 4000 : 600));
+    for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(generator());
+    return bytes;
+}
+
+unsigned long Number(const char* option, const char* text) {
+    char* end = nullptr;
+    const unsigned long number = text ? std::strtoul(text, &end, 10) : 0;
+    if (text == nullptr || end == text || *end != 0) {
+        std::fprintf(stderr, "contract_storm: %s wants a number\n", option);
+        std::exit(2);
+    }
+    return number;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    unsigned long runs = 1000, seconds = 3600, from = 0;
+    std::vector<fs::path> inputs;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        unsigned long* const number = argument == "--runs"      ? &runs
+                                      : argument == "--seconds" ? &seconds
+                                      : argument == "--from"    ? &from
+                                                                : nullptr;
+        if (number != nullptr) {
+            *number = Number(argv[i], argv[i + 1]);
+            ++i;
+        } else {
+            for (const fs::path& file : FilesOf(argument)) inputs.push_back(fs::absolute(file));
+        }
+    }
+    savePath = (fs::current_path() / "contract_storm.input").string();
+    if (__sanitizer_set_death_callback != nullptr) {
+        __sanitizer_set_death_callback(SaveInput);
+    } else {
+        for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) std::signal(signal, SaveInputAndDie);
+    }
+    for (const int signal : {SIGABRT, SIGALRM}) std::signal(signal, SaveInputAndDie);
+
+    const ScratchDirectory scratch;
+    for (const fs::path& input : inputs) Play(ReadFile(input));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    unsigned long run = from;
+    while (run < from + runs && std::chrono::steady_clock::now() < end) Play(RandomInput(run++));
+    std::printf("%zu stored inputs and %lu random ones\n", inputs.size(), run - from);
+    return 0;
+}

@@ -1,0 +1,37 @@
+// The whole contract under libFuzzer.
+//
+//     build/fuzz/tests/fuzz/fuzz_contract [options] [corpus directories]
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/fuzz/ContractRun.h"
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+
+// The process moves to a scratch directory, so the paths of the command line are made absolute first.
+int LLVMFuzzerInitialize(int* argc, char*** argv) {
+    static std::vector<std::string> arguments;
+    static std::vector<char*> pointers;
+    bool prefixGiven = false;
+    for (int i = 0; i < *argc; ++i) {
+        std::string argument = (*argv)[i];
+        prefixGiven = prefixGiven || argument.starts_with("-artifact_prefix=");
+        if (!argument.starts_with("-")) argument = std::filesystem::absolute(argument).string();
+        arguments.push_back(argument);
+    }
+    if (!prefixGiven)
+        arguments.push_back("-artifact_prefix=" + std::filesystem::current_path().string() + "/");
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    *argc = static_cast<int>(pointers.size());
+    pointers.push_back(nullptr);
+    *argv = pointers.data();
+    static ScratchDirectory scratch;
+    return 0;
+}
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    RunContract({data, size});
+    return 0;
+}
