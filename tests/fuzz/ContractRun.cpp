@@ -32,6 +32,7 @@ constexpr const char* kValues[] = {"TRUE",       "FALSE",       "0",
                                    "12,34",      "1,2,3,4",     "",
                                    " ",          "%s%n%d"};
 
+constexpr size_t kEffects = 63;
 constexpr int32_t kLargest = 16384;
 
 // Work that one run may ask for: pixels configured or processed.
@@ -196,10 +197,11 @@ class Host {
 
     void Create(Guest& guest) {
         guest = {};
+        // One number more than there are effects: a GUID that is none of them.
         const std::span<const CatalogueRow> rows = EffectCatalogue();
-        const size_t row = source_.Below(rows.size() + 1);
+        const size_t row = source_.Below(kEffects + 1);
         EffectGuid id = rows[row % rows.size()].id;
-        if (row == rows.size()) id.Data4[7] ^= 1;
+        if (row == kEffects) id.Data4[7] ^= 1;
         if (source_.OneIn(64)) ExpectKnown(factory_->CreateEffect(id, source_.Byte(), nullptr));
         const ResultCode code = factory_->CreateEffect(id, source_.Byte(), &guest.effect);
         if ((code == kSuccess) != (guest.effect != nullptr)) Fail("CreateEffect contradicts itself", code);
@@ -208,6 +210,8 @@ class Host {
         guest.effect->GetInternalInfo()->GetName(name, sizeof name);
         guest.marksPlanes = std::string(name) == "Fish Eye";
         guest.takesRegions = std::string(name) == "Picture Me";
+        if (guest.takesRegions && source_.OneIn(2)) WriteFile("haar.txt", Cascade());
+        if (!source_.OneIn(8)) Configure(guest);
     }
 
     // In one of the three ways: by the factory, or as it does it, with and without Shutdown.
