@@ -65,6 +65,7 @@ void Effect::ReleaseWorkspace() {
 
 void Effect::Layout(bool keepCount) {
     constexpr int32_t kUsualCount = 3;
+    if (!IsServed(Stream)) return;  // a stream that was refused has no frames to lay anything over
     const int32_t size = AppliedPictureSize * Stream.Height / 100;
     ThumbWidth = ThumbHeight = (size - 2) / 4 * 4;
     MaxTextures = Stream.Height / (ThumbHeight + 1);
