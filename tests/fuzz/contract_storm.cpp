@@ -5,12 +5,10 @@
 // Stops after N runs or S seconds, whichever comes first. A run that ends the program, or takes longer than a
 // minute, leaves its input in contract_storm.input in the directory where the program was started; played by
 // name it fails again, and it can be kept in tests/fuzz/inputs.
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -22,9 +20,6 @@
 
 #include "tests/fuzz/ContractRun.h"
 
-// Of the sanitizers' run-time library, where it is linked.
-extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
-
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -32,31 +27,13 @@ namespace fs = std::filesystem;
 
 constexpr unsigned kSecondsPerRun = 60;
 
-std::string savePath;
-const Bytes* playing = nullptr;
-
-void SaveInput() {
-    if (playing == nullptr) return;
-    const int file = open(savePath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    if (file < 0 || write(file, playing->data(), playing->size()) < 0) return;
-    close(file);
-    static constexpr char kMessage[] = "contract_storm: the input is in contract_storm.input\n";
-    if (write(STDERR_FILENO, kMessage, sizeof kMessage - 1) < 0) return;
-    playing = nullptr;
-}
-
-void SaveInputAndDie(int signal) {
-    SaveInput();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
-}
-
-void Play(const Bytes& bytes) {
-    playing = &bytes;
+// However a run ends the program, its input has been written before.
+void Play(const Bytes& bytes, const fs::path& keptInput) {
+    std::ofstream(keptInput, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     alarm(kSecondsPerRun);
     RunContract(bytes);
     alarm(0);
-    playing = nullptr;
 }
 
 Bytes ReadFile(const fs::path& path) {
@@ -113,19 +90,13 @@ int main(int argc, char** argv) {
             for (const fs::path& file : FilesOf(argument)) inputs.push_back(fs::absolute(file));
         }
     }
-    savePath = (fs::current_path() / "contract_storm.input").string();
-    if (__sanitizer_set_death_callback != nullptr) {
-        __sanitizer_set_death_callback(SaveInput);
-    } else {
-        for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) std::signal(signal, SaveInputAndDie);
-    }
-    for (const int signal : {SIGABRT, SIGALRM}) std::signal(signal, SaveInputAndDie);
-
+    const fs::path keptInput = fs::absolute("contract_storm.input");
     const ScratchDirectory scratch;
-    for (const fs::path& input : inputs) Play(ReadFile(input));
+    for (const fs::path& input : inputs) Play(ReadFile(input), keptInput);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
     unsigned long run = from;
-    while (run < from + runs && std::chrono::steady_clock::now() < end) Play(RandomInput(run++));
+    while (run < from + runs && std::chrono::steady_clock::now() < end) Play(RandomInput(run++), keptInput);
+    fs::remove(keptInput);
     std::printf("%zu stored inputs and %lu random ones\n", inputs.size(), run - from);
     return 0;
 }
