@@ -120,7 +120,6 @@ int main(int argc, char** argv) {
     int number = 0;
     for (const CatalogueRow& row : EffectCatalogue()) {
         ++number;
-        if (row.create == nullptr) continue;
         for (const auto& [w, h] : {std::pair{1280, 720}, {1920, 1080}}) {
             const std::string name = std::to_string(number) + " " + NameOf(row) + "/" + std::to_string(w) +
                                      "x" + std::to_string(h);

@@ -27,7 +27,7 @@ class CSpecialEffectFactory final : public ISpecialEffectFactory {
     ResultCode CreateEffect(EffectGuid id, uint32_t, CSpecialEffectFilter** effect) override {
         if (effect == nullptr) return kInvalidArgument;
         for (const CatalogueRow& row : EffectCatalogue()) {
-            if (SameGuid(row.id, id) && row.create != nullptr) {
+            if (SameGuid(row.id, id)) {
                 *effect = row.create();
                 return kSuccess;
             }

@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
         for (int row = 1; row <= GoldenRows(); ++row) {
             bool wanted = argc == 2;
             for (int i = 2; i < argc; ++i) wanted = wanted || std::atoi(argv[i]) == row;
-            if (!wanted || !GoldenRowExists(row)) continue;
+            if (!wanted) continue;
             for (const GoldenSize& size : kGoldenSizes) table[GoldenKey(row, size)] = RunGolden(row, size);
         }
     }

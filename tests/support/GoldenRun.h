@@ -14,7 +14,6 @@ inline constexpr GoldenSize kGoldenSizes[] = {{320, 240, 40}, {177, 143, 40}, {6
 
 /// Rows of the catalogue are counted from 1.
 int GoldenRows();
-bool GoldenRowExists(int row);
 std::string GoldenRowName(int row);
 
 /// Runs the effect of a row over its frames at one size and returns a checksum of all that came out, of the
