@@ -14,13 +14,13 @@ extern "C" {
 namespace host {
 
 CameraOutput::CameraOutput(const std::string& device, const StreamInfo& stream)
-    : m_device(device), m_stream(stream) {
+    : device_(device), stream_(stream) {
     struct stat status {};
     if (stat(device.c_str(), &status) != 0) throw Failure("cannot open {}: {}", device, SystemText(errno));
     AVFormatContext* context = nullptr;
     const int found = avformat_alloc_output_context2(&context, nullptr, "v4l2", device.c_str());
     if (found < 0) throw Failure("cannot write to {}: FFmpeg's libraries here have no V4L2 output", device);
-    m_output.reset(context);
+    output_.reset(context);
     AVStream* video = avformat_new_stream(context, nullptr);
     if (video == nullptr) throw std::bad_alloc();
     video->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
@@ -35,29 +35,29 @@ CameraOutput::CameraOutput(const std::string& device, const StreamInfo& stream)
 
 void CameraOutput::WaitFor(int64_t time) {
     const auto now = Clock::now();
-    const std::chrono::duration<double> offset(static_cast<double>(time) * av_q2d(m_stream.timeBase));
+    const std::chrono::duration<double> offset(static_cast<double>(time) * av_q2d(stream_.timeBase));
     const auto passed = std::chrono::duration_cast<Clock::duration>(offset);
-    if (!m_start) m_start = now - passed;
-    const auto due = *m_start + passed;
+    if (!start_) start_ = now - passed;
+    const auto due = *start_ + passed;
     if (due > now && !Interrupted()) std::this_thread::sleep_until(due);
 }
 
 void CameraOutput::Write(const Frame& frame) {
-    if (m_stream.kind != InputKind::Live) WaitFor(frame.time);
+    if (stream_.kind != InputKind::Live) WaitFor(frame.time);
     const AVFramePtr view = ViewOf(frame);
-    const AVFrame& planar = m_converter.Convert(*view, frame.Width(), frame.Height(), AV_PIX_FMT_YUV420P);
+    const AVFrame& planar = converter_.Convert(*view, frame.Width(), frame.Height(), AV_PIX_FMT_YUV420P);
     const int size = av_image_get_buffer_size(AV_PIX_FMT_YUV420P, frame.Width(), frame.Height(), 1);
     const PacketPtr packet = NewPacket();
     if (av_new_packet(packet.get(), size) < 0) throw std::bad_alloc();
     av_image_copy_to_buffer(packet->data, size, planar.data, planar.linesize, AV_PIX_FMT_YUV420P,
                             frame.Width(), frame.Height(), 1);
     packet->pts = packet->dts = frame.time;
-    const int result = av_write_frame(m_output.get(), packet.get());
-    if (result < 0) throw Failure("cannot write to {}: {}", m_device, LibavText(result));
+    const int result = av_write_frame(output_.get(), packet.get());
+    if (result < 0) throw Failure("cannot write to {}: {}", device_, LibavText(result));
 }
 
 void CameraOutput::Finish() {
-    av_write_trailer(m_output.get());
+    av_write_trailer(output_.get());
 }
 
 }  // namespace host

@@ -22,11 +22,11 @@ class CameraOutput : public VideoOutput {
 
     void WaitFor(int64_t time);
 
-    std::string m_device;
-    StreamInfo m_stream;
-    OutputContextPtr m_output;
-    Converter m_converter;
-    std::optional<Clock::time_point> m_start;
+    std::string device_;
+    StreamInfo stream_;
+    OutputContextPtr output_;
+    Converter converter_;
+    std::optional<Clock::time_point> start_;
 };
 
 }  // namespace host

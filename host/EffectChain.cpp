@@ -62,28 +62,28 @@ void Configure(CSpecialEffectFilter& effect, const EffectName& name, const Modul
 }
 
 EffectChain::EffectChain(const Module& module, const std::vector<std::string>& texts, const Notes& notes)
-    : m_module(module), m_notes(notes) {
+    : module_(module), notes_(notes) {
     for (const std::string& text : texts) {
         const EffectText parts = SplitEffectText(text);
         const EffectName& name = RequireEffect(parts.effect);
         EffectHandle effect = CreateEffect(module, name);
         auto assignments = ParseAssignments(parts.assignments, PropertiesOf(*effect), name.displayName);
-        m_links.push_back({&name, std::move(effect), std::move(assignments)});
+        links_.push_back({&name, std::move(effect), std::move(assignments)});
     }
 }
 
 void EffectChain::Configure(int width, int height, int32_t format,
                             const std::optional<std::string>& settingsFile) {
-    for (const Link& link : m_links) {
+    for (const Link& link : links_) {
         SetAll(*link.effect, *link.name, link.assignments);
-        host::Configure(*link.effect, *link.name, m_module, width, height, format);
-        if (DetectsFaces(*link.name) && !settingsFile && CascadeFile(m_module).empty()) {
-            m_notes.Add("{} finds no faces: there is no {} in the current directory and none came with {}",
-                        link.name->displayName, kCascade, m_module.Path().string());
+        host::Configure(*link.effect, *link.name, module_, width, height, format);
+        if (DetectsFaces(*link.name) && !settingsFile && CascadeFile(module_).empty()) {
+            notes_.Add("{} finds no faces: there is no {} in the current directory and none came with {}",
+                       link.name->displayName, kCascade, module_.Path().string());
         }
     }
     if (settingsFile) LoadSettings(*settingsFile);
-    for (const Link& link : m_links) {
+    for (const Link& link : links_) {
         SetAll(*link.effect, *link.name, link.assignments);
         TellOfClampedValues(link);
     }
@@ -96,7 +96,7 @@ void EffectChain::LoadSettings(const std::string& file) {
     }
     if (!std::ifstream(file)) throw Failure("cannot read the settings file {}: {}", file, SystemText(errno));
     bool taken = false;
-    for (const Link& link : m_links) {
+    for (const Link& link : links_) {
         if (!TakesSettings(*link.effect)) continue;
         taken = true;
         const ResultCode code = LoadSettingsFile(*link.effect, file);
@@ -114,8 +114,8 @@ void EffectChain::TellOfClampedValues(const Link& link) const {
     for (const Assignment& assignment : link.assignments) {
         const std::string value = GetProperty(*link.effect, assignment.name);
         if (value != assignment.value) {
-            m_notes.Add("{}: {}={} is out of range, clamped to {}", link.name->displayName, assignment.name,
-                        assignment.value, value);
+            notes_.Add("{}: {}={} is out of range, clamped to {}", link.name->displayName, assignment.name,
+                       assignment.value, value);
         }
     }
 }
@@ -123,7 +123,7 @@ void EffectChain::TellOfClampedValues(const Link& link) const {
 void EffectChain::Process(Frame& frame) {
     ImageRecord image = frame.Record();
     FrameRecord record{{0, 0, 0}, &image};
-    for (const Link& link : m_links) {
+    for (const Link& link : links_) {
         const ResultCode code = link.effect->ProcessFrame(&record);
         if (code == kSuccess) continue;
         if (code == kNotImplemented) {

@@ -48,9 +48,9 @@ class EffectChain {
     void LoadSettings(const std::string& file);
     void TellOfClampedValues(const Link& link) const;
 
-    const Module& m_module;
-    const Notes& m_notes;
-    std::vector<Link> m_links;
+    const Module& module_;
+    const Notes& notes_;
+    std::vector<Link> links_;
 };
 
 }  // namespace host

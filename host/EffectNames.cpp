@@ -127,7 +127,7 @@ std::optional<EffectGuid> ParseGuid(std::string_view text) {
         text = text.substr(1, kGuidLength - 2);
     }
     if (text.size() != kGuidLength - 2) return std::nullopt;
-    for (const size_t hyphen : {8, 13, 18, 23}) {
+    for (const size_t hyphen : {8u, 13u, 18u, 23u}) {
         if (text[hyphen] != '-') return std::nullopt;
     }
     const auto hex = [&text](size_t start, size_t digits) -> std::optional<uint32_t> {

@@ -39,17 +39,17 @@ void PrintError(const std::string& text);
 /// all when quiet. Clears a progress bar that stands in the line.
 class Notes {
   public:
-    explicit Notes(bool quiet) : m_quiet(quiet) {}
+    explicit Notes(bool quiet) : quiet_(quiet) {}
 
     template <class... Args>
     void Add(fmt::format_string<Args...> format, Args&&... args) const {
-        if (!m_quiet) Print(fmt::format(format, std::forward<Args>(args)...));
+        if (!quiet_) Print(fmt::format(format, std::forward<Args>(args)...));
     }
 
   private:
     static void Print(const std::string& text);
 
-    bool m_quiet;
+    bool quiet_;
 };
 
 }  // namespace host

@@ -17,19 +17,19 @@ class Frame {
     Frame() = default;
     Frame(int width, int height, int32_t format);
 
-    int Width() const { return m_width; }
-    int Height() const { return m_height; }
-    int32_t Format() const { return m_format; }
+    int Width() const { return width_; }
+    int Height() const { return height_; }
+    int32_t Format() const { return format_; }
 
-    int PlaneCount() const { return m_format == kFormatPlanar ? 3 : 1; }
-    uint8_t* Plane(int plane) { return m_bytes.data() + m_offsets[static_cast<size_t>(plane)]; }
-    const uint8_t* Plane(int plane) const { return m_bytes.data() + m_offsets[static_cast<size_t>(plane)]; }
+    int PlaneCount() const { return format_ == kFormatPlanar ? 3 : 1; }
+    uint8_t* Plane(int plane) { return bytes_.data() + offsets_[static_cast<size_t>(plane)]; }
+    const uint8_t* Plane(int plane) const { return bytes_.data() + offsets_[static_cast<size_t>(plane)]; }
     /// Bytes in a row of the plane, and from one row to the next.
     int RowBytes(int plane) const;
-    int Rows(int plane) const { return plane == 0 ? m_height : m_height / 2; }
+    int Rows(int plane) const { return plane == 0 ? height_ : height_ / 2; }
 
     /// All bytes of the picture, plane after plane.
-    size_t Size() const { return m_size; }
+    size_t Size() const { return size_; }
 
     /// The record by which an effect is given this picture.
     ImageRecord Record();
@@ -38,12 +38,12 @@ class Frame {
     int64_t time = 0;
 
   private:
-    int m_width = 0;
-    int m_height = 0;
-    int32_t m_format = kFormatPlanar;
-    std::array<size_t, 3> m_offsets{};
-    size_t m_size = 0;
-    std::vector<uint8_t> m_bytes;
+    int width_ = 0;
+    int height_ = 0;
+    int32_t format_ = kFormatPlanar;
+    std::array<size_t, 3> offsets_{};
+    size_t size_ = 0;
+    std::vector<uint8_t> bytes_;
 };
 
 }  // namespace host

@@ -83,22 +83,22 @@ HandHeld::HandHeld(const std::string& file, const InputOptions& options, const N
     MediaInput source(file, {std::nullopt, kFormatPlanar}, notes);
     if (source.Stream().kind != InputKind::Picture)
         throw Failure("{} is a video; still: takes a picture", file);
-    m_stream = source.Stream();
-    m_stream.kind = InputKind::Scene;
-    m_picture = Frame(m_stream.size.width, m_stream.size.height, kFormatPlanar);
-    if (!source.Read(m_picture)) throw Failure("{} cannot be decoded", file);
-    if (options.size) m_stream.size = EvenSize(*options.size);
-    m_seen = Frame(m_stream.size.width, m_stream.size.height, kFormatPlanar);
+    stream_ = source.Stream();
+    stream_.kind = InputKind::Scene;
+    picture_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
+    if (!source.Read(picture_)) throw Failure("{} cannot be decoded", file);
+    if (options.size) stream_.size = EvenSize(*options.size);
+    seen_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
 }
 
 bool HandHeld::Read(Frame& frame) {
-    const View view = ViewAt(m_count);
-    for (int plane = 0; plane < m_picture.PlaneCount(); ++plane)
-        SeePlane(m_picture, view, m_count, plane, m_seen);
-    const AVFramePtr seen = ViewOf(m_seen);
-    CopyTurned(m_converter.Convert(*seen, frame.Width(), frame.Height(), PixelFormat(frame.Format())), 0,
+    const View view = ViewAt(count_);
+    for (int plane = 0; plane < picture_.PlaneCount(); ++plane)
+        SeePlane(picture_, view, count_, plane, seen_);
+    const AVFramePtr seen = ViewOf(seen_);
+    CopyTurned(converter_.Convert(*seen, frame.Width(), frame.Height(), PixelFormat(frame.Format())), 0,
                frame);
-    frame.time = m_count++;
+    frame.time = count_++;
     return true;
 }
 

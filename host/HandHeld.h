@@ -15,10 +15,10 @@ class HandHeld : public VideoInput {
     bool Read(Frame& frame) override;
 
   private:
-    Frame m_picture;  // planar
-    Frame m_seen;     // planar
-    Converter m_converter;
-    int64_t m_count = 0;
+    Frame picture_;  // planar
+    Frame seen_;     // planar
+    Converter converter_;
+    int64_t count_ = 0;
 };
 
 }  // namespace host

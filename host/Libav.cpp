@@ -33,6 +33,9 @@ bool IsFullRange(const AVFrame& picture, AVPixelFormat format) {
     return picture.color_range == AVCOL_RANGE_JPEG || IsJpegFormat(format) || IsRgb(format);
 }
 
+// Exact rather than fast, and the same on every processor.
+constexpr int kScalerFlags = SWS_BICUBIC | SWS_FULL_CHR_H_INT | SWS_ACCURATE_RND | SWS_BITEXACT;
+
 // Turns a plane of `width` by `height` pixels of Bytes bytes each clockwise.
 template <int Bytes>
 void TurnPlane(const uint8_t* source, ptrdiff_t sourceStep, int width, int height, int quarterTurns,
@@ -119,28 +122,27 @@ const AVFrame& Converter::Convert(const AVFrame& picture, int width, int height,
         fullSource == fullTarget) {
         return picture;
     }
-    SwsContext* before = m_scaler.get();
-    m_scaler.reset(sws_getCachedContext(m_scaler.release(), picture.width, picture.height, sourceFormat,
-                                        width, height, format, SWS_BICUBIC | SWS_ACCURATE_RND | SWS_BITEXACT,
-                                        nullptr, nullptr, nullptr));
-    if (!m_scaler) {
+    SwsContext* before = scaler_.get();
+    scaler_.reset(sws_getCachedContext(scaler_.release(), picture.width, picture.height, sourceFormat, width,
+                                       height, format, kScalerFlags, nullptr, nullptr, nullptr));
+    if (!scaler_) {
         throw Failure("cannot convert pictures of {}x{} in the format {} to {}x{}", picture.width,
                       picture.height, av_get_pix_fmt_name(sourceFormat), width, height);
     }
-    if (m_scaler.get() != before) {
+    if (scaler_.get() != before) {
         const int* sourceMatrix = sws_getCoefficients(picture.colorspace);
         const int* targetMatrix = IsRgb(sourceFormat) ? sws_getCoefficients(SWS_CS_ITU601) : sourceMatrix;
         constexpr int kUnchanged = 1 << 16;
-        sws_setColorspaceDetails(m_scaler.get(), sourceMatrix, fullSource ? 1 : 0, targetMatrix,
+        sws_setColorspaceDetails(scaler_.get(), sourceMatrix, fullSource ? 1 : 0, targetMatrix,
                                  fullTarget ? 1 : 0, 0, kUnchanged, kUnchanged);
     }
-    if (!m_result || m_result->width != width || m_result->height != height || m_result->format != format) {
-        m_result = NewAVFrame(width, height, format);
+    if (!result_ || result_->width != width || result_->height != height || result_->format != format) {
+        result_ = NewAVFrame(width, height, format);
     }
-    const int rows = sws_scale(m_scaler.get(), picture.data, picture.linesize, 0, picture.height,
-                               m_result->data, m_result->linesize);
+    const int rows = sws_scale(scaler_.get(), picture.data, picture.linesize, 0, picture.height,
+                               result_->data, result_->linesize);
     if (rows < 0) throw Failure("cannot convert a picture: {}", LibavText(rows));
-    return *m_result;
+    return *result_;
 }
 
 void CopyTurned(const AVFrame& picture, int quarterTurns, Frame& frame) {

@@ -57,13 +57,13 @@ class Dictionary {
     Dictionary() = default;
     Dictionary(const Dictionary&) = delete;
     Dictionary& operator=(const Dictionary&) = delete;
-    ~Dictionary() { av_dict_free(&m_options); }
+    ~Dictionary() { av_dict_free(&options_); }
 
-    void Set(const char* key, const std::string& value) { av_dict_set(&m_options, key, value.c_str(), 0); }
-    AVDictionary** Address() { return &m_options; }
+    void Set(const char* key, const std::string& value) { av_dict_set(&options_, key, value.c_str(), 0); }
+    AVDictionary** Address() { return &options_; }
 
   private:
-    AVDictionary* m_options = nullptr;
+    AVDictionary* options_ = nullptr;
 };
 
 /// "No space left on device" and its like, for a negative result of the libraries.
@@ -84,8 +84,8 @@ class Converter {
     const AVFrame& Convert(const AVFrame& picture, int width, int height, AVPixelFormat format);
 
   private:
-    ScalerPtr m_scaler;
-    AVFramePtr m_result;
+    ScalerPtr scaler_;
+    AVFramePtr result_;
 };
 
 /// Copies a picture of the frame's size and format, turned clockwise by a number of quarters; for odd turns

@@ -48,9 +48,9 @@ void CheckFile(const std::string& name) {
 }  // namespace
 
 MediaInput::MediaInput(const std::string& name, const InputOptions& options, const Notes& notes)
-    : m_name(name == "-" ? "standard input" : name), m_packet(NewPacket()), m_picture(NewAVFrame()) {
-    m_stream.kind = IsDevice(name) ? InputKind::Live : InputKind::Recording;
-    if (m_stream.kind == InputKind::Live) {
+    : name_(name == "-" ? "standard input" : name), packet_(NewPacket()), picture_(NewAVFrame()) {
+    stream_.kind = IsDevice(name) ? InputKind::Live : InputKind::Recording;
+    if (stream_.kind == InputKind::Live) {
         OpenCamera(name, options);
     } else {
         OpenFile(name);
@@ -71,12 +71,13 @@ void MediaInput::OpenFile(const std::string& name) {
     const int result = avformat_open_input(&context, name == "-" ? "pipe:0" : FileUrl(name).c_str(), nullptr,
                                            settings.Address());
     if (result < 0) {
-        if (result == AVERROR_INVALIDDATA || result == AVERROR_EOF) {
-            throw Failure("{} is no video or picture that can be read, or is cut short", m_name);
+        if (Interrupted()) throw Failure("interrupted while {} was opened", name_);
+        if (result == AVERROR_INVALIDDATA || result == AVERROR_EOF || result == AVERROR(EINVAL)) {
+            throw Failure("{} is no video or picture that can be read, or is cut short", name_);
         }
-        throw Failure("cannot read {}: {}", m_name, LibavText(result));
+        throw Failure("cannot read {}: {}", name_, LibavText(result));
     }
-    m_input.reset(context);
+    input_.reset(context);
 }
 
 void MediaInput::OpenCamera(const std::string& name, const InputOptions& options) {
@@ -89,94 +90,92 @@ void MediaInput::OpenCamera(const std::string& name, const InputOptions& options
     AVFormatContext* context = nullptr;
     const int result = avformat_open_input(&context, name.c_str(), format, settings.Address());
     if (result < 0) throw Failure("cannot open the camera {}: {}", name, LibavText(result));
-    m_input.reset(context);
+    input_.reset(context);
 }
 
 void MediaInput::OpenDecoder() {
-    int result = avformat_find_stream_info(m_input.get(), nullptr);
-    if (result < 0) throw Failure("cannot read {}: {}", m_name, LibavText(result));
+    int result = avformat_find_stream_info(input_.get(), nullptr);
+    if (result < 0) throw Failure("cannot read {}: {}", name_, LibavText(result));
     const AVCodec* codec = nullptr;
-    m_videoIndex = av_find_best_stream(m_input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
-    if (m_videoIndex < 0 || codec == nullptr ||
+    videoIndex_ = av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
+    if (videoIndex_ < 0 || codec == nullptr ||
         (VideoStream().disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) {
-        throw Failure("{} has no video that can be decoded", m_name);
+        throw Failure("{} has no video that can be decoded", name_);
     }
     const AVCodecParameters& parameters = *VideoStream().codecpar;
-    if (IsTextReader(parameters.codec_id)) throw Failure("{} is text, not a video or picture", m_name);
-    for (unsigned i = 0; i < m_input->nb_streams; ++i) {
-        AVStream& stream = *m_input->streams[i];
+    if (IsTextReader(parameters.codec_id)) throw Failure("{} is text, not a video or picture", name_);
+    for (unsigned i = 0; i < input_->nb_streams; ++i) {
+        AVStream& stream = *input_->streams[i];
         const bool used =
-            static_cast<int>(i) == m_videoIndex || stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
+            static_cast<int>(i) == videoIndex_ || stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
         if (!used) stream.discard = AVDISCARD_ALL;
     }
-    m_decoder.reset(avcodec_alloc_context3(codec));
-    if (!m_decoder) throw std::bad_alloc();
-    result = avcodec_parameters_to_context(m_decoder.get(), &parameters);
-    m_decoder->pkt_timebase = VideoStream().time_base;
-    m_decoder->thread_count = 0;
-    if (m_stream.kind == InputKind::Live) m_decoder->thread_type = FF_THREAD_SLICE;  // adds no delay
-    if (result >= 0) result = avcodec_open2(m_decoder.get(), codec, nullptr);
-    if (result < 0) throw Failure("cannot decode {}: {}", m_name, LibavText(result));
+    decoder_.reset(avcodec_alloc_context3(codec));
+    if (!decoder_) throw std::bad_alloc();
+    result = avcodec_parameters_to_context(decoder_.get(), &parameters);
+    decoder_->pkt_timebase = VideoStream().time_base;
+    decoder_->thread_count = 0;
+    if (stream_.kind == InputKind::Live) decoder_->thread_type = FF_THREAD_SLICE;  // adds no delay
+    if (result >= 0) result = avcodec_open2(decoder_.get(), codec, nullptr);
+    if (result < 0) throw Failure("cannot decode {}: {}", name_, LibavText(result));
 }
 
 bool MediaInput::IsStillPicture() const {
-    const std::string_view reader = m_input->iformat->name;
+    const std::string_view reader = input_->iformat->name;
     return reader == "image2" || reader.ends_with("_pipe");
 }
 
 void MediaInput::Describe(const InputOptions& options, const Notes& notes) {
     const AVStream& stream = VideoStream();
     if (const uint8_t* matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr)) {
-        m_quarterTurns = QuarterTurns(matrix);
+        quarterTurns_ = QuarterTurns(matrix);
     }
     if (IsStillPicture()) {
-        m_stream.kind = InputKind::Picture;
+        stream_.kind = InputKind::Picture;
         // Only the decoded picture tells how the photographer held the camera.
-        if (!DecodeNext()) throw Failure("{} cannot be decoded; it may be cut short", m_name);
-        if (const auto* data = av_frame_get_side_data(m_picture.get(), AV_FRAME_DATA_DISPLAYMATRIX)) {
-            m_quarterTurns = QuarterTurns(data->data);
+        if (!DecodeNext()) throw Failure("{} cannot be decoded; it may be cut short", name_);
+        if (const auto* data = av_frame_get_side_data(picture_.get(), AV_FRAME_DATA_DISPLAYMATRIX)) {
+            quarterTurns_ = QuarterTurns(data->data);
         }
     }
-    Size native{m_decoder->width, m_decoder->height};
-    AVRational aspect = av_guess_sample_aspect_ratio(m_input.get(), m_input->streams[m_videoIndex], nullptr);
-    if (m_quarterTurns % 2 != 0) {
+    Size native{decoder_->width, decoder_->height};
+    AVRational aspect = av_guess_sample_aspect_ratio(input_.get(), input_->streams[videoIndex_], nullptr);
+    if (quarterTurns_ % 2 != 0) {
         std::swap(native.width, native.height);
         std::swap(aspect.num, aspect.den);
     }
-    if (native.width < 1 || native.height < 1)
-        throw Failure("{} has no pictures that can be decoded", m_name);
+    if (native.width < 1 || native.height < 1) throw Failure("{} has no pictures that can be decoded", name_);
     const Size wanted = options.size.value_or(native);
-    m_stream.size = EvenSize(wanted);
-    if (m_stream.size != wanted) {
+    stream_.size = EvenSize(wanted);
+    if (stream_.size != wanted) {
         notes.Add("{}x{} is scaled to {}x{}: sides have to be even", wanted.width, wanted.height,
-                  m_stream.size.width, m_stream.size.height);
+                  stream_.size.width, stream_.size.height);
     }
-    if (std::max(m_stream.size.width, m_stream.size.height) > kLargestSide) {
-        throw Failure("{} is {}x{}; effects take sides up to {}; --size scales it", m_name, native.width,
+    if (std::max(stream_.size.width, stream_.size.height) > kLargestSide) {
+        throw Failure("{} is {}x{}; effects take sides up to {}; --size scales it", name_, native.width,
                       native.height, kLargestSide);
     }
-    if (aspect.num > 0 && aspect.den > 0 && !options.size) m_stream.pixelAspect = aspect;
-    m_stream.colorSpace =
-        m_decoder->colorspace == AVCOL_SPC_RGB ? AVCOL_SPC_UNSPECIFIED : m_decoder->colorspace;
-    if (options.format == kFormatPacked) m_stream.colorSpace = AVCOL_SPC_SMPTE170M;
-    if (m_stream.kind == InputKind::Picture) return;
+    if (aspect.num > 0 && aspect.den > 0 && !options.size) stream_.pixelAspect = aspect;
+    stream_.colorSpace = decoder_->colorspace == AVCOL_SPC_RGB ? AVCOL_SPC_UNSPECIFIED : decoder_->colorspace;
+    if (options.format == kFormatPacked) stream_.colorSpace = AVCOL_SPC_SMPTE170M;
+    if (stream_.kind == InputKind::Picture) return;
 
-    const AVRational rate = av_guess_frame_rate(m_input.get(), m_input->streams[m_videoIndex], nullptr);
-    if (rate.num > 0 && rate.den > 0) m_stream.frameRate = rate;
-    m_stream.timeBase = stream.time_base;
-    if (m_stream.kind == InputKind::Live) return;
-    m_stream.frameCount = stream.nb_frames;
-    if (m_stream.frameCount <= 0 && m_input->duration > 0) {
-        m_stream.frameCount =
-            av_rescale_q(m_input->duration, av_get_time_base_q(), av_inv_q(m_stream.frameRate));
+    const AVRational rate = av_guess_frame_rate(input_.get(), input_->streams[videoIndex_], nullptr);
+    if (rate.num > 0 && rate.den > 0) stream_.frameRate = rate;
+    stream_.timeBase = stream.time_base;
+    if (stream_.kind == InputKind::Live) return;
+    stream_.frameCount = stream.nb_frames;
+    if (stream_.frameCount <= 0 && input_->duration > 0) {
+        stream_.frameCount =
+            av_rescale_q(input_->duration, av_get_time_base_q(), av_inv_q(stream_.frameRate));
     }
 }
 
 std::vector<const AVStream*> MediaInput::AudioStreams() const {
     std::vector<const AVStream*> streams;
-    for (unsigned i = 0; i < m_input->nb_streams; ++i) {
-        if (m_input->streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
-            streams.push_back(m_input->streams[i]);
+    for (unsigned i = 0; i < input_->nb_streams; ++i) {
+        if (input_->streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+            streams.push_back(input_->streams[i]);
         }
     }
     return streams;
@@ -184,42 +183,42 @@ std::vector<const AVStream*> MediaInput::AudioStreams() const {
 
 bool MediaInput::Read(Frame& frame) {
     // A picture has been decoded already.
-    if (m_picture->data[0] == nullptr && !DecodeNext()) return false;
+    if (picture_->data[0] == nullptr && !DecodeNext()) return false;
     Deliver(frame);
-    av_frame_unref(m_picture.get());
+    av_frame_unref(picture_.get());
     return true;
 }
 
 bool MediaInput::DecodeNext() {
     for (;;) {
-        int result = avcodec_receive_frame(m_decoder.get(), m_picture.get());
+        int result = avcodec_receive_frame(decoder_.get(), picture_.get());
         if (result == 0) return true;
         if (result == AVERROR_EOF) return false;
         if (result != AVERROR(EAGAIN)) {
-            ++m_damagedCount;
+            ++damagedCount_;
             continue;
         }
         bool isVideo = false;
         while (!isVideo && ReadPacket()) isVideo = !TakeAudioPacket();
-        if (m_inputEnded) {
-            avcodec_send_packet(m_decoder.get(), nullptr);
+        if (inputEnded_) {
+            avcodec_send_packet(decoder_.get(), nullptr);
             continue;
         }
-        ++m_packetCount;
-        result = avcodec_send_packet(m_decoder.get(), m_packet.get());
-        if (result < 0 || (m_packet->flags & AV_PKT_FLAG_CORRUPT) != 0) ++m_damagedCount;
+        ++packetCount_;
+        result = avcodec_send_packet(decoder_.get(), packet_.get());
+        if (result < 0 || (packet_->flags & AV_PKT_FLAG_CORRUPT) != 0) ++damagedCount_;
     }
 }
 
 // The next packet of a stream that is in use. False at the end, for whatever reason.
 bool MediaInput::ReadPacket() {
-    while (!m_inputEnded) {
-        av_packet_unref(m_packet.get());
-        const int result = av_read_frame(m_input.get(), m_packet.get());
+    while (!inputEnded_) {
+        av_packet_unref(packet_.get());
+        const int result = av_read_frame(input_.get(), packet_.get());
         if (result < 0) {
-            m_inputEnded = true;
-            if (result != AVERROR_EOF && !Interrupted()) m_readError = LibavText(result);
-        } else if (m_input->streams[m_packet->stream_index]->discard != AVDISCARD_ALL) {
+            inputEnded_ = true;
+            if (result != AVERROR_EOF && !Interrupted()) readError_ = LibavText(result);
+        } else if (input_->streams[packet_->stream_index]->discard != AVDISCARD_ALL) {
             return true;
         }
     }
@@ -228,70 +227,70 @@ bool MediaInput::ReadPacket() {
 
 // Puts the packet that was read into the queue of sound if it is sound.
 bool MediaInput::TakeAudioPacket() {
-    if (m_packet->stream_index == m_videoIndex) return false;
-    const AVStream& stream = *m_input->streams[m_packet->stream_index];
-    const int64_t start = m_input->start_time == AV_NOPTS_VALUE
+    if (packet_->stream_index == videoIndex_) return false;
+    const AVStream& stream = *input_->streams[packet_->stream_index];
+    const int64_t start = input_->start_time == AV_NOPTS_VALUE
                               ? 0
-                              : av_rescale_q(m_input->start_time, av_get_time_base_q(), stream.time_base);
-    if (m_packet->pts != AV_NOPTS_VALUE) m_packet->pts -= start;
-    if (m_packet->dts != AV_NOPTS_VALUE) m_packet->dts -= start;
+                              : av_rescale_q(input_->start_time, av_get_time_base_q(), stream.time_base);
+    if (packet_->pts != AV_NOPTS_VALUE) packet_->pts -= start;
+    if (packet_->dts != AV_NOPTS_VALUE) packet_->dts -= start;
     PacketPtr packet = NewPacket();
-    av_packet_move_ref(packet.get(), m_packet.get());
-    m_audio.push_back(std::move(packet));
+    av_packet_move_ref(packet.get(), packet_.get());
+    audio_.push_back(std::move(packet));
     return true;
 }
 
 PacketPtr MediaInput::NextAudio(int64_t end, bool readOn) {
-    while (m_audio.empty() && readOn && ReadPacket()) TakeAudioPacket();
-    if (m_audio.empty()) return nullptr;
-    const AVPacket& next = *m_audio.front();
-    const AVRational timeBase = m_input->streams[next.stream_index]->time_base;
+    while (audio_.empty() && readOn && ReadPacket()) TakeAudioPacket();
+    if (audio_.empty()) return nullptr;
+    const AVPacket& next = *audio_.front();
+    const AVRational timeBase = input_->streams[next.stream_index]->time_base;
     const bool before = end == std::numeric_limits<int64_t>::max() || next.pts == AV_NOPTS_VALUE ||
-                        av_compare_ts(next.pts, timeBase, end, m_stream.timeBase) < 0;
+                        av_compare_ts(next.pts, timeBase, end, stream_.timeBase) < 0;
     if (!before) return nullptr;
-    PacketPtr packet = std::move(m_audio.front());
-    m_audio.pop_front();
+    PacketPtr packet = std::move(audio_.front());
+    audio_.pop_front();
     return packet;
 }
 
 void MediaInput::Deliver(Frame& frame) {
-    Size target = m_stream.size;
-    if (m_quarterTurns % 2 != 0) std::swap(target.width, target.height);
+    Size target = stream_.size;
+    if (quarterTurns_ % 2 != 0) std::swap(target.width, target.height);
     const AVFrame& converted =
-        m_converter.Convert(*m_picture, target.width, target.height, PixelFormat(frame.Format()));
-    CopyTurned(converted, m_quarterTurns, frame);
-    frame.time = TimeOf(*m_picture);
-    m_lastTime = frame.time;
-    ++m_frameCount;
+        converter_.Convert(*picture_, target.width, target.height, PixelFormat(frame.Format()));
+    CopyTurned(converted, quarterTurns_, frame);
+    frame.time = TimeOf(*picture_);
+    lastTime_ = frame.time;
+    ++frameCount_;
 }
 
 // Ticks from the beginning, rising from frame to frame whatever the input says.
 int64_t MediaInput::TimeOf(const AVFrame& picture) {
-    const int64_t expected = m_lastTime < 0 ? 0 : m_lastTime + m_stream.TicksPerFrame();
-    if (picture.best_effort_timestamp == AV_NOPTS_VALUE || m_stream.kind == InputKind::Picture)
+    const int64_t expected = lastTime_ < 0 ? 0 : lastTime_ + stream_.TicksPerFrame();
+    if (picture.best_effort_timestamp == AV_NOPTS_VALUE || stream_.kind == InputKind::Picture)
         return expected;
-    const int64_t start = m_input->start_time == AV_NOPTS_VALUE
+    const int64_t start = input_->start_time == AV_NOPTS_VALUE
                               ? 0
-                              : av_rescale_q(m_input->start_time, av_get_time_base_q(), m_stream.timeBase);
-    return std::max(picture.best_effort_timestamp - start, m_lastTime + 1);
+                              : av_rescale_q(input_->start_time, av_get_time_base_q(), stream_.timeBase);
+    return std::max(picture.best_effort_timestamp - start, lastTime_ + 1);
 }
 
 std::string MediaInput::Shortfall() const {
-    if (!m_readError.empty()) return m_readError;
+    if (!readError_.empty()) return readError_;
     const int64_t announced = VideoStream().nb_frames;
-    if (announced > m_packetCount) {
-        return fmt::format("cut short, {} of {} frames are there", m_packetCount, announced);
+    if (announced > packetCount_) {
+        return fmt::format("cut short, {} of {} frames are there", packetCount_, announced);
     }
-    if (m_damagedCount > 0) return fmt::format("damaged, {} frames could not be read well", m_damagedCount);
+    if (damagedCount_ > 0) return fmt::format("damaged, {} frames could not be read well", damagedCount_);
     // Streams of sound may be longer than the video; a container that holds nothing but the video may not.
-    if (m_input->duration_estimation_method == AVFMT_DURATION_FROM_STREAM && AudioStreams().empty()) {
+    if (input_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM && AudioStreams().empty()) {
         constexpr int64_t kTolerance = AV_TIME_BASE / 2;
         const int64_t end =
-            av_rescale_q(m_lastTime + m_stream.TicksPerFrame(), m_stream.timeBase, av_get_time_base_q());
-        if (end + kTolerance < m_input->duration) {
+            av_rescale_q(lastTime_ + stream_.TicksPerFrame(), stream_.timeBase, av_get_time_base_q());
+        if (end + kTolerance < input_->duration) {
             return fmt::format("cut short, {:.1f} of {:.1f} seconds are there",
                                static_cast<double>(end) / AV_TIME_BASE,
-                               static_cast<double>(m_input->duration) / AV_TIME_BASE);
+                               static_cast<double>(input_->duration) / AV_TIME_BASE);
         }
     }
     return {};

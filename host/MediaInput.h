@@ -31,24 +31,24 @@ class MediaInput : public VideoInput {
     void Deliver(Frame& frame);
     int64_t TimeOf(const AVFrame& picture);
 
-    AVStream& VideoStream() const { return *m_input->streams[m_videoIndex]; }
+    AVStream& VideoStream() const { return *input_->streams[videoIndex_]; }
 
-    std::string m_name;
-    InputContextPtr m_input;
-    CodecContextPtr m_decoder;
-    PacketPtr m_packet;
-    AVFramePtr m_picture;
-    Converter m_converter;
-    int m_videoIndex = -1;
-    int m_quarterTurns = 0;
-    std::deque<PacketPtr> m_audio;
+    std::string name_;
+    InputContextPtr input_;
+    CodecContextPtr decoder_;
+    PacketPtr packet_;
+    AVFramePtr picture_;
+    Converter converter_;
+    int videoIndex_ = -1;
+    int quarterTurns_ = 0;
+    std::deque<PacketPtr> audio_;
 
-    bool m_inputEnded = false;
-    std::string m_readError;
-    int64_t m_packetCount = 0;   // of video
-    int64_t m_damagedCount = 0;  // packets that are cut short or cannot be decoded
-    int64_t m_frameCount = 0;
-    int64_t m_lastTime = -1;
+    bool inputEnded_ = false;
+    std::string readError_;
+    int64_t packetCount_ = 0;   // of video
+    int64_t damagedCount_ = 0;  // packets that are cut short or cannot be decoded
+    int64_t frameCount_ = 0;
+    int64_t lastTime_ = -1;
 };
 
 }  // namespace host

@@ -35,15 +35,15 @@ class MediaOutput : public VideoOutput {
     void Mux(AVPacket& packet);
     void Check(int result) const;
 
-    OutputFile m_file;
-    OutputContextPtr m_output;
-    CodecContextPtr m_encoder;
-    AVStream* m_video = nullptr;
-    std::map<int, AudioTrack> m_audio;  // by the input's stream number
-    AVRational m_inputTimeBase;
-    int64_t m_lastTime = -1;  // in the encoder's ticks
-    int64_t m_ticksPerFrame = 1;
-    Converter m_converter;
+    OutputFile file_;
+    OutputContextPtr output_;
+    CodecContextPtr encoder_;
+    AVStream* video_ = nullptr;
+    std::map<int, AudioTrack> audio_;  // by the input's stream number
+    AVRational inputTimeBase_;
+    int64_t lastTime_ = -1;  // in the encoder's ticks
+    int64_t ticksPerFrame_ = 1;
+    Converter converter_;
 };
 
 }  // namespace host

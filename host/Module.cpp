@@ -67,28 +67,28 @@ void Module::Unload::operator()(void* library) const {
 
 Module::Module(const std::string& path) {
     if (!path.empty() && !IsFile(path)) throw Failure("there is no module {}", path);
-    m_library.reset(Load(path));
-    if (!m_library) {
+    library_.reset(Load(path));
+    if (!library_) {
         const char* why = dlerror();
         throw Failure("cannot load the effect module: {}; --module PATH says where it is",
                       why != nullptr ? why : "unknown error");
     }
-    m_path = PathOf(m_library.get());
+    path_ = PathOf(library_.get());
     using CreateFunction = ISpecialEffectFactory*();
-    auto* create = reinterpret_cast<CreateFunction*>(dlsym(m_library.get(), "CreateSpecialEffectFactory"));
+    auto* create = reinterpret_cast<CreateFunction*>(dlsym(library_.get(), "CreateSpecialEffectFactory"));
     if (create == nullptr) {
-        throw Failure("{} is no effect module: it has no CreateSpecialEffectFactory", m_path.string());
+        throw Failure("{} is no effect module: it has no CreateSpecialEffectFactory", path_.string());
     }
-    m_factory.reset(create());
-    if (!m_factory) throw std::bad_alloc();
-    m_factory->AddRef();
+    factory_.reset(create());
+    if (!factory_) throw std::bad_alloc();
+    factory_->AddRef();
 }
 
 std::vector<EffectGuid> Module::Listing() const {
     uint32_t count = 0;
-    if (m_factory->EnumerateEffects(nullptr, &count) != kSuccess) return {};
+    if (factory_->EnumerateEffects(nullptr, &count) != kSuccess) return {};
     std::vector<EffectGuid> list(count);
-    const ResultCode code = m_factory->EnumerateEffects(list.data(), &count);
+    const ResultCode code = factory_->EnumerateEffects(list.data(), &count);
     if (code != kSuccess) throw Failure("the module does not list its effects: {}", ResultText(code));
     list.resize(count);
     return list;
@@ -96,12 +96,12 @@ std::vector<EffectGuid> Module::Listing() const {
 
 EffectHandle Module::Create(const EffectGuid& guid) const {
     CSpecialEffectFilter* effect = nullptr;
-    if (m_factory->CreateEffect(guid, 0, &effect) != kSuccess) effect = nullptr;
-    return EffectHandle(effect, EffectDeleter(m_factory.get()));
+    if (factory_->CreateEffect(guid, 0, &effect) != kSuccess) effect = nullptr;
+    return EffectHandle(effect, EffectDeleter(factory_.get()));
 }
 
 fs::path Module::DataFile(const std::string& name) const {
-    const fs::path module = m_path.parent_path();
+    const fs::path module = path_.parent_path();
     const fs::path program = ProgramFolder();
     const std::array<fs::path, 6> folders = {
         module / "share",

@@ -14,11 +14,11 @@ namespace host {
 /// Gives an effect back to the factory that made it.
 class EffectDeleter {
   public:
-    explicit EffectDeleter(ISpecialEffectFactory* factory = nullptr) : m_factory(factory) {}
-    void operator()(CSpecialEffectFilter* effect) const { m_factory->DestroyEffect(effect); }
+    explicit EffectDeleter(ISpecialEffectFactory* factory = nullptr) : factory_(factory) {}
+    void operator()(CSpecialEffectFilter* effect) const { factory_->DestroyEffect(effect); }
 
   private:
-    ISpecialEffectFactory* m_factory;
+    ISpecialEffectFactory* factory_;
 };
 
 /// An effect. The module it comes from has to outlive it.
@@ -39,7 +39,7 @@ class Module {
     explicit Module(const std::string& path);
 
     /// The file that was loaded.
-    const std::filesystem::path& Path() const { return m_path; }
+    const std::filesystem::path& Path() const { return path_; }
 
     /// The effects that the module lists, doubles and all.
     std::vector<EffectGuid> Listing() const;
@@ -59,9 +59,9 @@ class Module {
         void operator()(ISpecialEffectFactory* factory) const { factory->Release(); }
     };
 
-    std::unique_ptr<void, Unload> m_library;
-    std::unique_ptr<ISpecialEffectFactory, ReleaseFactory> m_factory;
-    std::filesystem::path m_path;
+    std::unique_ptr<void, Unload> library_;
+    std::unique_ptr<ISpecialEffectFactory, ReleaseFactory> factory_;
+    std::filesystem::path path_;
 };
 
 std::string NameOf(CSpecialEffectFilter& effect);

@@ -11,7 +11,7 @@
 
 namespace host {
 
-OutputFile::OutputFile(const std::string& path) : m_path(path), m_partPath(path + ".part") {
+OutputFile::OutputFile(const std::string& path) : path_(path), partPath_(path + ".part") {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) {
         if (S_ISDIR(status.st_mode)) throw Failure("cannot write {}: it is a directory", path);
@@ -19,30 +19,30 @@ OutputFile::OutputFile(const std::string& path) : m_path(path), m_partPath(path 
         if (!S_ISREG(status.st_mode)) throw Failure("cannot write {}: it is not a regular file", path);
         if (access(path.c_str(), W_OK) != 0) throw Failure("cannot write {}: {}", path, SystemText(errno));
     }
-    m_descriptor = open(m_partPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (m_descriptor < 0) throw Failure("cannot write {}: {}", path, SystemText(errno));
+    descriptor_ = open(partPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (descriptor_ < 0) throw Failure("cannot write {}: {}", path, SystemText(errno));
 }
 
 OutputFile::~OutputFile() {
-    if (m_descriptor < 0) return;
-    close(m_descriptor);
-    unlink(m_partPath.c_str());
+    if (descriptor_ < 0) return;
+    close(descriptor_);
+    unlink(partPath_.c_str());
 }
 
 void OutputFile::Write(const void* bytes, size_t size) {
-    if (const int error = WriteAll(m_descriptor, bytes, size); error != 0) {
-        throw Failure("cannot write {}: {}", m_path, SystemText(error));
+    if (const int error = WriteAll(descriptor_, bytes, size); error != 0) {
+        throw Failure("cannot write {}: {}", path_, SystemText(error));
     }
 }
 
 void OutputFile::Commit() {
     // Some file systems find out only now that there was no room.
-    if (fsync(m_descriptor) != 0) throw Failure("cannot write {}: {}", m_path, SystemText(errno));
-    if (std::rename(m_partPath.c_str(), m_path.c_str()) != 0) {
-        throw Failure("cannot write {}: {}", m_path, SystemText(errno));
+    if (fsync(descriptor_) != 0) throw Failure("cannot write {}: {}", path_, SystemText(errno));
+    if (std::rename(partPath_.c_str(), path_.c_str()) != 0) {
+        throw Failure("cannot write {}: {}", path_, SystemText(errno));
     }
-    close(m_descriptor);
-    m_descriptor = -1;
+    close(descriptor_);
+    descriptor_ = -1;
 }
 
 int WriteAll(int descriptor, const void* bytes, size_t size) {

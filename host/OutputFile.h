@@ -17,9 +17,9 @@ class OutputFile {
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile();
 
-    const std::string& Path() const { return m_path; }
+    const std::string& Path() const { return path_; }
     /// The file that is being written.
-    const std::string& PartPath() const { return m_partPath; }
+    const std::string& PartPath() const { return partPath_; }
 
     /// Throws Failure, for one when the disk is full.
     void Write(const void* bytes, size_t size);
@@ -28,9 +28,9 @@ class OutputFile {
     void Commit();
 
   private:
-    std::string m_path;
-    std::string m_partPath;
-    int m_descriptor = -1;
+    std::string path_;
+    std::string partPath_;
+    int descriptor_ = -1;
 };
 
 /// Writes all of it; the result is 0 or an errno value.

@@ -59,38 +59,38 @@ bool IsPictureName(const std::string& path) {
 }
 
 PictureInput::PictureInput(VideoInput& source, int32_t format)
-    : m_picture(source.Stream().size.width, source.Stream().size.height, format) {
-    m_stream = source.Stream();
-    if (!source.Read(m_picture)) throw Failure("the picture cannot be decoded");
+    : picture_(source.Stream().size.width, source.Stream().size.height, format) {
+    stream_ = source.Stream();
+    if (!source.Read(picture_)) throw Failure("the picture cannot be decoded");
 }
 
 bool PictureInput::Read(Frame& frame) {
-    frame = m_picture;
-    frame.time = m_count++ * m_stream.TicksPerFrame();
+    frame = picture_;
+    frame.time = count_++ * stream_.TicksPerFrame();
     return true;
 }
 
 PictureOutput::PictureOutput(const std::string& path, const StreamInfo& stream)
-    : m_file(path), m_colorSpace(stream.colorSpace) {}
+    : file_(path), colorSpace_(stream.colorSpace) {}
 
 void PictureOutput::Write(const Frame& frame) {
-    const PictureFormat& format = *FormatOf(m_file.Path());
+    const PictureFormat& format = *FormatOf(file_.Path());
     const AVFramePtr view = ViewOf(frame);
-    view->colorspace = m_colorSpace;
+    view->colorspace = colorSpace_;
     Converter converter;
     const AVFrame& converted = converter.Convert(*view, frame.Width(), frame.Height(), format.pixels);
     // The encoder wants planes of its own kind of memory.
     const AVFramePtr picture = NewAVFrame(frame.Width(), frame.Height(), format.pixels);
-    if (av_frame_copy(picture.get(), &converted) < 0) throw Failure("cannot encode {}", m_file.Path());
+    if (av_frame_copy(picture.get(), &converted) < 0) throw Failure("cannot encode {}", file_.Path());
     picture->pts = 0;
     picture->quality = 2 * FF_QP2LAMBDA;
-    m_encoded = Encode(*picture, format, m_file.Path());
+    encoded_ = Encode(*picture, format, file_.Path());
 }
 
 void PictureOutput::Finish() {
-    if (!m_encoded) throw Failure("there is no frame for {}", m_file.Path());
-    m_file.Write(m_encoded->data, static_cast<size_t>(m_encoded->size));
-    m_file.Commit();
+    if (!encoded_) throw Failure("there is no frame for {}", file_.Path());
+    file_.Write(encoded_->data, static_cast<size_t>(encoded_->size));
+    file_.Commit();
 }
 
 }  // namespace host

@@ -15,8 +15,8 @@ class PictureInput : public VideoInput {
     bool Read(Frame& frame) override;
 
   private:
-    Frame m_picture;
-    int64_t m_count = 0;
+    Frame picture_;
+    int64_t count_ = 0;
 };
 
 /// A PNG or JPEG file of the last frame that is written.
@@ -28,9 +28,9 @@ class PictureOutput : public VideoOutput {
     void Finish() override;
 
   private:
-    OutputFile m_file;
-    AVColorSpace m_colorSpace;
-    PacketPtr m_encoded;
+    OutputFile file_;
+    AVColorSpace colorSpace_;
+    PacketPtr encoded_;
 };
 
 /// Whether the extension is one that PictureOutput writes.

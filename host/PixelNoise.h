@@ -13,14 +13,14 @@ namespace host {
 class PixelNoise {
   public:
     PixelNoise(int64_t frame, int plane, int row)
-        : m_state(Mixed(static_cast<uint64_t>(frame) * 0x9E3779B97F4A7C15u +
-                        static_cast<uint64_t>(plane) * 0xC2B2AE3D27D4EB4Fu + static_cast<uint64_t>(row))) {}
+        : state_(Mixed(static_cast<uint64_t>(frame) * 0x9E3779B97F4A7C15u +
+                       static_cast<uint64_t>(plane) * 0xC2B2AE3D27D4EB4Fu + static_cast<uint64_t>(row))) {}
 
     /// About normal, with mean 0 and standard deviation `sigma`: the bits of a random word, counted.
     int Sample(int sigma) {
-        m_state = m_state * 6364136223846793005u + 1442695040888963407u;
+        state_ = state_ * 6364136223846793005u + 1442695040888963407u;
         // 64 bits have a mean of 32 and a standard deviation of 4.
-        return (std::popcount(Mixed(m_state)) - 32) * sigma / 4;
+        return (std::popcount(Mixed(state_)) - 32) * sigma / 4;
     }
 
   private:
@@ -30,7 +30,7 @@ class PixelNoise {
         return x ^ (x >> 31);
     }
 
-    uint64_t m_state;
+    uint64_t state_;
 };
 
 inline uint8_t Saturated(int value) {

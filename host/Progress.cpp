@@ -9,20 +9,20 @@
 namespace host {
 
 Progress::Progress(int64_t total, bool quiet)
-    : m_total(total), m_visible(!quiet && isatty(STDERR_FILENO) != 0) {}
+    : total_(total), visible_(!quiet && isatty(STDERR_FILENO) != 0) {}
 
 Progress::~Progress() {
-    if (m_visible) fmt::print(stderr, "\r\033[K");
+    if (visible_) fmt::print(stderr, "\r\033[K");
 }
 
 void Progress::Show(int64_t frames) {
-    if (!m_visible) return;
+    if (!visible_) return;
     constexpr std::chrono::milliseconds kInterval(100);
     const auto now = Clock::now();
-    if (now - m_shown < kInterval && frames != m_total) return;
-    m_shown = now;
-    const std::chrono::duration<double> passed = now - m_start;
-    fmt::print(stderr, "\r{}\033[K", ProgressLine(frames, m_total, passed.count()));
+    if (now - shown_ < kInterval && frames != total_) return;
+    shown_ = now;
+    const std::chrono::duration<double> passed = now - start_;
+    fmt::print(stderr, "\r{}\033[K", ProgressLine(frames, total_, passed.count()));
     std::fflush(stderr);
 }
 

@@ -21,10 +21,10 @@ class Progress {
   private:
     using Clock = std::chrono::steady_clock;
 
-    int64_t m_total;
-    bool m_visible;
-    Clock::time_point m_start = Clock::now();
-    Clock::time_point m_shown{};
+    int64_t total_;
+    bool visible_;
+    Clock::time_point start_ = Clock::now();
+    Clock::time_point shown_{};
 };
 
 /// The line: "[#####.....]  60/120 frames, 30.0 fps, 0:02 left".

@@ -17,24 +17,24 @@ constexpr const char* kDataFiles[] = {"haar.txt", "logo3.bmp", kNoiseFile};
 
 }  // namespace
 
-ScratchDirectory::ScratchDirectory() : m_before(fs::current_path()) {
+ScratchDirectory::ScratchDirectory() : before_(fs::current_path()) {
     std::string name = (fs::temp_directory_path() / "specialeffects-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
         throw Failure("cannot make a directory in {}: {}", fs::temp_directory_path().string(),
                       SystemText(errno));
     }
-    m_path = name;
-    fs::current_path(m_path);
+    path_ = name;
+    fs::current_path(path_);
     for (const char* file : kDataFiles) {
         std::error_code error;
-        if (fs::exists(m_before / file, error)) fs::create_symlink(m_before / file, file, error);
+        if (fs::exists(before_ / file, error)) fs::create_symlink(before_ / file, file, error);
     }
 }
 
 ScratchDirectory::~ScratchDirectory() {
     std::error_code error;
-    fs::current_path(m_before, error);
-    fs::remove_all(m_path, error);
+    fs::current_path(before_, error);
+    fs::remove_all(path_, error);
 }
 
 void ScratchDirectory::LeaveEmptyNoiseFile() const {

@@ -20,8 +20,8 @@ class ScratchDirectory {
     void LeaveEmptyNoiseFile() const;
 
   private:
-    std::filesystem::path m_before;
-    std::filesystem::path m_path;
+    std::filesystem::path before_;
+    std::filesystem::path path_;
 };
 
 }  // namespace host

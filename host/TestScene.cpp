@@ -68,22 +68,22 @@ void PaintDisc(double centreX, double centreY, double radius, int width, int hei
 
 TestScene::TestScene(const InputOptions& options, const Notes& notes) {
     const Size wanted = options.size.value_or(kDefaultSize);
-    m_stream.kind = InputKind::Scene;
-    m_stream.size = EvenSize(wanted);
-    if (m_stream.size != wanted) {
+    stream_.kind = InputKind::Scene;
+    stream_.size = EvenSize(wanted);
+    if (stream_.size != wanted) {
         notes.Add("{}x{} becomes {}x{}: sides have to be even", wanted.width, wanted.height,
-                  m_stream.size.width, m_stream.size.height);
+                  stream_.size.width, stream_.size.height);
     }
-    m_stream.colorSpace = AVCOL_SPC_SMPTE170M;
-    m_drawn = Frame(m_stream.size.width, m_stream.size.height, kFormatPlanar);
+    stream_.colorSpace = AVCOL_SPC_SMPTE170M;
+    drawn_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
 }
 
 bool TestScene::Read(Frame& frame) {
-    DrawTestScene(m_count, m_drawn);
-    const AVFramePtr view = ViewOf(m_drawn);
-    CopyTurned(m_converter.Convert(*view, frame.Width(), frame.Height(), PixelFormat(frame.Format())), 0,
+    DrawTestScene(count_, drawn_);
+    const AVFramePtr view = ViewOf(drawn_);
+    CopyTurned(converter_.Convert(*view, frame.Width(), frame.Height(), PixelFormat(frame.Format())), 0,
                frame);
-    frame.time = m_count++;
+    frame.time = count_++;
     return true;
 }
 

@@ -15,9 +15,9 @@ class TestScene : public VideoInput {
     bool Read(Frame& frame) override;
 
   private:
-    Frame m_drawn;  // planar
-    Converter m_converter;
-    int64_t m_count = 0;
+    Frame drawn_;  // planar
+    Converter converter_;
+    int64_t count_ = 0;
 };
 
 /// Draws frame `number` of the scene into a planar frame.

@@ -44,7 +44,7 @@ class VideoInput {
   public:
     virtual ~VideoInput() = default;
 
-    const StreamInfo& Stream() const { return m_stream; }
+    const StreamInfo& Stream() const { return stream_; }
 
     /// The next frame in the stream's size, in the layout that the frame has. False at the end.
     virtual bool Read(Frame& frame) = 0;
@@ -63,7 +63,7 @@ class VideoInput {
     virtual std::string Shortfall() const { return {}; }
 
   protected:
-    StreamInfo m_stream;
+    StreamInfo stream_;
 };
 
 struct InputOptions {

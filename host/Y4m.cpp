@@ -51,7 +51,7 @@ Y4mPipe::Y4mPipe(const StreamInfo& stream) {
 }
 
 void Y4mPipe::Write(const Frame& frame) {
-    WriteFrame(frame, m_converter, [this](const void* bytes, size_t size) { WriteBytes(bytes, size); });
+    WriteFrame(frame, converter_, [this](const void* bytes, size_t size) { WriteBytes(bytes, size); });
 }
 
 void Y4mPipe::WriteBytes(const void* bytes, size_t size) {
@@ -60,13 +60,13 @@ void Y4mPipe::WriteBytes(const void* bytes, size_t size) {
     if (error != 0) throw Failure("cannot write to standard output: {}", SystemText(error));
 }
 
-Y4mFile::Y4mFile(const std::string& path, const StreamInfo& stream) : m_file(path) {
+Y4mFile::Y4mFile(const std::string& path, const StreamInfo& stream) : file_(path) {
     const std::string header = Y4mHeader(stream);
-    m_file.Write(header.data(), header.size());
+    file_.Write(header.data(), header.size());
 }
 
 void Y4mFile::Write(const Frame& frame) {
-    WriteFrame(frame, m_converter, [this](const void* bytes, size_t size) { m_file.Write(bytes, size); });
+    WriteFrame(frame, converter_, [this](const void* bytes, size_t size) { file_.Write(bytes, size); });
 }
 
 }  // namespace host

@@ -23,7 +23,7 @@ class Y4mPipe : public VideoOutput {
   private:
     void WriteBytes(const void* bytes, size_t size);
 
-    Converter m_converter;
+    Converter converter_;
 };
 
 /// To a file.
@@ -32,11 +32,11 @@ class Y4mFile : public VideoOutput {
     Y4mFile(const std::string& path, const StreamInfo& stream);
 
     void Write(const Frame& frame) override;
-    void Finish() override { m_file.Commit(); }
+    void Finish() override { file_.Commit(); }
 
   private:
-    OutputFile m_file;
-    Converter m_converter;
+    OutputFile file_;
+    Converter converter_;
 };
 
 }  // namespace host
