@@ -13,6 +13,8 @@
 #include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
+#include "imaging/PrimRow.h"
+#include "imaging/Simd.h"
 
 using prim::CheckAlignment;
 using prim::CheckImage;
@@ -53,6 +55,34 @@ SE_INLINE void ForPixels(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff
     }
 }
 
+/// The same for operations that need 16 bits: op takes and returns bytes as uint16_t. Pixels are taken in
+/// pairs, as one 16-bit number whose halves are worked on by themselves, so that vector code never changes
+/// its width.
+template <typename Op>
+SE_INLINE void ForPixelsWide(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                             ptrdiff_t width, ptrdiff_t height, Op op) {
+    if (srcStep == width && dstStep == width) {
+        width *= height;
+        height = 1;
+    }
+    const ptrdiff_t pairs = width / 2;
+    for (; height > 0; --height, src += srcStep, dst += dstStep) {
+        for (ptrdiff_t i = 0; i < pairs; ++i) {
+            uint16_t a;
+            uint16_t b;
+            std::memcpy(&a, src + 2 * i, 2);
+            std::memcpy(&b, dst + 2 * i, 2);
+            const uint16_t low = op(static_cast<uint16_t>(a & 255), static_cast<uint16_t>(b & 255));
+            const uint16_t high = op(static_cast<uint16_t>(a >> 8), static_cast<uint16_t>(b >> 8));
+            const auto both = static_cast<uint16_t>(low | high << 8);
+            std::memcpy(dst + 2 * i, &both, 2);
+        }
+        if (width % 2 != 0) {
+            dst[width - 1] = static_cast<uint8_t>(op(src[width - 1], dst[width - 1]));
+        }
+    }
+}
+
 /// v / 2^shift to the nearest, ties to even, for the shifts 1 to 16 and values up to 65535 - 2^(shift-1). A
 /// right shift is the high half of a product, which stays in 16 bits when a loop is turned into vector code.
 /// Loops take the object by reference: where the compiler can see how the factor is made it falls back to 32
@@ -82,8 +112,8 @@ class EvenShift {
     uint16_t saturation_;
 };
 
-SE_INLINE uint8_t Saturate(uint16_t v) {
-    return static_cast<uint8_t>(std::min<uint16_t>(v, 255));
+SE_INLINE uint16_t Saturate(uint16_t v) {
+    return std::min<uint16_t>(v, 255);
 }
 
 /// sat8(v * 2^-scale) for scales of 0 and below. -8 takes all that is not 0 to 255, as any lower scale does.
@@ -91,7 +121,7 @@ class SaturatingScale {
   public:
     explicit SaturatingScale(int32_t scale) : factor_(static_cast<uint16_t>(1u << -std::max(scale, -8))) {}
 
-    SE_INLINE uint8_t operator()(uint16_t v) const {
+    SE_INLINE uint16_t operator()(uint16_t v) const {
         return Saturate(static_cast<uint16_t>(Saturate(v) * factor_));
     }
 
@@ -99,17 +129,17 @@ class SaturatingScale {
     uint16_t factor_;
 };
 
-SE_MULTIVERSION void AddUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
-    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
-              [=](uint8_t a, uint8_t b) { return scaled(static_cast<uint16_t>(a + b)); });
+SE_INLINE uint16_t Sum(uint16_t a, uint16_t b) {
+    return static_cast<uint16_t>(a + b);
+}
+SE_INLINE uint16_t Product(uint16_t a, uint16_t b) {
+    return static_cast<uint16_t>(a * b);
 }
 
-SE_MULTIVERSION void AddDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                             ptrdiff_t width, ptrdiff_t height, const EvenShift& evenShift) {
-    ForPixels(src, srcStep, srcDst, srcDstStep, width, height, [=](uint8_t a, uint8_t b) {
-        return static_cast<uint8_t>(evenShift(static_cast<uint16_t>(a + b)));
-    });
+/// max(a - b, 0)
+template <typename T>
+SE_INLINE T DifferenceDownTo0(T a, T b) {
+    return static_cast<T>(std::max(a, b) - b);
 }
 
 SE_MULTIVERSION void AddSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst,
@@ -120,56 +150,65 @@ SE_MULTIVERSION void AddSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t
     });
 }
 
-SE_INLINE uint16_t SubtractDownTo0(uint8_t a, uint8_t b) {
-    return static_cast<uint16_t>(std::max(a, b) - b);
+SE_MULTIVERSION void AddUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
+    ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
+                  [=](uint16_t a, uint16_t b) { return scaled(Sum(a, b)); });
 }
 
-SE_MULTIVERSION void SubUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
-    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
-              [=](uint8_t a, uint8_t b) { return scaled(SubtractDownTo0(b, a)); });
+SE_MULTIVERSION void AddDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                             ptrdiff_t width, ptrdiff_t height, const EvenShift& shifted) {
+    ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
+                  [=](uint16_t a, uint16_t b) { return shifted(Sum(a, b)); });
 }
 
 SE_MULTIVERSION void SubSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst,
                                   ptrdiff_t srcDstStep, ptrdiff_t width, ptrdiff_t height) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
-              [](uint8_t a, uint8_t b) { return static_cast<uint8_t>(SubtractDownTo0(b, a)); });
+              [](uint8_t a, uint8_t b) { return DifferenceDownTo0(b, a); });
+}
+
+SE_MULTIVERSION void SubUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
+    ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
+                  [=](uint16_t a, uint16_t b) { return scaled(DifferenceDownTo0(b, a)); });
 }
 
 SE_MULTIVERSION void SubDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                             ptrdiff_t width, ptrdiff_t height, const EvenShift& evenShift) {
-    ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
-              [=](uint8_t a, uint8_t b) { return static_cast<uint8_t>(evenShift(SubtractDownTo0(b, a))); });
+                             ptrdiff_t width, ptrdiff_t height, const EvenShift& shifted) {
+    ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
+                  [=](uint16_t a, uint16_t b) { return shifted(DifferenceDownTo0(b, a)); });
 }
 
-SE_MULTIVERSION void MulUp(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+SE_MULTIVERSION void MulUp(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
                            const SaturatingScale& scaled) {
-    ForPixels(data, step, width, height, [=](uint8_t a) { return scaled(static_cast<uint16_t>(a * value)); });
+    ForPixelsWide(data, step, data, step, width, height,
+                  [=](uint16_t a, uint16_t) { return scaled(Product(a, value)); });
 }
 
-SE_MULTIVERSION void MulDown(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                             const EvenShift& evenShift) {
-    ForPixels(data, step, width, height, [=, limit = evenShift.saturation()](uint8_t a) {
-        const auto product = static_cast<uint16_t>(a * value);
-        return static_cast<uint8_t>(evenShift(std::min(product, limit)));
-    });
+SE_MULTIVERSION void MulDown(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                             const EvenShift& shifted) {
+    ForPixelsWide(data, step, data, step, width, height,
+                  [=, limit = shifted.saturation()](uint16_t a, uint16_t) {
+                      return shifted(std::min(Product(a, value), limit));
+                  });
 }
 
 /// The same for shifts above 9, where a rounding term would leave the 16 bits: one bit is shifted out first,
-/// and kept in the bit above it, which lies far below the half.
-SE_MULTIVERSION void MulFarDown(uint8_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width,
-                                ptrdiff_t height, const EvenShift& evenShift) {
-    ForPixels(data, step, width, height, [=](uint8_t a) {
-        const auto product = static_cast<uint16_t>(a * value);
-        return static_cast<uint8_t>(evenShift(static_cast<uint16_t>((product >> 1) | (product & 1))));
+/// and kept in the bit above it, which lies far below the half. `shifted` does the rest.
+SE_MULTIVERSION void MulFarDown(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width,
+                                ptrdiff_t height, const EvenShift& shifted) {
+    ForPixelsWide(data, step, data, step, width, height, [=](uint16_t a, uint16_t) {
+        const uint16_t product = Product(a, value);
+        return shifted(static_cast<uint16_t>((product >> 1) | (product & 1)));
     });
 }
 
 SE_MULTIVERSION void MulScale(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
                               ptrdiff_t width, ptrdiff_t height) {
-    ForPixels(src, srcStep, srcDst, srcDstStep, width, height, [](uint8_t a, uint8_t b) {
-        const auto product = static_cast<uint16_t>(a * b);  // at most 65025: the sum below stays in 16 bits
-        return static_cast<uint8_t>(static_cast<uint16_t>(product + (product >> 8) + 1) >> 8);
+    ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height, [](uint16_t a, uint16_t b) {
+        const uint16_t product = Product(a, b);  // at most 65025: the sum below stays in 16 bits
+        return static_cast<uint16_t>(static_cast<uint16_t>(product + (product >> 8) + 1) >> 8);
     });
 }
 
@@ -413,12 +452,21 @@ PrimStatus PrimReduceBits8uC3(const uint8_t* src, int32_t srcStep, uint8_t* dst,
 
 namespace {
 
+/// The mapping of a range of floats to bytes.
+struct ByteRange {
+    float lo;
+    float hi;
+    double factor;
+    double offset;
+};
+
 /// Rounds by adding 1.5 * 2^52, which leaves the nearest whole number, ties to even, in the low bits. That
 /// does for all values: at lo the sum below is 0.5 and at hi 255.5, give or take a rounding error, and both
 /// come out whole.
-SE_MULTIVERSION void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdiff_t width, float lo, float hi,
-                              double factor, double offset) {
+SE_MULTIVERSION void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdiff_t width,
+                              const ByteRange& range) {
     constexpr double kRound = 0x1.8p52;
+    const auto [lo, hi, factor, offset] = range;
     for (ptrdiff_t x = 0; x < width; ++x) {
         const float above = src[x] > lo ? src[x] : lo;  // also where it is not a number
         const float value = above < hi ? above : hi;
@@ -426,6 +474,37 @@ SE_MULTIVERSION void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdif
         dst[x] = static_cast<uint8_t>(std::bit_cast<uint64_t>(raised - 0.5 + kRound));
     }
 }
+
+#if SE_AVX2
+
+SE_TARGET_AVX2 SE_INLINE __m128i ScaleFour(__m128 values, __m256d factor, __m256d offset) {
+    const __m256d raised = _mm256_add_pd(_mm256_mul_pd(_mm256_cvtps_pd(values), factor), offset);
+    return _mm256_cvtpd_epi32(_mm256_sub_pd(raised, _mm256_set1_pd(0.5)));  // to nearest, ties to even
+}
+
+SE_TARGET_AVX2 SE_INLINE __m128i ScaleEight(const float* src, const ByteRange& range) {
+    // The second operand of a maximum stands where the first is not a number.
+    const __m256 above = _mm256_max_ps(_mm256_loadu_ps(src), _mm256_set1_ps(range.lo));
+    const __m256 values = _mm256_min_ps(above, _mm256_set1_ps(range.hi));
+    const __m256d factor = _mm256_set1_pd(range.factor);
+    const __m256d offset = _mm256_set1_pd(range.offset);
+    return _mm_packs_epi32(ScaleFour(_mm256_castps256_ps128(values), factor, offset),
+                           ScaleFour(_mm256_extractf128_ps(values, 1), factor, offset));
+}
+
+/// Returns how many pixels were done. (Single precision with a second look at doubtful pixels is no help:
+/// history planes hold few different values, and many of those fall on halves.)
+SE_TARGET_AVX2 ptrdiff_t ScaleRowAvx2(const float* src, uint8_t* dst, ptrdiff_t width,
+                                      const ByteRange& range) {
+    ptrdiff_t x = 0;
+    for (; x + 16 <= width; x += 16) {
+        const __m128i bytes = _mm_packus_epi16(ScaleEight(src + x, range), ScaleEight(src + x + 8, range));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + x), bytes);
+    }
+    return x;
+}
+
+#endif
 
 /// An infinite range has nothing between its ends.
 void ScaleRowInfinite(const float* src, uint8_t* dst, ptrdiff_t width, float hi) {
@@ -444,14 +523,20 @@ PrimStatus PrimScale32f8u(const float* src, int32_t srcStep, uint8_t* dst, int32
         return error;
     }
     const double factor = 255 / (double{hi} - double{lo});
-    const double offset = 0.5 - factor * double{lo};
-    for (int32_t y = 0; y < height; ++y, dst += dstStep) {
-        const auto* row = reinterpret_cast<const std::byte*>(src) + ptrdiff_t{y} * srcStep;
-        if (factor > 0) {
-            ScaleRow(reinterpret_cast<const float*>(row), dst, width, lo, hi, factor, offset);
-        } else {
-            ScaleRowInfinite(reinterpret_cast<const float*>(row), dst, width, hi);
+    const ByteRange range{lo, hi, factor, 0.5 - factor * double{lo}};
+    for (ptrdiff_t y = 0; y < height; ++y, dst += dstStep) {
+        const float* row = prim::Row(src, srcStep, y);
+        if (!(factor > 0)) {
+            ScaleRowInfinite(row, dst, width, hi);
+            continue;
         }
+        ptrdiff_t done = 0;
+#if SE_AVX2
+        if (simd::HasAvx2()) {
+            done = ScaleRowAvx2(row, dst, width, range);
+        }
+#endif
+        ScaleRow(row + done, dst + done, width - done, range);
     }
     return kPrimOk;
 }
@@ -487,9 +572,8 @@ PrimStatus PrimUpdateMotionHistory8u32f(const uint8_t* silhouette, int32_t silho
         return error;
     }
     const float oldest = timestamp - duration;
-    for (int32_t y = 0; y < height; ++y, silhouette += silhouetteStep) {
-        auto* row = reinterpret_cast<std::byte*>(mhi) + ptrdiff_t{y} * mhiStep;
-        UpdateHistoryRow(silhouette, reinterpret_cast<float*>(row), width, timestamp, oldest);
+    for (ptrdiff_t y = 0; y < height; ++y, silhouette += silhouetteStep) {
+        UpdateHistoryRow(silhouette, prim::Row(mhi, mhiStep, y), width, timestamp, oldest);
     }
     return kPrimOk;
 }
