@@ -1,0 +1,131 @@
+#include "Program.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "Libav.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Content(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+void Redirect(const std::string& path, int flags, int target) {
+    const int descriptor = open(path.c_str(), flags, 0644);
+    if (descriptor < 0 || dup2(descriptor, target) < 0) _exit(126);
+    close(descriptor);
+}
+
+int g_runs = 0;
+
+class QuietLibraries : public testing::Environment {
+    void SetUp() override { host::SetUpLibav(); }
+};
+[[maybe_unused]] const auto* const g_environment = testing::AddGlobalTestEnvironment(new QuietLibraries);
+
+}  // namespace
+
+Child::Child(const std::vector<std::string>& command, const fs::path& directory, const RunOptions& options)
+    : directory_(directory) {
+    const std::string number = std::to_string(g_runs++);
+    outFile_ = options.output.empty() ? (directory / (".out" + number)).string() : options.output;
+    errorFile_ = options.error.empty() ? (directory / (".error" + number)).string() : options.error;
+    std::vector<char*> arguments;
+    for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    pid_ = fork();
+    if (pid_ != 0) return;
+
+    Redirect(options.input.empty() ? "/dev/null" : options.input, O_RDONLY, STDIN_FILENO);
+    Redirect(outFile_, O_WRONLY | O_CREAT | (options.output.empty() ? O_TRUNC : 0), STDOUT_FILENO);
+    Redirect(errorFile_, O_WRONLY | O_CREAT | O_TRUNC | O_NOCTTY, STDERR_FILENO);
+    if (chdir(directory.c_str()) != 0) _exit(126);
+    if (options.fileSizeLimit) {
+        const rlimit limit{*options.fileSizeLimit, *options.fileSizeLimit};
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(126);
+    }
+    execv(arguments.front(), arguments.data());
+    _exit(127);
+}
+
+Child::~Child() {
+    if (pid_ <= 0) return;
+    kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+}
+
+void Child::Send(int signal) const {
+    kill(pid_, signal);
+}
+
+Outcome Child::Wait() {
+    Outcome outcome;
+    int status = 0;
+    waitpid(pid_, &status, 0);
+    pid_ = -1;
+    if (WIFEXITED(status)) outcome.exitCode = WEXITSTATUS(status);
+    if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
+    if (fs::is_regular_file(outFile_)) outcome.out = Content(outFile_);
+    if (fs::is_regular_file(errorFile_)) outcome.error = Content(errorFile_);
+    return outcome;
+}
+
+void ProgramTest::SetUp() {
+    std::string name = (fs::temp_directory_path() / "host_test_XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    directory_ = name;
+}
+
+void ProgramTest::TearDown() {
+    for (const auto& entry : fs::directory_iterator(directory_)) {
+        EXPECT_NE(entry.path().extension(), ".part") << "a half-written file is left";
+    }
+    fs::remove_all(directory_);
+}
+
+Outcome ProgramTest::Run(std::vector<std::string> arguments, const RunOptions& options) {
+    std::vector<std::string> command = {SE_PROGRAM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    command.insert(command.end(), {"--module", SE_MODULE});
+    return Child(command, directory_, options).Wait();
+}
+
+Outcome ProgramTest::RunFake(std::vector<std::string> arguments, const RunOptions& options) {
+    std::vector<std::string> command = {SE_PROGRAM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    command.insert(command.end(), {"--module", SE_FAKE_MODULE});
+    return Child(command, directory_, options).Wait();
+}
+
+std::string ProgramTest::Read(const std::string& name) const {
+    return Content(directory_ / name);
+}
+
+void ProgramTest::Write(const std::string& name, const std::string& content) const {
+    std::ofstream(directory_ / name, std::ios::binary) << content;
+}
+
+void ExpectError(const Outcome& outcome, int exitCode, const std::string& part) {
+    EXPECT_EQ(outcome.exitCode, exitCode) << outcome.error;
+    EXPECT_NE(outcome.error.find(part), std::string::npos) << outcome.error;
+    EXPECT_EQ(outcome.error.rfind("specialeffects: ", 0), 0u) << outcome.error;
+    EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
+}
+
+void ExpectSuccess(const Outcome& outcome) {
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+}

@@ -1,0 +1,69 @@
+// The program as a child process, in a directory of its own.
+#ifndef SPECIALEFFECTS_TESTS_HOST_PROGRAM_H
+#define SPECIALEFFECTS_TESTS_HOST_PROGRAM_H
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct Outcome {
+    int exitCode = -1;  ///< -1 when a signal ended it
+    int signal = 0;
+    std::string out;
+    std::string error;
+};
+
+struct RunOptions {
+    std::string input = {};                           ///< file on standard input; /dev/null when empty
+    std::string output = {};                          ///< file for standard output; captured when empty
+    std::string error = {};                           ///< file for standard error; captured when empty
+    std::optional<unsigned long> fileSizeLimit = {};  ///< bytes that a file may grow to
+};
+
+/// A running program. Its standard streams are files in its directory, or what the options say.
+class Child {
+  public:
+    Child(const std::vector<std::string>& command, const std::filesystem::path& directory,
+          const RunOptions& options = {});
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child();
+
+    void Send(int signal) const;
+    Outcome Wait();
+
+  private:
+    std::filesystem::path directory_;
+    std::string outFile_;
+    std::string errorFile_;
+    pid_t pid_ = -1;
+};
+
+/// A test in an empty directory, at whose end no half-written file may be left.
+class ProgramTest : public testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Runs the program with the real module.
+    Outcome Run(std::vector<std::string> arguments, const RunOptions& options = {});
+    /// Runs it with the fake one.
+    Outcome RunFake(std::vector<std::string> arguments, const RunOptions& options = {});
+
+    std::string Path(const std::string& name) const { return (directory_ / name).string(); }
+    bool Exists(const std::string& name) const { return std::filesystem::exists(directory_ / name); }
+    std::string Read(const std::string& name) const;
+    void Write(const std::string& name, const std::string& content) const;
+
+    std::filesystem::path directory_;
+};
+
+/// One line on standard error that holds `part`, and the exit code.
+void ExpectError(const Outcome& outcome, int exitCode, const std::string& part);
+void ExpectSuccess(const Outcome& outcome);
+
+#endif

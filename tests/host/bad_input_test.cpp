@@ -1,0 +1,295 @@
+// `apply` when something is wrong: one line that says what, the right exit code, no file left behind.
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "Clips.h"
+#include "Program.h"
+
+namespace {
+
+class BadInputTest : public ProgramTest {
+  protected:
+    /// Applies an effect of the fake module to `input`, a failure that is explained by `part`.
+    void ExpectInputError(const std::string& input, const std::string& part) {
+        ExpectError(RunFake({"apply", "-e", "sepia", input, "out.mp4"}), 1, part);
+        EXPECT_FALSE(Exists("out.mp4"));
+    }
+    void ExpectOutputError(const std::string& output, int exitCode, const std::string& part) {
+        ExpectError(RunFake({"apply", "-e", "sepia", "test:", output, "--frames", "3"}), exitCode, part);
+    }
+    void Cut(const std::string& from, const std::string& to, double share) const {
+        const std::string content = Read(from);
+        Write(to, content.substr(0, static_cast<size_t>(static_cast<double>(content.size()) * share)));
+    }
+};
+
+TEST_F(BadInputTest, MissingFile) {
+    ExpectInputError("nothing.mp4", "cannot open nothing.mp4: No such file");
+}
+
+TEST_F(BadInputTest, Directory) {
+    ExpectInputError(".", ". is a directory, not a video or picture");
+    ExpectInputError("still:.", ". is a directory");
+}
+
+TEST_F(BadInputTest, EmptyFile) {
+    Write("empty.mp4", "");
+    ExpectInputError("empty.mp4", "empty.mp4 is empty");
+}
+
+TEST_F(BadInputTest, TextFile) {
+    std::string text;
+    for (int i = 0; i < 200; ++i) text += "This is a line of text and not a video.\n";
+    for (const std::string name : {"text.txt", "text.mp4", "text.nfo", "text.png", "text.y4m", "text"}) {
+        Write(name, text);
+        ExpectInputError(name, name + " ");
+    }
+    ExpectError(RunFake({"apply", "-e", "sepia", "-", "out.mp4"}, {.input = Path("text.txt")}), 1,
+                "standard input is no video");
+}
+
+TEST_F(BadInputTest, BrokenPictures) {
+    Write("text.jpg", "This is no picture.\n");
+    ExpectInputError("text.jpg", "text.jpg");
+    ExpectSuccess(RunFake({"apply", "-e", "sepia", "test:", "whole.png"}));
+    Cut("whole.png", "cut.png", 0.3);
+    ExpectInputError("cut.png", "cut.png cannot be decoded; it may be cut short");
+}
+
+TEST_F(BadInputTest, SoundWithoutVideo) {
+    // One second of silence: 8000 bytes a second, one channel, 8 bits.
+    const std::string header(
+        "RIFF\x64\x1f\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1f\0\0\x40\x1f\0\0\1\0\x08\0data\x40\x1f\0\0", 44);
+    Write("sound.wav", header + std::string(8000, '\x80'));
+    ExpectInputError("sound.wav", "sound.wav has no video");
+}
+
+TEST_F(BadInputTest, Cameras) {
+    ExpectInputError("/dev/video99", "cannot open the camera /dev/video99");
+    ExpectInputError("/dev/null", "cannot open the camera /dev/null");
+    ExpectOutputError("/dev/video99", 1, "cannot open /dev/video99");
+    ExpectOutputError("/dev/null", 1, "cannot open /dev/null as a virtual camera");
+}
+
+TEST_F(BadInputTest, VideoCutShort) {
+    MakeClip(Path("in.mkv"), {.frames = 60});
+    MakeClip(Path("in.mp4"), {.frames = 60});
+    Cut("in.mkv", "cut.mkv", 0.5);
+    Cut("in.mp4", "cut.mp4", 0.5);
+    // What is there is used, and what is missing is told.
+    const Outcome outcome = RunFake({"apply", "-e", "sepia", "cut.mkv", "out.mp4"});
+    ExpectSuccess(outcome);
+    EXPECT_NE(outcome.error.find("note: cut.mkv: cut short, "), std::string::npos) << outcome.error;
+    const size_t count = FramesOf(Path("out.mp4")).size();
+    EXPECT_GT(count, 15u);
+    EXPECT_LT(count, 60u);
+    // The index of this one stood at its end.
+    std::filesystem::remove(Path("out.mp4"));
+    ExpectInputError("cut.mp4", "cut.mp4 is no video or picture that can be read, or is cut short");
+
+    // With the index in front, as this program writes it, frames are missing.
+    ExpectSuccess(RunFake({"apply", "-e", "sepia", "in.mkv", "front.mp4"}));
+    Cut("front.mp4", "cut.mp4", 0.7);
+    const Outcome second = RunFake({"apply", "-e", "sepia", "cut.mp4", "out.mkv"});
+    ExpectSuccess(second);
+    EXPECT_NE(second.error.find("of 60 frames are there"), std::string::npos) << second.error;
+}
+
+TEST_F(BadInputTest, DamagedVideo) {
+    MakeClip(Path("in.mkv"), {.frames = 60});
+    std::string content = Read("in.mkv");
+    for (size_t i = content.size() / 3; i < content.size() / 2; ++i) content[i] = static_cast<char>(i * 37);
+    Write("damaged.mkv", content);
+    const Outcome outcome = RunFake({"apply", "-e", "sepia", "damaged.mkv", "out.mkv"});
+    ExpectSuccess(outcome);
+    EXPECT_GT(FramesOf(Path("out.mkv")).size(), 5u);
+}
+
+TEST_F(BadInputTest, FrameThatIsNotThere) {
+    MakeClip(Path("in.mkv"), {.frames = 10});
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.png", "--frame", "11"}), 1,
+                "in.mkv has no frame 11, only 10 frames");
+    EXPECT_FALSE(Exists("out.png"));
+}
+
+// ---- outputs ----
+
+TEST_F(BadInputTest, UnwritableOutput) {
+    ExpectOutputError("missing/out.mp4", 1, "cannot write missing/out.mp4: No such file or directory");
+    ExpectError(RunFake({"apply", "-e", "sepia", "test:", "missing/out.png"}), 1,
+                "cannot write missing/out.png: No such file or directory");
+    ExpectOutputError("/proc/out.mkv", 1, "cannot write /proc/out.mkv");
+    std::filesystem::create_directory(Path("folder.mp4"));
+    ExpectOutputError("folder.mp4", 1, "cannot write folder.mp4: it is a directory");
+    ASSERT_EQ(mkfifo(Path("fifo.mp4").c_str(), 0600), 0);
+    ExpectOutputError("fifo.mp4", 1, "cannot write fifo.mp4: it is not a regular file");
+    if (geteuid() == 0) return;  // to whom no permission is denied
+    std::filesystem::create_directory(Path("closed"));
+    std::filesystem::permissions(Path("closed"), std::filesystem::perms::owner_read);
+    ExpectOutputError("closed/out.mp4", 1, "cannot write closed/out.mp4: Permission denied");
+}
+
+TEST_F(BadInputTest, UnknownKindOfOutput) {
+    for (const std::string name : {"out", "out.xyz", "out.gif", ".", "folder/"}) {
+        ExpectOutputError(name, 2, name + " is no output: take a name ending in .mp4");
+    }
+}
+
+TEST_F(BadInputTest, OlderOutputSurvivesAFailure) {
+    Write("out.mp4", "precious");
+    ExpectError(RunFake({"apply", "-e", "gray-scale", "test:", "out.mp4"}), 1,
+                "Gray Scale fails on a frame: failure");
+    EXPECT_EQ(Read("out.mp4"), "precious");
+}
+
+// ---- no room ----
+
+TEST_F(BadInputTest, FileThatMayNotGrow) {
+    for (const std::string name : {"out.mp4", "out.mkv", "out.webm", "out.y4m", "out.png"}) {
+        std::vector<std::string> command = {"apply", "-e", "sepia", "test:", name};
+        if (name != "out.png") command.insert(command.end(), {"--frames", "40", "--size", "320x240"});
+        ExpectError(RunFake(command, {.fileSizeLimit = 20000}), 1,
+                    "cannot write " + name + ": File too large");
+        EXPECT_FALSE(Exists(name));
+    }
+}
+
+TEST_F(BadInputTest, FullPipe) {
+    ExpectError(RunFake({"apply", "-e", "sepia", "test:", "-"}, {.output = "/dev/full"}), 1,
+                "cannot write to standard output: No space left on device");
+}
+
+// Runs the program in a file system of its own with 64 kilobytes, which only it sees. Beside the mount point
+// stand then the files `error`, what it printed, and `left`, what it left on the disk. The result is its exit
+// code; nothing where no file system may be mounted.
+std::optional<int> RunOnSmallDisk(const std::string& mountPoint, const std::string& outputAndOptions) {
+    constexpr int kNotPermitted = 99;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0) {
+            _exit(kNotPermitted);
+        }
+        const std::string line =
+            "cd '" + mountPoint +
+            "' && '" SE_PROGRAM "' apply --module '" SE_FAKE_MODULE "' -e sepia test: " + outputAndOptions +
+            " --quiet --size 400x300 2> ../error; code=$?; ls -A > ../left; exit $code";
+        execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
+        _exit(kNotPermitted);
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    if (WEXITSTATUS(status) == kNotPermitted) return std::nullopt;
+    return WEXITSTATUS(status);
+}
+
+TEST_F(BadInputTest, FullDisk) {
+    for (const std::string name : {"out.mp4", "out.mkv", "out.webm", "out.y4m", "out.png"}) {
+        std::filesystem::create_directory(Path("disk"));
+        const std::optional<int> exitCode =
+            RunOnSmallDisk(Path("disk"), name == "out.png" ? name : name + " --frames 40");
+        if (!exitCode) GTEST_SKIP() << "no file system may be mounted here";
+        ExpectError({*exitCode, 0, "", Read("error")}, 1,
+                    "cannot write " + name + ": No space left on device");
+        EXPECT_EQ(Read("left"), "") << "nothing is left on the disk";
+    }
+}
+
+// ---- effects ----
+
+TEST_F(BadInputTest, UnknownEffect) {
+    ExpectError(Run({"apply", "-e", "sepai", "test:", "out.mp4"}), 2,
+                "there is no effect \"sepai\"; did you mean sepia?");
+    ExpectError(Run({"apply", "-e", "", "test:", "out.mp4"}), 2, "there is no effect \"\"");
+    ExpectError(Run({"apply", "-e", "{8AAE654A-D222-4D8A-968F-937591B1B696}", "test:", "out.mp4"}), 2,
+                "there is no effect");
+    ExpectError(RunFake({"apply", "-e", "rain", "test:", "out.mp4"}), 1, "has no effect rain");
+}
+
+TEST_F(BadInputTest, UnknownProperty) {
+    ExpectError(Run({"apply", "-e", "liquefy-1:Speed=3", "test:", "out.mp4"}), 2,
+                "Liquefy has no property \"Speed\"; it has: ChangeSpeed, Intensity");
+    ExpectError(Run({"apply", "-e", "sepia:Tone=3", "test:", "out.mp4"}), 2,
+                "Sepia has no property \"Tone\"; it has none at all");
+    ExpectError(Run({"apply", "-e", "liquefy-1:Intensity=much", "test:", "out.mp4"}), 2,
+                "Intensity takes a whole number from 1 to 24, not \"much\"");
+    EXPECT_FALSE(Exists("out.mp4"));
+}
+
+TEST_F(BadInputTest, LongAndOddTexts) {
+    const std::string longText(10000, 'x');
+    EXPECT_EQ(Run({"apply", "-e", longText, "test:", "out.mp4"}).exitCode, 2);
+    EXPECT_EQ(Run({"apply", "-e", "sepia:" + longText + "=1", "test:", "out.mp4"}).exitCode, 2);
+    EXPECT_EQ(Run({"apply", "-e", "liquefy-1:Intensity=" + longText, "test:", "out.mp4"}).exitCode, 2);
+    EXPECT_EQ(
+        Run({"apply", "-e", "liquefy-1:Intensity=" + std::string(10000, '9'), "test:", "out.png"}).exitCode,
+        0);
+    EXPECT_EQ(Run({"apply", "-e", "\xff\xfe\x80", "test:", "out.mp4"}).exitCode, 2);
+    EXPECT_EQ(RunFake({"apply", "-e", "sepia", longText, "out.mp4"}).exitCode, 1);
+    EXPECT_EQ(RunFake({"apply", "-e", "sepia", "test:", longText + ".mp4"}).exitCode, 1);
+}
+
+TEST_F(BadInputTest, EffectsThatRefuse) {
+    ExpectError(RunFake({"apply", "-e", "plaster", "test:", "out.mp4"}), 1,
+                "Plaster refuses a stream of 640x480: invalid argument");
+    ExpectError(RunFake({"apply", "-e", "quark", "test:", "out.mp4"}), 1, "out of memory");
+    ExpectError(RunFake({"apply", "-e", "fire", "--packed", "test:", "out.mp4"}), 2,
+                "Fire does not process packed frames; leave out --packed");
+    ExpectError(Run({"apply", "-e", "gray-scale", "--packed", "test:", "out.mp4"}), 2,
+                "Gray Scale does not process packed frames");
+    EXPECT_FALSE(Exists("out.mp4"));
+}
+
+TEST_F(BadInputTest, Settings) {
+    ExpectError(RunFake({"apply", "-e", "fire", "test:", "out.mp4", "--settings", "nothing.txt"}), 1,
+                "cannot read the settings file nothing.txt: No such file or directory");
+    ExpectError(RunFake({"apply", "-e", "fire", "test:", "out.mp4", "--settings", "."}), 1,
+                "the settings file . is a directory");
+    Write("settings.txt", "");
+    ExpectError(RunFake({"apply", "-e", "sepia", "test:", "out.mp4", "--settings", "settings.txt"}), 2,
+                "no effect of the chain takes a settings file");
+    ExpectError(RunFake({"apply", "-e", "fire", "test:", "out.mp4", "--settings", "settings.txt"}), 1,
+                "Fire does not take the settings file settings.txt: failure");
+}
+
+// ---- the command line ----
+
+TEST_F(BadInputTest, OptionsThatDoNotGoTogether) {
+    MakeClip(Path("in.mkv"), {.frames = 3});
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.png"}), 2,
+                "in.mkv is a video and out.png a picture: --frame N");
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--frame", "2"}), 2,
+                "--frame writes a picture");
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.png", "--frames", "2"}), 2,
+                "--frames does not go with a picture");
+    ExpectError(RunFake({"apply", "-e", "sepia", "still:in.mkv", "out.mp4"}), 1,
+                "in.mkv is a video; still: takes a picture");
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--size", "huge"}), 2,
+                "\"huge\" is no size; it is written as 640x480");
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--size", "20000x20"}), 2,
+                "out of range; sides go from 2 to 16384");
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv"}), 2, "OUTPUT is required");
+    ExpectError(RunFake({"apply", "in.mkv", "out.mkv"}), 2, "--effect is required");
+    ExpectError(RunFake({"aply", "in.mkv", "out.mkv"}), 2, "--help");
+}
+
+TEST_F(BadInputTest, NoModule) {
+    const auto run = [this](const std::string& module) {
+        return Child({SE_PROGRAM, "list", "--module", module}, directory_).Wait();
+    };
+    ExpectError(run("nothing.so"), 1, "there is no module nothing.so");
+    ExpectError(run("."), 1, "there is no module .");
+    Write("text.so", "This is no library.\n");
+    ExpectError(run("text.so"), 1, "cannot load the effect module");
+    for (const char* library : {"/lib/x86_64-linux-gnu/libm.so.6", "/usr/lib64/libm.so.6"}) {
+        if (std::filesystem::exists(library)) ExpectError(run(library), 1, "is no effect module");
+    }
+}
+
+}  // namespace
