@@ -35,6 +35,7 @@ int64_t BufferEntries(int32_t width, int32_t height) {
     return 3 * (int64_t{width} + 2) + int64_t{width} * height;
 }
 
+constexpr int64_t kEntrySize = sizeof(uint32_t);
 constexpr int64_t kAlign = alignof(uint32_t);
 
 /// The smallest squared magnitude whose root is above the threshold.
@@ -127,11 +128,12 @@ PrimStatus PrimCannyGetBufferSize(int32_t width, int32_t height, int32_t* size) 
     if (const PrimStatus status = FirstError(CheckPointers(size), CheckSize(width, height))) {
         return status;
     }
-    const int64_t bytes = BufferEntries(width, height) * int64_t{sizeof(uint32_t)} + kAlign - 1;
-    if (bytes > std::numeric_limits<int32_t>::max()) {
+    const int64_t entries = BufferEntries(width, height);
+    constexpr int64_t kMostEntries = (std::numeric_limits<int32_t>::max() - kAlign) / kEntrySize;
+    if (entries > kMostEntries) {
         return kPrimSizeError;
     }
-    *size = static_cast<int32_t>(bytes);
+    *size = static_cast<int32_t>(entries * kEntrySize + kAlign - 1);
     return kPrimOk;
 }
 
