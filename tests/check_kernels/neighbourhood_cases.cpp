@@ -119,7 +119,7 @@ int32_t MakeDivisor(Trial& t, const std::vector<int32_t>& kernel) {
         case 3:
             return -whole;
         case 4:
-            return std::max(whole / 2 + 1, 1) * 2;  // even: its halves are whole numbers
+            return std::max(whole / 2, 1) * 2;  // even: its halves are whole numbers
         default:
             return t.random().Whole(1, 1 << t.random().Whole(1, 30));
     }
