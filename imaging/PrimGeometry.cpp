@@ -5,16 +5,16 @@
 #include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
-#include "imaging/PrimRoi.h"
+#include "imaging/PrimRow.h"
 
 namespace {
 
-using prim::RowAt;
+using prim::Row;
 
 void FlipRows(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     for (int32_t top = 0, bottom = height - 1; top < bottom; ++top, --bottom) {
-        uint8_t* const a = RowAt(data, step, top);
-        std::swap_ranges(a, a + width, RowAt(data, step, bottom));
+        uint8_t* const a = Row(data, step, top);
+        std::swap_ranges(a, a + width, Row(data, step, bottom));
     }
 }
 
@@ -30,15 +30,15 @@ void SwapReversed(uint8_t* SE_RESTRICT left, uint8_t* SE_RESTRICT right, ptrdiff
 
 void FlipColumns(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     for (int32_t y = 0; y < height; ++y) {
-        uint8_t* const row = RowAt(data, step, y);
+        uint8_t* const row = Row(data, step, y);
         SwapReversed(row, row + width - 1, width / 2);
     }
 }
 
 void FlipBoth(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     for (int32_t top = 0, bottom = height - 1; top < bottom; ++top, --bottom)
-        SwapReversed(RowAt(data, step, top), RowAt(data, step, bottom) + width - 1, width);
-    if (height % 2 != 0) FlipColumns(RowAt(data, step, height / 2), step, width, 1);
+        SwapReversed(Row(data, step, top), Row(data, step, bottom) + width - 1, width);
+    if (height % 2 != 0) FlipColumns(Row(data, step, height / 2), step, width, 1);
 }
 
 /// Fills `left` bytes before and `right` bytes behind the pixels row[0] to row[width - 1] with the nearest.
@@ -66,12 +66,11 @@ void FillBands(uint8_t* inner, int32_t step, int32_t innerWidth, int32_t innerHe
                const BorderSizes& sizes) {
     const auto left = static_cast<int32_t>(sizes.left);
     const auto fullWidth = static_cast<size_t>(sizes.fullWidth);
-    for (int32_t y = 0; y < innerHeight; ++y)
-        ExtendRow(RowAt(inner, step, y), innerWidth, left, sizes.Right());
+    for (int32_t y = 0; y < innerHeight; ++y) ExtendRow(Row(inner, step, y), innerWidth, left, sizes.Right());
     uint8_t* const first = inner - left;
-    uint8_t* const last = RowAt(first, step, innerHeight - 1);
-    for (int32_t y = 1; y <= sizes.top; ++y) std::memcpy(RowAt(first, step, -y), first, fullWidth);
-    for (int32_t y = 1; y <= sizes.Bottom(); ++y) std::memcpy(RowAt(last, step, y), last, fullWidth);
+    uint8_t* const last = Row(first, step, innerHeight - 1);
+    for (int32_t y = 1; y <= sizes.top; ++y) std::memcpy(Row(first, step, -y), first, fullWidth);
+    for (int32_t y = 1; y <= sizes.Bottom(); ++y) std::memcpy(Row(last, step, y), last, fullWidth);
 }
 
 }  // namespace
@@ -102,9 +101,9 @@ PrimStatus PrimCopyReplicateBorder8uC1(const uint8_t* src, int32_t srcStep, int3
         prim::FirstError(prim::CheckPointers(src, dst), sizes.Check(), prim::CheckStep(srcStep, srcWidth),
                          prim::CheckStep(dstStep, dstWidth));
     if (status != kPrimOk) return status;
-    uint8_t* const inner = RowAt(dst, dstStep, topBorder) + leftBorder;
+    uint8_t* const inner = Row(dst, dstStep, topBorder) + leftBorder;
     for (int32_t y = 0; y < srcHeight; ++y)
-        std::memcpy(RowAt(inner, dstStep, y), RowAt(src, srcStep, y), static_cast<size_t>(srcWidth));
+        std::memcpy(Row(inner, dstStep, y), Row(src, srcStep, y), static_cast<size_t>(srcWidth));
     FillBands(inner, dstStep, srcWidth, srcHeight, sizes);
     return kPrimOk;
 }

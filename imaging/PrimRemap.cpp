@@ -11,11 +11,12 @@
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRoi.h"
+#include "imaging/PrimRow.h"
 
 namespace {
 
 using prim::Roi;
-using prim::RowAt;
+using prim::Row;
 
 constexpr ptrdiff_t kStretch = 256;  // pixels that are handled at once
 
@@ -136,17 +137,13 @@ struct Warp {
     }
 };
 
-const float* MapRow(const float* map, int32_t step, int32_t row) {
-    return reinterpret_cast<const float*>(RowAt(reinterpret_cast<const uint8_t*>(map), step, row));
-}
-
 /// Calls stretch(xs, ys, count, out) for all stretches of all rows.
 template <int channels, class Stretch>
 void ForEachStretch(const Warp& warp, Stretch stretch) {
     for (int32_t row = 0; row < warp.dstHeight; ++row) {
-        const float* const xs = MapRow(warp.xMap, warp.xMapStep, row);
-        const float* const ys = MapRow(warp.yMap, warp.yMapStep, row);
-        uint8_t* const out = RowAt(warp.dst, warp.dstStep, row);
+        const float* const xs = Row(warp.xMap, warp.xMapStep, row);
+        const float* const ys = Row(warp.yMap, warp.yMapStep, row);
+        uint8_t* const out = Row(warp.dst, warp.dstStep, row);
         for (ptrdiff_t x = 0; x < warp.dstWidth; x += kStretch)
             stretch(xs + x, ys + x, std::min<ptrdiff_t>(kStretch, warp.dstWidth - x), out + channels * x);
     }
@@ -201,22 +198,22 @@ void RemapPlain(const Warp& warp, bool nearest) {
         return whole < end ? position - whole : 1.0;
     };
     for (int32_t row = 0; row < warp.dstHeight; ++row) {
-        const float* const xs = MapRow(warp.xMap, warp.xMapStep, row);
-        const float* const ys = MapRow(warp.yMap, warp.yMapStep, row);
-        uint8_t* const out = RowAt(warp.dst, warp.dstStep, row);
+        const float* const xs = Row(warp.xMap, warp.xMapStep, row);
+        const float* const ys = Row(warp.yMap, warp.yMapStep, row);
+        uint8_t* const out = Row(warp.dst, warp.dstStep, row);
         for (ptrdiff_t k = 0; k < warp.dstWidth; ++k) {
             const double x = xs[k], y = ys[k];
             if (!(x >= roi.x0() && x <= roi.x1() && y >= roi.y0() && y <= roi.y1())) continue;
             if (nearest) {
-                const uint8_t* const line = RowAt(warp.src, warp.srcStep, static_cast<int32_t>(y + 0.5));
+                const uint8_t* const line = Row(warp.src, warp.srcStep, static_cast<int32_t>(y + 0.5));
                 std::memcpy(out + channels * k, line + channels * static_cast<ptrdiff_t>(x + 0.5), channels);
                 continue;
             }
             int32_t left = 0, right = 0, upper = 0, lower = 0;
             const double fx = tap(x, roi.x0(), roi.x1(), left, right);
             const double fy = tap(y, roi.y0(), roi.y1(), upper, lower);
-            const uint8_t* const lines[2] = {RowAt(warp.src, warp.srcStep, upper),
-                                             RowAt(warp.src, warp.srcStep, lower)};
+            const uint8_t* const lines[2] = {Row(warp.src, warp.srcStep, upper),
+                                             Row(warp.src, warp.srcStep, lower)};
             for (ptrdiff_t c = 0; c < channels; ++c) {
                 const auto along = [&](const uint8_t* line) {
                     const int32_t a = line[channels * static_cast<ptrdiff_t>(left) + c];

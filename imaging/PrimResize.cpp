@@ -7,12 +7,13 @@
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRoi.h"
+#include "imaging/PrimRow.h"
 #include "imaging/ResizeAxis.h"
 
 namespace {
 
 using prim::Roi;
-using prim::RowAt;
+using prim::Row;
 
 /// The mode that a source of this size is scaled with.
 int32_t EffectiveMode(int32_t interpolation, int32_t width, int32_t height) {
@@ -30,8 +31,8 @@ PrimStatus resize::Nearest(const Image& image) {
     int32_t* const column = columns.data();
     for (int32_t k = 0; k < image.x.count; ++k) column[k] = image.x.NearestSample(k);
     for (int32_t y = 0; y < image.y.count; ++y) {
-        const uint8_t* const row = RowAt(image.src, image.srcStep, image.y.NearestSample(y));
-        uint8_t* const out = RowAt(image.dst, image.dstStep, y);
+        const uint8_t* const row = Row(image.src, image.srcStep, image.y.NearestSample(y));
+        uint8_t* const out = Row(image.dst, image.dstStep, y);
         for (int32_t k = 0; k < image.x.count; ++k) out[k] = row[column[k]];
     }
     return kPrimOk;
@@ -54,7 +55,7 @@ PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeigh
     if (status != kPrimOk) return status;
 
     const Roi clipped = prim::ClipRoi(roi, srcWidth, srcHeight);
-    const resize::Image image{RowAt(src, srcStep, clipped.y) + clipped.x,
+    const resize::Image image{Row(src, srcStep, clipped.y) + clipped.x,
                               srcStep,
                               dst,
                               dstStep,

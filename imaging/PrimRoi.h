@@ -3,7 +3,6 @@
 #define SPECIALEFFECTS_IMAGING_PRIMROI_H
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 
 #include "imaging/PrimCheck.h"
@@ -32,12 +31,6 @@ constexpr PrimStatus CheckRoiInside(const Roi& roi, int32_t imageWidth, int32_t 
 /// The part of a region that lies in the image, once the two checks have passed.
 inline Roi ClipRoi(const Roi& roi, int32_t imageWidth, int32_t imageHeight) {
     return {roi.x, roi.y, std::min(roi.width, imageWidth - roi.x), std::min(roi.height, imageHeight - roi.y)};
-}
-
-/// First byte of row y of an image.
-template <class Byte>
-Byte* RowAt(Byte* image, int32_t step, int32_t y) {
-    return image + static_cast<ptrdiff_t>(step) * y;
 }
 
 }  // namespace prim

@@ -6,11 +6,12 @@
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRoi.h"
+#include "imaging/PrimRow.h"
 
 namespace {
 
 using prim::Roi;
-using prim::RowAt;
+using prim::Row;
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -45,7 +46,7 @@ struct Source {
     int32_t step;
     Roi roi;  // clipped
 
-    uint8_t At(int32_t x, int32_t y) const { return RowAt(data, step, y)[x]; }
+    uint8_t At(int32_t x, int32_t y) const { return Row(data, step, y)[x]; }
 };
 
 uint8_t RoundToByte(double value) {
@@ -83,7 +84,7 @@ uint8_t SampleCubic(const Source& source, double x, double y) {
     const std::array<double, 4> wy = CubicWeights(y - top);
     std::array<double, 4> columns{};
     if (left > roi.x0() && top > roi.y0() && left + 2 <= roi.x1() && top + 2 <= roi.y1()) {
-        const uint8_t* const r0 = RowAt(source.data, source.step, top - 1) + (left - 1);
+        const uint8_t* const r0 = Row(source.data, source.step, top - 1) + (left - 1);
         const uint8_t* const r1 = r0 + source.step;
         const uint8_t* const r2 = r1 + source.step;
         const uint8_t* const r3 = r2 + source.step;
@@ -91,7 +92,7 @@ uint8_t SampleCubic(const Source& source, double x, double y) {
             columns[i] = wy[0] * r0[i] + wy[1] * r1[i] + wy[2] * r2[i] + wy[3] * r3[i];
     } else {
         const auto row = [&](int32_t j) {
-            return RowAt(source.data, source.step, std::clamp(top + j, roi.y0(), roi.y1()));
+            return Row(source.data, source.step, std::clamp(top + j, roi.y0(), roi.y1()));
         };
         for (int32_t i = 0; i < 4; ++i) {
             const int32_t column = std::clamp(left - 1 + i, roi.x0(), roi.x1());
@@ -135,7 +136,7 @@ void RotateInto(const Roi& source, uint8_t* dst, int32_t dstStep, const Roi& roi
                 bool softEdge, Sample sample) {
     const double left = source.x0(), right = source.x1(), top = source.y0(), bottom = source.y1();
     for (int32_t row = roi.y0(); row <= roi.y1(); ++row) {
-        uint8_t* const out = RowAt(dst, dstStep, row);
+        uint8_t* const out = Row(dst, dstStep, row);
         const double dy = row - map.yShift;
         ColumnRange range{roi.x0() - map.xShift, roi.x1() + 1 - map.xShift};
         range.Narrow(map.SourceX(0.0, dy), map.direction.c, left, right);

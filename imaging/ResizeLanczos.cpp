@@ -11,14 +11,14 @@
 #include <cstring>
 
 #include "imaging/Multiversion.h"
-#include "imaging/PrimRoi.h"
+#include "imaging/PrimRow.h"
 #include "imaging/ResizeAxis.h"
 #include "imaging/Simd.h"
 
 namespace resize {
 namespace {
 
-using prim::RowAt;
+using prim::Row;
 
 // Taps at the offsets -2 to 3 from the sample before the position.
 constexpr int32_t kTaps = 6;
@@ -201,7 +201,7 @@ PrimStatus Lanczos(const Image& image) {
         float* const line = lines.data() + slot * stride;
         if (held[slot] == y) return line;
         held[slot] = y;
-        const uint8_t* const row = RowAt(image.src, image.srcStep, y);
+        const uint8_t* const row = Row(image.src, image.srcStep, y);
         std::memset(padded.data(), row[0], kTapsBefore);
         std::memcpy(padded.data() + kTapsBefore, row, length);
         std::memset(padded.data() + kTapsBefore + length, row[length - 1], kTapsBehind);
@@ -220,7 +220,7 @@ PrimStatus Lanczos(const Image& image) {
         for (int32_t t = 0; t < kTaps; ++t)
             taps[static_cast<size_t>(t)] =
                 lineOf(std::clamp(sample - kTapsBefore + t, 0, image.y.length - 1));
-        MixLines(taps, WeightsAt(fraction), RowAt(image.dst, image.dstStep, y), image.x.count);
+        MixLines(taps, WeightsAt(fraction), Row(image.dst, image.dstStep, y), image.x.count);
     }
     return kPrimOk;
 }

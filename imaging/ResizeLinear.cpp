@@ -9,14 +9,14 @@
 #include <cstring>
 
 #include "imaging/Multiversion.h"
-#include "imaging/PrimRoi.h"
+#include "imaging/PrimRow.h"
 #include "imaging/ResizeAxis.h"
 #include "imaging/Simd.h"
 
 namespace resize {
 namespace {
 
-using prim::RowAt;
+using prim::Row;
 
 constexpr int32_t kOne = 1 << 14;  // a weight of 1
 
@@ -238,7 +238,7 @@ PrimStatus Run(const Image& image, RowScaler& scaler, Blend blend) {
         uint16_t* const line = lines.data() + slot * stride;
         if (held[slot] != i) {
             held[slot] = i;
-            scaler.Scale(RowAt(image.src, image.srcStep, i), line);
+            scaler.Scale(Row(image.src, image.srcStep, i), line);
         }
         return line;
     };
@@ -246,7 +246,7 @@ PrimStatus Run(const Image& image, RowScaler& scaler, Blend blend) {
         const auto [sample, fraction] = image.y.Interpolated(y);
         const uint16_t* const upper = lineOf(sample);
         const uint16_t* const lower = lineOf(std::min(sample + 1, image.y.length - 1));
-        blend(upper, lower, Weight(fraction), RowAt(image.dst, image.dstStep, y), image.x.count);
+        blend(upper, lower, Weight(fraction), Row(image.dst, image.dstStep, y), image.x.count);
     }
     return kPrimOk;
 }

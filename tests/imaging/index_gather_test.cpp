@@ -9,20 +9,12 @@
 #include <functional>
 #include <vector>
 
+#include "tests/imaging/TestPlanes.h"
 #include "tests/imaging/models/GeometryModels.h"
-#include "tests/support/TestFrame.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using Index = std::vector<uint32_t>;
-
-Bytes RandomBytes(size_t count, uint64_t seed) {
-    TestRandom random(seed);
-    Bytes bytes(count);
-    for (uint8_t& byte : bytes) byte = random.Byte();
-    return bytes;
-}
 
 /// Builds and applies the map; expects what the plain loop gives.
 void ExpectLikePlain(const Index& index, int32_t width, size_t srcPixels, int32_t pixelBytes = 1) {

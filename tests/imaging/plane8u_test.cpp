@@ -7,30 +7,15 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <limits>
 #include <new>
 #include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/support/TestFrame.h"
+#include "tests/imaging/TestPlanes.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-constexpr int32_t kHuge = std::numeric_limits<int32_t>::max();
-
-Bytes BytesOf(const CPlane8u& plane) {
-    return Bytes(plane.data, plane.data + plane.Size());
-}
-
-CPlane8u RandomPlane(int32_t width, int32_t height, uint64_t seed) {
-    CPlane8u plane(width, height);
-    TestRandom random(seed);
-    for (size_t i = 0; i < plane.Size(); ++i) plane.data[i] = random.Byte();
-    return plane;
-}
 
 void ExpectZero(const CPlane8u& plane) {
     EXPECT_EQ(plane.data, nullptr);

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -14,24 +13,10 @@
 #include "imaging/GradientImage.h"
 #include "imaging/Plane8u.h"
 #include "imaging/Prim.h"
+#include "tests/imaging/TestPlanes.h"
 #include "tests/imaging/models/GeometryModels.h"
-#include "tests/support/TestFrame.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-constexpr int32_t kHuge = std::numeric_limits<int32_t>::max();
-
-Bytes BytesOf(const CPlane8u& plane) {
-    return Bytes(plane.data, plane.data + plane.Size());
-}
-
-CPlane8u RandomPlane(int32_t width, int32_t height, uint64_t seed) {
-    CPlane8u plane(width, height);
-    TestRandom random(seed);
-    for (size_t i = 0; i < plane.Size(); ++i) plane.data[i] = random.Byte();
-    return plane;
-}
 
 // ---- filters ---------------------------------------------------------------------------------------
 

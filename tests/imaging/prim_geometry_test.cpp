@@ -10,19 +10,10 @@
 #include <vector>
 
 #include "imaging/Prim.h"
+#include "tests/imaging/TestPlanes.h"
 #include "tests/imaging/models/GeometryModels.h"
-#include "tests/support/TestFrame.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-Bytes RandomBytes(size_t count, uint64_t seed) {
-    TestRandom random(seed);
-    Bytes bytes(count);
-    for (uint8_t& byte : bytes) byte = random.Byte();
-    return bytes;
-}
 
 /// A picture with packed rows.
 struct Picture {
@@ -90,7 +81,6 @@ TEST(PrimCopyReplicateBorder, RefusesBadCallsInOrder) {
                                                dstHeight, top, left);
         };
     };
-    constexpr int32_t kHuge = std::numeric_limits<int32_t>::max();
     ExpectRefused({{"null source", kPrimNullError, copy(nullptr, 0, 0, 0, d, 0, 0, 0, -1, -1)},
                    {"null destination", kPrimNullError, copy(s, 0, 0, 0, nullptr, 0, 0, 0, -1, -1)},
                    {"source width", kPrimSizeError, copy(s, 0, 0, 4, d, 0, 8, 8, 2, 2)},
