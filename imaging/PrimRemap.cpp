@@ -205,8 +205,9 @@ void RemapPlain(const Warp& warp, bool nearest) {
             const double x = xs[k], y = ys[k];
             if (!(x >= roi.x0() && x <= roi.x1() && y >= roi.y0() && y <= roi.y1())) continue;
             if (nearest) {
-                const uint8_t* const line = Row(warp.src, warp.srcStep, static_cast<int32_t>(y + 0.5));
-                std::memcpy(out + channels * k, line + channels * static_cast<ptrdiff_t>(x + 0.5), channels);
+                const uint8_t* const line = Row(warp.src, warp.srcStep, prim::RoundHalfUp(y));
+                std::memcpy(out + channels * k,
+                            line + channels * static_cast<ptrdiff_t>(prim::RoundHalfUp(x)), channels);
                 continue;
             }
             int32_t left = 0, right = 0, upper = 0, lower = 0;

@@ -33,6 +33,12 @@ inline Roi ClipRoi(const Roi& roi, int32_t imageWidth, int32_t imageHeight) {
     return {roi.x, roi.y, std::min(roi.width, imageWidth - roi.x), std::min(roi.height, imageHeight - roi.y)};
 }
 
+/// trunc(x + 0.5): the nearest whole number of an x from 0 up, halves upwards.
+inline int32_t RoundHalfUp(double x) {
+    const double raised = x + 0.5;
+    return static_cast<int32_t>(raised);
+}
+
 }  // namespace prim
 
 #endif

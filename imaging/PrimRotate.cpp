@@ -54,7 +54,7 @@ uint8_t RoundToByte(double value) {
 }
 
 uint8_t SampleNearest(const Source& source, double x, double y) {
-    return source.At(static_cast<int32_t>(x + 0.5), static_cast<int32_t>(y + 0.5));
+    return source.At(prim::RoundHalfUp(x), prim::RoundHalfUp(y));
 }
 
 uint8_t SampleLinear(const Source& source, double x, double y) {

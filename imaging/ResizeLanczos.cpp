@@ -140,11 +140,11 @@ class ColumnTable {
     void Lay(Block& block, const std::array<int32_t, kBlock>& samples) {
         constexpr uint8_t kNothing = 0x80;
         block.samples = samples;
-        for (int32_t t = 0; t < kTaps; ++t)
-            for (int32_t i = 0; i < kBlock; ++i) {
-                const int32_t x = samples[static_cast<size_t>(i)] - samples[0] + t;
-                const auto at = static_cast<size_t>(t % 2 * kBlock + i);
-                Block::Picks& picks = block.picks[static_cast<size_t>(t / 2)];
+        for (size_t t = 0; t < kTaps; ++t)
+            for (size_t i = 0; i < kBlock; ++i) {
+                const int32_t x = samples[i] - samples[0] + static_cast<int32_t>(t);
+                Block::Picks& picks = block.picks[t / 2];
+                const size_t at = t % 2 * kBlock + i;
                 picks.near[at] = x < kWindow ? static_cast<uint8_t>(x) : kNothing;
                 picks.far[at] = x < kWindow ? kNothing : static_cast<uint8_t>(x - kWindow);
                 if (x >= 2 * kWindow) shuffles_ = false;

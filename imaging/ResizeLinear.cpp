@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "imaging/Multiversion.h"
+#include "imaging/PrimRoi.h"
 #include "imaging/PrimRow.h"
 #include "imaging/ResizeAxis.h"
 #include "imaging/Simd.h"
@@ -21,7 +22,7 @@ using prim::Row;
 constexpr int32_t kOne = 1 << 14;  // a weight of 1
 
 int32_t Weight(double fraction) {
-    return static_cast<int32_t>(fraction * kOne + 0.5);
+    return prim::RoundHalfUp(fraction * kOne);
 }
 
 constexpr size_t RoundUp(size_t count, size_t multiple) {
