@@ -1,7 +1,6 @@
 #include "effects/distortion/HallwayVision.h"
 
 #include <cmath>
-#include <cstring>
 #include <vector>
 
 #include "effects/distortion/Gather.h"
@@ -70,16 +69,6 @@ void FillTable(const RemapTable& table) {
     }
 }
 
-/// Calls use(table) with the table of this size.
-template <class Use>
-auto WithTable(int32_t width, int32_t height, Use use) {
-    const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
-    std::vector<float> xMap(count), yMap(count);
-    const RemapTable table{xMap.data(), yMap.data(), width, height};
-    FillTable(table);
-    return use(table);
-}
-
 }  // namespace
 
 CHallwayVisionSpecialEffectFilter::CHallwayVisionSpecialEffectFilter(int32_t variant)
@@ -92,10 +81,15 @@ void CHallwayVisionSpecialEffectFilter::Prepare() {
         IndexFull = BuildMap(width, height);
         IndexHalf = BuildMap(width / 2, height / 2);
     } else {
-        LumaWarp = WithTable(width, height, [](const RemapTable& table) { return CLinearWarp(table); });
-        IndexHalf = WithTable(width / 2, height / 2, [](const RemapTable& table) {
-            return MakeGatherMap(table.NearestIndices(), table.width);
-        });
+        OwnedRemapTable luma(width, height), chroma(width / 2, height / 2);
+        FillTable(luma.View());
+        FillTable(chroma.View());
+        IndexHalf = MakeGatherMap(chroma.View().NearestIndices(), width / 2);
+        if (width > 1 && height > 1) {
+            LumaWarp = CLinearWarp(luma.View());
+        } else {  // there is nothing to interpolate with
+            IndexFull = MakeGatherMap(luma.View().NearestIndices(), width);
+        }
     }
 }
 
@@ -107,12 +101,8 @@ void CHallwayVisionSpecialEffectFilter::Release() {
 }
 
 void CHallwayVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    if (UseIndexTable) {
-        GatherInPlace(IndexFull, frame.y, Scratch);
-    } else {
-        std::memcpy(Scratch.data, frame.y.data, Scratch.Size());
-        LumaWarp.Apply(Scratch.data, frame.y.data);
-    }
+    GatherInPlace(IndexFull, frame.y, Scratch);
+    LumaWarp.Apply(Scratch.data, frame.y.data);
     GatherInPlace(IndexHalf, frame.u, Scratch);
     GatherInPlace(IndexHalf, frame.v, Scratch);
 }

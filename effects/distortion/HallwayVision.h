@@ -23,9 +23,9 @@ class CHallwayVisionSpecialEffectFilter final : public PlanarEffect<CHallwayVisi
   private:
     bool UseIndexTable;
     CPlane8u Scratch;
-    CGatherMap IndexFull;  ///< luma, when there is no interpolation
+    CGatherMap IndexFull;  ///< luma, without interpolation
+    CLinearWarp LumaWarp;  ///< luma, with it; one of the two is empty
     CGatherMap IndexHalf;  ///< chroma
-    CLinearWarp LumaWarp;  ///< luma, interpolated
 };
 
 #endif

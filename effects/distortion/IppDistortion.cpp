@@ -37,11 +37,10 @@ ResultCode CSpecialEffectFilter_IppDistortion::Configure(StreamDescription* desc
 }
 
 CGatherMap CSpecialEffectFilter_IppDistortion::BuildMap(int32_t width, int32_t height, int32_t pixelBytes) {
-    const size_t count = PixelCount(width, height);
-    std::vector<float> xMap(count), yMap(count);
-    BuildRemapTable(xMap.data(), yMap.data(), width, height);
-    return MakeGatherMap(RemapTable{xMap.data(), yMap.data(), width, height}.NearestIndices(), width,
-                         pixelBytes);
+    OwnedRemapTable owned(width, height);
+    const RemapTable table = owned.View();
+    BuildRemapTable(table.xMap, table.yMap, width, height);
+    return MakeGatherMap(table.NearestIndices(), width, pixelBytes);
 }
 
 ResultCode CSpecialEffectFilter_IppDistortion::ProcessFrame(FrameRecord* frame) {

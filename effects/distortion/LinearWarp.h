@@ -8,11 +8,12 @@
 #include "effects/distortion/RemapTable.h"
 
 /// The table in the form in which a frame needs it: of each row only the pixels from the first to the last
-/// that move, and of each of these its place in the source and its two fractions. The pixels are those of the
-/// linear remap primitive.
+/// that move, and of each of these its place in the source and its two fractions. The results are those of
+/// the linear remap primitive.
 class CLinearWarp {
   public:
     CLinearWarp() = default;
+    /// The picture is at least 2 by 2.
     explicit CLinearWarp(const RemapTable& table);
 
     /// `dst` holds the same picture as `src` before the call; what does not move is not written.
@@ -23,10 +24,10 @@ class CLinearWarp {
         int32_t firstPixel, count;
     };
 
+    int32_t width_ = 0;
     std::vector<Span> spans_;
     std::vector<int32_t> source_;  ///< of each pixel of the spans: the upper left of its four neighbours
     std::vector<float> fractionX_, fractionY_;
-    int32_t right_ = 0, below_ = 0;  ///< from a neighbour to the next ones
 };
 
 #endif

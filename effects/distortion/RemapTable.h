@@ -23,4 +23,20 @@ struct RemapTable {
     std::vector<uint32_t> NearestIndices() const;
 };
 
+/// A table with memory of its own, zeros at first.
+class OwnedRemapTable {
+  public:
+    OwnedRemapTable(int32_t width, int32_t height)
+        : xMap_(static_cast<size_t>(width) * static_cast<size_t>(height)),
+          yMap_(xMap_.size()),
+          width_(width),
+          height_(height) {}
+
+    RemapTable View() { return {xMap_.data(), yMap_.data(), width_, height_}; }
+
+  private:
+    std::vector<float> xMap_, yMap_;
+    int32_t width_, height_;
+};
+
 #endif

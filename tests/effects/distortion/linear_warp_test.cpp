@@ -13,7 +13,7 @@ namespace {
 /// Coordinates of all kinds: whole, between, just below and just above whole ones, outside, not a number.
 float WildCoordinate(TestRandom& random, int32_t size, int32_t own) {
     const auto whole = static_cast<float>(random.Below(size + 2) - 1);
-    switch (random.Below(8)) {
+    switch (random.Below(9)) {
         case 0:
             return whole;
         case 1:
@@ -26,14 +26,15 @@ float WildCoordinate(TestRandom& random, int32_t size, int32_t own) {
             return random.Below(10) == 0 ? std::nanf("") : -0.0F;
         case 5:
             return static_cast<float>(own);
+        case 6:
+            return whole + 0.5F;
         default:
             return whole + static_cast<float>(random.Below(1 << 24)) / static_cast<float>(1 << 24);
     }
 }
 
 TEST(LinearWarp, EqualsThePrimitive) {
-    for (const auto& [w, h] :
-         {std::pair{1, 1}, {1, 7}, {7, 1}, {2, 2}, {2, 5}, {31, 17}, {64, 48}, {333, 5}}) {
+    for (const auto& [w, h] : {std::pair{2, 2}, {2, 5}, {5, 2}, {31, 17}, {64, 48}, {333, 5}}) {
         for (uint64_t seed = 0; seed < 20; ++seed) {
             TestRandom random(seed);
             const auto count = static_cast<size_t>(w * h);
