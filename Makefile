@@ -9,7 +9,7 @@
 PREFIX ?= /usr/local
 JOBS := $(shell nproc)
 
-.PHONY: build demo check bench install setup clean
+.PHONY: build demo check bench docs install setup clean
 
 build: setup
 	cmake --preset release
@@ -17,7 +17,7 @@ build: setup
 
 demo: setup
 	cmake --preset release
-	cmake --build --preset release --target specialeffects specialeffects_program
+	cmake --build --preset release --target specialeffects specialeffects_program cascade
 	tools/make_demo.sh build/release build/demo
 
 # Clang first, and on the golden frames alone: what it adds is that it compiles cleanly and computes the same.
@@ -37,6 +37,14 @@ bench: setup
 	cmake --build --preset release --target bench_primitives bench_effects
 	build/release/bench/bench_primitives --benchmark_counters_tabular=true
 	build/release/bench/bench_effects --benchmark_counters_tabular=true
+
+# After `make demo`: a page for each effect, with its picture and its time.
+docs: setup
+	cmake --preset release
+	cmake --build --preset release --target make_docs bench_effects specialeffects_program
+	build/release/bench/bench_effects --benchmark_format=csv > build/effects.csv
+	build/release/tools/make_docs build/release/host/specialeffects docs/texts.json build/demo build/effects.csv docs
+	cp build/demo/contact-sheet.jpg docs/images/contact-sheet.jpg
 
 install: build
 	cmake --install build/release --prefix $(PREFIX)

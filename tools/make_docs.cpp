@@ -6,7 +6,9 @@
 // PROGRAM is the host program; DEMO the folder that the demo wrote; TIMES.csv what
 // `bench_effects --benchmark_format=csv` printed; DOCS the folder that is written. Pictures are scaled with
 // ImageMagick.
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>

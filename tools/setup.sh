@@ -5,7 +5,7 @@ set -eu
 packages="build-essential clang cmake ninja-build ccache pkg-config git
     libgtest-dev libbenchmark-dev libcli11-dev libfmt-dev nlohmann-json3-dev
     libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev
-    opencv-data libpugixml-dev imagemagick"
+    opencv-data libpugixml-dev imagemagick ffmpeg"
 
 missing=""
 for package in $packages; do
