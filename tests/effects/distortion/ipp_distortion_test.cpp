@@ -27,13 +27,6 @@ class CTableFilter final : public EffectBase<CTableFilter, CSpecialEffectFilter_
     TableMaker* maker_;
 };
 
-void Identity(float* xMap, float* yMap, int width, int height) {
-    for (int i = 0; i < width * height; ++i) {
-        xMap[i] = static_cast<float>(i % width);
-        yMap[i] = static_cast<float>(i / width);
-    }
-}
-
 /// Sources all over the picture, between pixels and outside of it.
 void Wild(float* xMap, float* yMap, int width, int height) {
     TestRandom random(static_cast<uint64_t>(width * 1000 + height));
@@ -55,7 +48,7 @@ TEST(IppDistortion, KeepsTheContract) {
 }
 
 TEST(IppDistortion, AsksForTheHalfTableAndTheFullOne) {
-    TableMaker maker = Identity;
+    TableMaker maker = IdentityTable;
     EffectDriver effect = EffectDriver::Of<CTableFilter>(&maker);
     auto& filter = static_cast<CTableFilter&>(*effect);
     ASSERT_EQ(effect.Configure(7, 5), kSuccess);
@@ -77,7 +70,7 @@ TEST(IppDistortion, TakesTheNearestPixelUpToTheLast) {
     const uint8_t results[] = {0, 10, 10, 20, 20, 30, 0};
     for (size_t i = 0; i < std::size(sources); ++i) {
         TableMaker maker = [&](float* xMap, float* yMap, int width, int height) {
-            Identity(xMap, yMap, width, height);
+            IdentityTable(xMap, yMap, width, height);
             if (width == 3) xMap[1] = sources[i];
         };
         EffectDriver effect = EffectDriver::Of<CTableFilter>(&maker);
@@ -160,7 +153,7 @@ TEST(IppDistortion, WritesNoMoreThanThePlaneSizesSay) {
 
 TEST(IppDistortion, RoundsTheChromaSizeDown) {
     TableMaker maker = [](float* xMap, float* yMap, int width, int height) {
-        Identity(xMap, yMap, width, height);
+        IdentityTable(xMap, yMap, width, height);
         std::reverse(xMap, xMap + width * height);
     };
     EffectDriver effect = EffectDriver::Of<CTableFilter>(&maker);

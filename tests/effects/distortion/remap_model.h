@@ -16,6 +16,14 @@
 
 using TableMaker = std::function<void(float* xMap, float* yMap, int width, int height)>;
 
+/// Every pixel is its own source.
+inline void IdentityTable(float* xMap, float* yMap, int width, int height) {
+    for (int i = 0; i < width * height; ++i) {
+        xMap[i] = static_cast<float>(i % width);
+        yMap[i] = static_cast<float>(i / width);
+    }
+}
+
 struct Table {
     std::vector<float> x, y;
 

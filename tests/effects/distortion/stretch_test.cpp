@@ -9,12 +9,7 @@ namespace {
 constexpr const char* kGuid = "{48D2B4EE-5668-418C-8CB2-E624F4CBCDBA}";
 
 void StretchTable(float* xMap, float* yMap, int width, int height) {
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            xMap[y * width + x] = static_cast<float>(x);
-            yMap[y * width + x] = static_cast<float>(y);
-        }
-    }
+    IdentityTable(xMap, yMap, width, height);
     const auto put = [&](float* map, int row, int column, float value) {
         if (row < height && column < width) map[row * width + column] = value;
     };
