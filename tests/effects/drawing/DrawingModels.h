@@ -154,6 +154,49 @@ inline Plane Chroma(TestFrame& frame, int index) {
     return {frame.width() / 2, frame.height() / 2, frame.plane(index)};
 }
 
+/// The name that all variants have, and the contract that all effects keep.
+inline void ExpectEffect(const char* guid, const char* displayName, const ContractTraits& traits = {}) {
+    EffectDriver effect(guid);
+    EXPECT_EQ(effect.Name(), displayName);
+    ExpectContract(effect, traits);
+}
+
+inline void ExpectNoProperties(const char* guid) {
+    EffectDriver effect(guid);
+    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
+    EXPECT_EQ(effect.Set("Anything", "TRUE"), kSuccess);
+    EXPECT_EQ(effect->SetProperty(static_cast<PropertyRecord*>(nullptr)), kSuccess);
+}
+
+/// One property, without a range, and no other name.
+inline void ExpectOnlyProperty(const char* guid, PropTypeSet type, const char* name,
+                               const char* defaultText) {
+    EffectDriver effect(guid);
+    CInternalInfo& info = *effect->GetInternalInfo();
+    EXPECT_EQ(info.GetPropCount(), 1);
+    char nameText[32], text[32], range[32];
+    EXPECT_EQ(info.GetPropTypeInfo(0, nameText, 32, text, 32, range, 32), type);
+    EXPECT_STREQ(nameText, name);
+    EXPECT_STREQ(text, defaultText);
+    EXPECT_STREQ(range, "");
+    EXPECT_EQ(info.GetPropTypeInfo(1, nameText, 32, text, 32, range, 32), PropTypeSet::None);
+    EXPECT_EQ(effect.Set("Anything", "TRUE"), kInvalidArgument);
+    EXPECT_EQ(effect.Get("Anything"), "?80070057");
+    EXPECT_EQ(effect->SetProperty(static_cast<PropertyRecord*>(nullptr)), kInvalidArgument);
+}
+
+/// A frame of one grey, whatever grey, with the chroma 90, 170 becomes this uniform one.
+inline void ExpectUniformFramesBecome(const char* guid, uint8_t y, uint8_t u, uint8_t v) {
+    EffectDriver effect(guid);
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    for (const uint8_t grey : {uint8_t{0}, uint8_t{77}, uint8_t{255}}) {
+        TestFrame frame(64, 48);
+        frame.Fill(grey, 90, 170);
+        ASSERT_EQ(effect.Process(frame), kSuccess);
+        EXPECT_EQ(FirstDifference(frame, TestFrame(64, 48).Fill(y, u, v)), "") << int{grey};
+    }
+}
+
 #if defined(__SANITIZE_ADDRESS__)
 inline constexpr int kComparedFrames = 3;
 #else

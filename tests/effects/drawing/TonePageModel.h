@@ -57,6 +57,19 @@ inline int Lifted(int luma) {
     return std::min(luma + luma / 2, 255);
 }
 
+/// `Configure` takes the same numbers from the generator for a packed stream as for a planar one.
+inline void ExpectPackedDrawsTheSame(const char* guid) {
+    EffectDriver effect(guid);
+    std::srand(8);
+    ASSERT_EQ(effect.Configure(80, 60), kSuccess);
+    const int next = std::rand();
+    std::srand(8);
+    ASSERT_EQ(effect.Configure(80, 60, kFormatPacked), kSuccess);
+    EXPECT_EQ(std::rand(), next);
+    std::srand(8);
+    EXPECT_NE(std::rand(), next);
+}
+
 }  // namespace drawing_model
 
 #endif

@@ -23,11 +23,8 @@ void ColoredPencilModel(TestFrame& frame) {
 }
 
 TEST(ColoredPencil, KeepsTheContract) {
-    EffectDriver effect(kGuid);
-    EXPECT_EQ(effect.Name(), "Colored Pencil");
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Anything", "TRUE"), kSuccess);
-    ExpectContract(effect);
+    ExpectEffect(kGuid, "Colored Pencil");
+    ExpectNoProperties(kGuid);
 }
 
 TEST(ColoredPencil, EqualsItsModel) {
@@ -42,14 +39,7 @@ TEST(ColoredPencil, EqualsItsModelOnTinyFrames) {
 }
 
 TEST(ColoredPencil, AUniformFrameIsPaper) {
-    EffectDriver effect(kGuid);
-    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
-    for (const uint8_t grey : {uint8_t{0}, uint8_t{77}, uint8_t{255}}) {
-        TestFrame frame(64, 48);
-        frame.Fill(grey, 90, 170);
-        ASSERT_EQ(effect.Process(frame), kSuccess);
-        EXPECT_EQ(frame, TestFrame(64, 48).Fill(225, 90, 170));
-    }
+    ExpectUniformFramesBecome(kGuid, 225, 90, 170);
 }
 
 /// A step from dark to bright draws its line on the bright side, and the frame of the picture stays paper.

@@ -4,8 +4,8 @@
 #include <set>
 #include <vector>
 
+#include "tests/effects/drawing/DrawingModels.h"
 #include "tests/imaging/models/ColorModels.h"
-#include "tests/support/EffectDriver.h"
 
 namespace {
 
@@ -46,11 +46,8 @@ void ComicBookModel(Planes& p) {
 }
 
 TEST(ComicBook, KeepsTheContract) {
-    EffectDriver effect(kGuid);
-    EXPECT_EQ(effect.Name(), "Comic Book");
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Anything", "TRUE"), kSuccess);
-    ExpectContract(effect, {.servesOddSizes = false});
+    drawing_model::ExpectEffect(kGuid, "Comic Book", {.servesOddSizes = false});
+    drawing_model::ExpectNoProperties(kGuid);
 }
 
 /// Every luma with every chroma pair of a grid that has both ends and the middle: one 2 by 2 block each.

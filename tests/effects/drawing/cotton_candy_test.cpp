@@ -55,11 +55,8 @@ void CottonCandyModel(TestFrame& frame) {
 }
 
 TEST(CottonCandy, KeepsTheContract) {
-    EffectDriver effect(kGuid);
-    EXPECT_EQ(effect.Name(), "Cotton Candy");
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Anything", "TRUE"), kSuccess);
-    ExpectContract(effect);
+    ExpectEffect(kGuid, "Cotton Candy");
+    ExpectNoProperties(kGuid);
 }
 
 TEST(CottonCandy, EqualsItsModel) {
@@ -75,14 +72,7 @@ TEST(CottonCandy, EqualsItsModelOnTinyFrames) {
 }
 
 TEST(CottonCandy, AUniformFrameIsFlatAndOfTheHighStop) {
-    EffectDriver effect(kGuid);
-    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
-    for (const uint8_t grey : {uint8_t{0}, uint8_t{77}, uint8_t{255}}) {
-        TestFrame frame(64, 48);
-        frame.Fill(grey, 90, 170);
-        ASSERT_EQ(effect.Process(frame), kSuccess);
-        EXPECT_EQ(frame, TestFrame(64, 48).Fill(191, 181, 35));
-    }
+    ExpectUniformFramesBecome(kGuid, 191, 181, 35);
 }
 
 /// Detail that the blur swallows shows in the luma and not in the chroma.

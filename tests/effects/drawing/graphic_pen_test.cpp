@@ -91,28 +91,17 @@ auto ModelOf(int variant, bool colored = true) {
 }
 
 TEST(GraphicPen, KeepsTheContract) {
-    for (const int variant : {1, 2, 3, 4}) {
-        EffectDriver effect(kGuids[variant]);
-        EXPECT_EQ(effect.Name(), "Graphic Pen");
-        ExpectContract(effect);
-    }
+    for (const int variant : {1, 2, 3, 4}) ExpectEffect(kGuids[variant], "Graphic Pen");
 }
 
 TEST(GraphicPen, HasOneProperty) {
+    ExpectOnlyProperty(kGuids[1], PropTypeSet::Boolean, "Colored", "TRUE");
     EffectDriver effect(kGuids[1]);
-    CInternalInfo& info = *effect->GetInternalInfo();
-    EXPECT_EQ(info.GetPropCount(), 1);
-    char name[32], text[32], range[32];
-    EXPECT_EQ(info.GetPropTypeInfo(0, name, 32, text, 32, range, 32), PropTypeSet::Boolean);
-    EXPECT_STREQ(name, "Colored");
-    EXPECT_STREQ(text, "TRUE");
-    EXPECT_STREQ(range, "");
     ExpectBooleanProperty(effect, "Colored", true);
     EXPECT_EQ(effect.Set("COLORED", "false"), kSuccess);
     EXPECT_EQ(effect.Get("colored"), "FALSE");
     ASSERT_EQ(effect.Configure(16, 16), kSuccess);
     EXPECT_EQ(effect.Get("Colored"), "FALSE") << "properties outlive Configure";
-    EXPECT_EQ(effect.Set("Color", "TRUE"), kInvalidArgument);
 }
 
 TEST(GraphicPen, EqualsItsModel) {
@@ -196,18 +185,26 @@ TEST(GraphicPen, CrawlsAtEvenFrames) {
     EXPECT_EQ(std::rand(), next) << "three draws in seven frames, counted from Configure";
 }
 
+/// A frame that is refused moves neither the hatching nor the generator.
+TEST(GraphicPen, DoesNotCountRefusedFrames) {
+    EffectDriver effect(kGuids[4]);
+    ASSERT_EQ(effect.Configure(60, 40), kSuccess);
+    std::srand(12);
+    const int first = std::rand(), second = std::rand();
+    std::srand(12);
+    TestFrame frame(60, 40), broken(60, 40), packed(60, 40, kFormatPacked);
+    broken.image().Plane[2] = nullptr;
+    EXPECT_EQ(effect.Process(frame), kSuccess);
+    EXPECT_EQ(effect.Process(broken), kInvalidArgument);
+    EXPECT_EQ(effect.Process(packed), kFailure);
+    EXPECT_EQ(std::rand(), first);
+    std::srand(12);
+    EXPECT_EQ(effect.Process(frame), kSuccess);
+    EXPECT_EQ(std::rand(), second);
+}
+
 TEST(GraphicPen, DrawsItsPagesForPackedStreamsToo) {
-    for (const int variant : {1, 2, 3, 4}) {
-        EffectDriver effect(kGuids[variant]);
-        std::srand(8);
-        ASSERT_EQ(effect.Configure(80, 60), kSuccess);
-        const int next = std::rand();
-        std::srand(8);
-        ASSERT_EQ(effect.Configure(80, 60, kFormatPacked), kSuccess);
-        EXPECT_EQ(std::rand(), next);
-        std::srand(8);
-        EXPECT_NE(std::rand(), next);
-    }
+    for (const int variant : {1, 2, 3, 4}) ExpectPackedDrawsTheSame(kGuids[variant]);
 }
 
 }  // namespace

@@ -98,11 +98,8 @@ class PlasterModel {
 };
 
 TEST(Plaster, KeepsTheContract) {
-    EffectDriver effect(kGuid);
-    EXPECT_EQ(effect.Name(), "Plaster");
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Anything", "TRUE"), kSuccess);
-    ExpectContract(effect);
+    ExpectEffect(kGuid, "Plaster");
+    ExpectNoProperties(kGuid);
 }
 
 TEST(Plaster, EqualsItsModel) {

@@ -72,11 +72,8 @@ auto ModelOf(int variant) {
 
 TEST(Sketch, KeepsTheContract) {
     for (const int variant : {1, 2, 3}) {
-        EffectDriver effect(kGuids[variant]);
-        EXPECT_EQ(effect.Name(), "Sketch");
-        EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-        EXPECT_EQ(effect.Set("Colored", "TRUE"), kSuccess);
-        ExpectContract(effect);
+        ExpectEffect(kGuids[variant], "Sketch");
+        ExpectNoProperties(kGuids[variant]);
     }
 }
 
@@ -163,17 +160,7 @@ TEST(Sketch, DrawsItsPagesOncePerConfigure) {
 }
 
 TEST(Sketch, DrawsItsPagesForPackedStreamsToo) {
-    for (const int variant : {1, 2, 3}) {
-        EffectDriver effect(kGuids[variant]);
-        std::srand(8);
-        ASSERT_EQ(effect.Configure(80, 60), kSuccess);
-        const int next = std::rand();
-        std::srand(8);
-        ASSERT_EQ(effect.Configure(80, 60, kFormatPacked), kSuccess);
-        EXPECT_EQ(std::rand(), next);
-        std::srand(8);
-        EXPECT_NE(std::rand(), next);
-    }
+    for (const int variant : {1, 2, 3}) ExpectPackedDrawsTheSame(kGuids[variant]);
 }
 
 }  // namespace
