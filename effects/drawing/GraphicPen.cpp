@@ -78,14 +78,14 @@ void CGraphicPenSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     // Column by column the pages move up to the right, one row for each.
     const size_t shift = static_cast<size_t>(CrawlOffset) * (width - 1);
     if (!EdgeLight) {
-        Pages.Shade(luma.data, shift % luma.Size(), luma.Size());
+        Pages.Shade(luma.data, shift, luma.Size());
         return;
     }
     const int32_t edge = Crawl ? 41 : 40;
     for (int32_t y = 0; y < luma.height; ++y) {
         uint8_t* const row = SoftenTemp.Row(y);
         LiftFlatAreas(luma, y, edge, row);
-        Pages.Shade(row, (static_cast<size_t>(y) * width + shift) % luma.Size(), width);
+        Pages.Shade(row, static_cast<size_t>(y) * width + shift, width);
     }
     FinishDrawing(SoftenTemp, Soften, luma);
 }

@@ -77,15 +77,15 @@ void TonePages::Keep(const CPlane8u& page, int32_t index) {
 void TonePages::Shade(uint8_t* tones, size_t first, size_t count) const {
     std::array<PageView, kCount> views{};
     while (count > 0) {
-        size_t part = count;
+        first %= pixels_;
+        const size_t part = std::min(count, pixels_ - first);
         for (size_t p = 0; p < drawn_.size(); ++p) {
             views[p] = {drawn_[p].plane.data + first, drawn_[p].brighterFrom};
-            part = std::min(part, drawn_[p].plane.Size() - first);
         }
         ShadeFrom(tones, views.data(), drawn_.size(), part);
         tones += part;
         count -= part;
-        first = 0;
+        first += part;
     }
 }
 

@@ -22,6 +22,7 @@ class TonePages {
         Release();
         CPlane8u page = NewPlane(width, height);
         page.Fill(kPaper);
+        pixels_ = page.Size();
         for (int32_t i = kCount - 2; i > 0; --i) {
             draw(page, i * 256 / kCount);
             Keep(page, i);
@@ -30,8 +31,9 @@ class TonePages {
 
     void Release() { drawn_.clear(); }
 
-    /// Replaces each of `count` tones by what the page of that tone shows. The tones belong to the pixels
-    /// from number `first` on, row after row; past the last pixel the pages start again.
+    /// Replaces each of `count` tones by what the page of that tone shows. The tones are laid on the pixels
+    /// from number `first` on, row after row; past their last pixel the pages start again. For pages that
+    /// have been built.
     void Shade(uint8_t* tones, size_t first, size_t count) const;
 
   private:
@@ -43,6 +45,7 @@ class TonePages {
 
     void Keep(const CPlane8u& page, int32_t index);
 
+    size_t pixels_ = 0;        // of a page
     std::vector<Page> drawn_;  // from bright to dark
 };
 
