@@ -125,11 +125,10 @@ ResultCode Effect::ProcessFrame(FrameRecord* frame) {
 }
 
 /// Squares the rectangle up: a multiple of 4, at least 24. At the right and lower edge it moves by as much as
-/// it would reach over. False for one that no frame holds.
+/// it would reach over, and loses as much again. False for one that lies far out of any frame.
 bool Effect::AdjustRegion(RegionRect& rect) const {
     constexpr int64_t kSmallest = 24;
     const int64_t size = std::max((int64_t{rect.bottom} - rect.top) / 4 * 4, kSmallest);
-    if (size > Stream.Width || size > Stream.Height) return false;
     const auto adjust = [&](int32_t& begin, int32_t& end, int32_t limit) {
         int64_t first = begin, last = begin + size;
         if (last > limit) {

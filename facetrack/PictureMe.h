@@ -26,7 +26,7 @@ class CPictureMeSpecialEffectFilter final
     ResultCode LoadSettings(SettingsRecord* settings) override;
     ResultCode ProcessFrame(FrameRecord* frame) override;
     /// A picture starts from the region, if there is one and none is on its way. The region is not changed;
-    /// one that is larger than the frame starts nothing.
+    /// one that lies far out of any frame starts nothing.
     ResultCode ProcessRegion(FrameRecord* frame, RegionRecord* region) override;
     ResultCode Shutdown() override;
 

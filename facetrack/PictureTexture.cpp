@@ -60,7 +60,8 @@ CPictureTexture::CPictureTexture(int32_t frameWidth, int32_t frameHeight, int32_
                                  int32_t thumbHeight)
     : FrameSize{frameWidth, frameHeight}, ThumbSize{thumbWidth, thumbHeight} {
     Region.Allocate(frameWidth, frameHeight);
-    Scaled.Allocate(frameWidth, frameHeight);
+    // On a narrow frame a thumbnail can be wider than the frame.
+    Scaled.Allocate(std::max(frameWidth, thumbWidth), std::max(frameHeight, thumbHeight));
     Thumb.Allocate(thumbWidth, thumbHeight);
 }
 

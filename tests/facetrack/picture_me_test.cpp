@@ -217,16 +217,20 @@ TEST_F(PictureMe, FliesAndLandsByItsSteps) {
     struct Case {
         int speed, rotation, size, count;
         RegionRect region;
+        int width = 320, height = 240;
     };
-    for (const Case& c : {Case{5, 1, 32, 3, {40, 99, 30, 89}},       // inside
+    for (const Case& c : {Case{5, 1, 32, 3, {40, 99, 30, 89}},          // inside
+                          Case{5, 1, 32, 3, {0, 319, 0, 299}},          // higher than the frame
+                          Case{5, 1, 50, 2, {8, 31, 60, 95}, 40, 200},  // to a thumbnail wider than the frame
+                          Case{5, 1, 32, 1, {3, 11, 1, 9}, 60, 20},     // a frame lower than the least square
                           Case{5, 5, 10, 10, {200, 260, 100, 170}},  // small thumbnails, as many as there are
                           Case{4, 2, 50, 1, {270, 310, 20, 80}},     // reaches over the right edge
                           Case{5, 1, 32, 2, {310, 330, 5, 95}},      // so far that nothing is left of it
                           Case{5, 3, 20, 2, {-20, 40, -10, 60}},     // over the upper left corner
                           Case{5, 1, 32, 3, {100, 180, 200, 260}},   // over the lower edge
                           Case{5, 1, 32, 3, {10, 15, 10, 15}}}) {    // grows to 24
-        ASSERT_EQ(effect.Configure(320, 240), kSuccess);
-        Model model(320, 240);
+        ASSERT_EQ(effect.Configure(c.width, c.height), kSuccess);
+        Model model(c.width, c.height);
         ASSERT_EQ(effect.Set("Speed", std::to_string(c.speed)), kSuccess);
         ASSERT_EQ(effect.Set("rotation speed", std::to_string(c.rotation)), kSuccess);
         ASSERT_EQ(effect.Set("Picture Size", std::to_string(c.size)), kSuccess);
@@ -240,7 +244,7 @@ TEST_F(PictureMe, FliesAndLandsByItsSteps) {
             region.left += region.right != 0 ? i % 5 : 0;
             const RegionRect asked = region;
             RegionRecord record{0, &region};
-            TestFrame frame = TestFrame(320, 240).DrawScene(i % 9), expected = frame;
+            TestFrame frame = TestFrame(c.width, c.height).DrawScene(i % 9), expected = frame;
             ASSERT_EQ(Region().ProcessRegion(frame.record(), &record), kSuccess);
             ASSERT_TRUE(frame.GuardsIntact());
             EXPECT_EQ(region.left, asked.left);  // the host's own
