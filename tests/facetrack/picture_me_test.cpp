@@ -240,6 +240,12 @@ TEST_F(PictureMe, FliesAndLandsByItsSteps) {
         model.pictureSize = c.size;
         model.texturesNumber = std::max(std::min(c.count, model.maxTextures), 1);
         for (int i = 0; i < 150; ++i) {
+            if (i == 40) {  // in flight, which stays as it is
+                model.pictureSize = c.size == 32 ? 24 : 32;
+                model.speed = 9 - c.speed;
+                ASSERT_EQ(effect.Set("Picture Size", std::to_string(model.pictureSize)), kSuccess);
+                ASSERT_EQ(effect.Set("Speed", std::to_string(model.speed)), kSuccess);
+            }
             RegionRect region = i % 7 == 6 ? RegionRect{} : c.region;  // sometimes there is no face
             region.left += region.right != 0 ? i % 5 : 0;
             const RegionRect asked = region;

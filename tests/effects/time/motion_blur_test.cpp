@@ -1,3 +1,5 @@
+#include "effects/time/MotionBlur.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -85,6 +87,19 @@ TEST_P(MotionBlur, KeepsChromaSharp) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, MotionBlur, testing::Values(0, 1));
+
+TEST(MotionBlurModes, AnotherModeChangesNothing) {
+    for (const int32_t mode : {-1, 2}) {
+        auto effect = EffectDriver::Of<CMotionBlurSpecialEffectFilter>(mode);
+        ASSERT_EQ(effect.Configure(32, 24), kSuccess);
+        for (int i = 0; i < 8; ++i) {
+            TestFrame frame = TestFrame(32, 24).Randomize(static_cast<uint64_t>(i));
+            const TestFrame before = frame;
+            EXPECT_EQ(effect.Process(frame), kSuccess);
+            EXPECT_EQ(FirstDifference(frame, before), "");
+        }
+    }
+}
 
 TEST(MotionBlurTrails, ABrightSpotStaysLit) {
     // In the mode that keeps trails a spot that was there for a moment fades more slowly than a plain mean

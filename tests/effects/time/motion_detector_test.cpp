@@ -117,6 +117,15 @@ TEST_F(MotionDetector, TheFirstFrameIsDark) {
     EXPECT_EQ(frame.plane(2)[0], RgbToV(255, 0, 0));
 }
 
+TEST_F(MotionDetector, AtTheStartOfTheProcessTheFadeReachesBackBeforeIt) {
+    // A pixel that never moved counts as moved at 0, which is recent then.
+    for (const auto& [milliseconds, brightness] : {std::pair{0, 255}, {500, 128}, {1000, 0}}) {
+        now = milliseconds;
+        ASSERT_EQ(effect.Configure(40, 30), kSuccess);
+        EXPECT_NEAR(Process(TestFrame(40, 30).Fill(100, 1, 1)).plane(0)[50], brightness, 1) << milliseconds;
+    }
+}
+
 TEST_F(MotionDetector, ADifferenceOf16IsNoMotion) {
     ASSERT_EQ(effect.Configure(40, 30), kSuccess);
     Process(TestFrame(40, 30).Fill(100, 1, 1));

@@ -154,6 +154,22 @@ TEST(TiledUp, DrawsTheGroutAnewOnlyWhenTheSizeChanges) {
     EXPECT_EQ(drawnBy("20"), 0);
 }
 
+TEST(TiledUp, DarkTilesClampAtBlack) {
+    // A face of 10 or less is as black as one of 0, and so are its joints.
+    EffectDriver effect(kGuid);
+    ASSERT_EQ(effect.Configure(100, 60), kSuccess);
+    const auto picture = [&](uint8_t level) {
+        TestFrame frame(100, 60);
+        frame.Fill(level, 128, 128);
+        EXPECT_EQ(effect.Process(frame), kSuccess);
+        return frame;
+    };
+    const TestFrame black = picture(0);
+    EXPECT_EQ(FirstDifference(picture(5), black), "");
+    EXPECT_EQ(FirstDifference(picture(10), black), "");
+    EXPECT_NE(FirstDifference(picture(60), black), "");
+}
+
 TEST(TiledUp, HasADarkFrameOfOnePixel) {
     EffectDriver effect(kGuid);
     ASSERT_EQ(effect.Configure(320, 240), kSuccess);

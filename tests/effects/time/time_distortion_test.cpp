@@ -103,27 +103,56 @@ TEST(TimeDistortion, AStaticSceneStaysAsItIs) {
     }
 }
 
+/// A nearly still scene whose frames can be told apart by their level, 100 to 103, and then a frame that is
+/// `difference` above the average that it leaves: what comes out of that frame, number 41.
+int LumaAfterAStep(int difference) {
+    EffectDriver effect(kGuid);
+    EXPECT_EQ(effect.Configure(8, 8), kSuccess);
+    const auto level = [](int i) { return 100 + i % 4; };
+    int average = level(0);
+    const auto update = [&](int y) { return (76 * y + 179 * average) / 255; };
+    for (int i = 0; i < 41; ++i) {
+        TestFrame frame(8, 8);
+        frame.Fill(static_cast<uint8_t>(level(i)), 128, 128);
+        EXPECT_EQ(effect.Process(frame), kSuccess);
+        EXPECT_EQ(frame.y()[0], level(i));
+        average = update(level(i));
+    }
+    for (int y = average; y < 256; ++y) {
+        if (y - update(y) != difference) continue;
+        TestFrame frame(8, 8);
+        frame.Fill(static_cast<uint8_t>(y), 128, 128);
+        EXPECT_EQ(effect.Process(frame), kSuccess);
+        return frame.y()[0] == y ? 41 : frame.y()[0];
+    }
+    return -1;
+}
+
 TEST(TimeDistortion, ADifferenceOf11ReachesTwoFramesBack) {
-    // A long still scene, then one step in brightness. A step of s leaves a difference of about s * 179 /
-    // 255.
-    for (const auto& [step, reach] : {std::pair{14, 0}, {16, 2}}) {
+    EXPECT_EQ(LumaAfterAStep(10), 41);  // stays as it is
+    EXPECT_EQ(LumaAfterAStep(11), 100 + 39 % 4);
+    EXPECT_EQ(LumaAfterAStep(12), 100 + 38 % 4);
+    EXPECT_EQ(LumaAfterAStep(15), 100 + 38 % 4);
+    EXPECT_EQ(LumaAfterAStep(16), 100 + 37 % 4);
+    EXPECT_EQ(LumaAfterAStep(100), 100 + 16 % 4);
+}
+
+TEST(TimeDistortion, DelaysWrapRoundTheRing) {
+    // Dark for 40 frames, a first glimmer, then a flash. A delay of 32 shows the flash itself, 33 the glimmer
+    // before it; 44 would come from before the first frame, and comes from frame 29.
+    for (const auto& [flash, delay, shown] : {std::tuple{185, 32, 185}, {190, 33, 1}, {255, 44, 0}}) {
         EffectDriver effect(kGuid);
         ASSERT_EQ(effect.Configure(8, 8), kSuccess);
-        for (int i = 0; i < 40; ++i) {
-            // The frames can be told apart by one level only in the last picture but one.
+        for (int i = 0; i < 41; ++i) {
             TestFrame frame(8, 8);
-            frame.Fill(static_cast<uint8_t>(i == 37 ? 101 : 100), 128, 128);
+            frame.Fill(i == 40 ? 1 : 0, 128, 128);
             ASSERT_EQ(effect.Process(frame), kSuccess);
         }
-        // The average of a still 100 settles a little below it by truncation.
+        ASSERT_EQ((flash - 76 * flash / 255) / 4, delay);
         TestFrame frame(8, 8);
-        frame.Fill(static_cast<uint8_t>(100 + step), 128, 128);
+        frame.Fill(static_cast<uint8_t>(flash), 128, 128);
         ASSERT_EQ(effect.Process(frame), kSuccess);
-        if (reach == 0) {
-            EXPECT_EQ(frame.y()[0], 100 + step);
-        } else {
-            EXPECT_LE(frame.y()[0], 101);
-        }
+        EXPECT_EQ(frame.y()[0], shown) << flash;
     }
 }
 
