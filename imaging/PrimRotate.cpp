@@ -1,8 +1,15 @@
 // Rotation by any angle.
+//
+// Every interpolation mode is a kernel: the weights of four samples around a position along one axis. The
+// pixels of a stretch are first traced back to the source; the four by four samples around each are fetched
+// and mixed in loops that the compiler vectorises. Pixels whose samples reach past the region are mixed one
+// by one, with the region's edge repeated.
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 
+#include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRoi.h"
@@ -41,83 +48,186 @@ struct Direction {
     }
 };
 
-struct Source {
-    const uint8_t* data;
-    int32_t step;
-    Roi roi;  // clipped
+// ---- kernels ---------------------------------------------------------------------------------------
+//
+// Weights of the samples at -1, 0, 1 and 2 for a position at f, from 0 to 1.
 
-    uint8_t At(int32_t x, int32_t y) const { return Row(data, step, y)[x]; }
+struct Weights {
+    float w0, w1, w2, w3;
+
+    SE_INLINE float Mix(float a, float b, float c, float d) const {
+        return w0 * a + w1 * b + w2 * c + w3 * d;
+    }
 };
 
-uint8_t RoundToByte(double value) {
-    return static_cast<uint8_t>(std::clamp(value + 0.5, 0.0, 255.0));
-}
-
-uint8_t SampleNearest(const Source& source, double x, double y) {
-    return source.At(prim::RoundHalfUp(x), prim::RoundHalfUp(y));
-}
-
-uint8_t SampleLinear(const Source& source, double x, double y) {
-    const auto left = static_cast<int32_t>(x);
-    const auto top = static_cast<int32_t>(y);
-    const int32_t right = std::min(left + 1, source.roi.x1());
-    const int32_t bottom = std::min(top + 1, source.roi.y1());
-    const double fx = x - left, fy = y - top;
-    const double upper = source.At(left, top) + (source.At(right, top) - source.At(left, top)) * fx;
-    const double lower = source.At(left, bottom) + (source.At(right, bottom) - source.At(left, bottom)) * fx;
-    return RoundToByte(upper + (lower - upper) * fy);
-}
-
-/// Weights of the four samples around a position: the cubic through the middle two whose slopes there are
-/// those of their neighbours (Catmull and Rom).
-std::array<double, 4> CubicWeights(double f) {
-    return {((2.0 - f) * f - 1.0) * f * 0.5, ((3.0 * f - 5.0) * f * f + 2.0) * 0.5,
-            ((4.0 - 3.0 * f) * f + 1.0) * f * 0.5, (f - 1.0) * f * f * 0.5};
-}
-
-/// Mixes the four rows first, then the four columns. Samples past the edge of the region repeat the edge.
-uint8_t SampleCubic(const Source& source, double x, double y) {
-    const Roi& roi = source.roi;
-    const auto left = static_cast<int32_t>(x);
-    const auto top = static_cast<int32_t>(y);
-    const std::array<double, 4> wx = CubicWeights(x - left);
-    const std::array<double, 4> wy = CubicWeights(y - top);
-    std::array<double, 4> columns{};
-    if (left > roi.x0() && top > roi.y0() && left + 2 <= roi.x1() && top + 2 <= roi.y1()) {
-        const uint8_t* const r0 = Row(source.data, source.step, top - 1) + (left - 1);
-        const uint8_t* const r1 = r0 + source.step;
-        const uint8_t* const r2 = r1 + source.step;
-        const uint8_t* const r3 = r2 + source.step;
-        for (size_t i = 0; i < 4; ++i)
-            columns[i] = wy[0] * r0[i] + wy[1] * r1[i] + wy[2] * r2[i] + wy[3] * r3[i];
-    } else {
-        const auto row = [&](int32_t j) {
-            return Row(source.data, source.step, std::clamp(top + j, roi.y0(), roi.y1()));
-        };
-        for (int32_t i = 0; i < 4; ++i) {
-            const int32_t column = std::clamp(left - 1 + i, roi.x0(), roi.x1());
-            columns[static_cast<size_t>(i)] = wy[0] * row(-1)[column] + wy[1] * row(0)[column] +
-                                              wy[2] * row(1)[column] + wy[3] * row(2)[column];
-        }
+struct NearestKernel {
+    SE_INLINE static Weights At(float f) {
+        const auto second = static_cast<float>(static_cast<int32_t>(f >= 0.5f));
+        return {0.0f, 1.0f - second, second, 0.0f};
     }
-    return RoundToByte(wx[0] * columns[0] + wx[1] * columns[1] + wx[2] * columns[2] + wx[3] * columns[3]);
-}
+};
 
-/// The way back from a destination pixel to the source.
-struct BackMap {
+struct LinearKernel {
+    SE_INLINE static Weights At(float f) { return {0.0f, 1.0f - f, f, 0.0f}; }
+};
+
+/// The cubic through the middle two whose slopes there are those of their neighbours (Catmull and Rom).
+struct CubicKernel {
+    SE_INLINE static Weights At(float f) {
+        return {((2.0f - f) * f - 1.0f) * f * 0.5f, ((3.0f * f - 5.0f) * f * f + 2.0f) * 0.5f,
+                ((4.0f - 3.0f * f) * f + 1.0f) * f * 0.5f, (f - 1.0f) * f * f * 0.5f};
+    }
+};
+
+// ---- tracing back ----------------------------------------------------------------------------------
+
+/// The source with its clipped region, and the way from a destination pixel back to it.
+struct Trace {
+    const uint8_t* data;
+    int32_t step;
+    Roi roi;
+    double left, right, top, bottom;  // the region's outermost samples
     Direction direction;
     double xShift, yShift;
+
+    Trace(const uint8_t* source, int32_t sourceStep, const Roi& clipped, const Direction& turn, double dx,
+          double dy)
+        : data(source),
+          step(sourceStep),
+          roi(clipped),
+          left(clipped.x0()),
+          right(clipped.x1()),
+          top(clipped.y0()),
+          bottom(clipped.y1()),
+          direction(turn),
+          xShift(dx),
+          yShift(dy) {}
 
     double SourceX(double dx, double dy) const { return dx * direction.c - dy * direction.s; }
     double SourceY(double dx, double dy) const { return dx * direction.s + dy * direction.c; }
 };
 
-/// Columns of a destination row, `begin` to `end` without the latter.
+constexpr ptrdiff_t kStretch = 128;  // pixels that are handled at once
+
+/// Where the pixels of a stretch come from. Inner pixels have all their samples in the region.
+struct Places {
+    std::array<double, kStretch> x, y;
+    std::array<int32_t, kStretch> column, row;  // the sample before the position
+    std::array<float, kStretch> xFraction, yFraction;
+    std::array<int32_t, kStretch> inside, inner;
+};
+
+SE_INLINE double Clamp(double position, double low, double high) {
+    const double notBelow = position > low ? position : low;
+    return notBelow < high ? notBelow : high;
+}
+
+/// Traces back the `count` pixels from (column, row) on.
+SE_MULTIVERSION
+void FindPlaces(const Trace& trace, int32_t column, int32_t row, ptrdiff_t count,
+                Places& SE_RESTRICT places) {
+    const double left = trace.left, right = trace.right, top = trace.top, bottom = trace.bottom;
+    const double c = trace.direction.c, s = trace.direction.s;
+    const double xShift = trace.xShift, dy = row - trace.yShift;
+    // Inner pixels: one sample of the region before theirs, two behind.
+    const int32_t firstColumn = trace.roi.x0() + 1, firstRow = trace.roi.y0() + 1;
+    const auto columns = static_cast<uint32_t>(std::max(trace.roi.width - 3, 0));
+    const auto rows = static_cast<uint32_t>(std::max(trace.roi.height - 3, 0));
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+        const double dx = column + static_cast<int32_t>(i) - xShift;
+        const double x = dx * c - dy * s, y = dx * s + dy * c;
+        const double xIn = Clamp(x, left, right), yIn = Clamp(y, top, bottom);
+        const auto ix = static_cast<int32_t>(xIn), iy = static_cast<int32_t>(yIn);
+        const auto inside = static_cast<int32_t>(xIn == x) & static_cast<int32_t>(yIn == y);
+        places.x[i] = x;
+        places.y[i] = y;
+        places.column[i] = ix;
+        places.row[i] = iy;
+        places.xFraction[i] = static_cast<float>(xIn - ix);
+        places.yFraction[i] = static_cast<float>(yIn - iy);
+        places.inside[i] = inside;
+    }
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+        const auto innerColumn = static_cast<uint32_t>(places.column[i] - firstColumn) < columns;
+        const auto innerRow = static_cast<uint32_t>(places.row[i] - firstRow) < rows;
+        places.inner[i] =
+            places.inside[i] & static_cast<int32_t>(innerColumn) & static_cast<int32_t>(innerRow);
+    }
+}
+
+// ---- mixing ----------------------------------------------------------------------------------------
+
+SE_INLINE uint8_t RoundToByte(float value) {
+    const float raised = value + 0.5f;
+    const float notBelow = raised > 0.0f ? raised : 0.0f;
+    return static_cast<uint8_t>(static_cast<int32_t>(notBelow < 255.0f ? notBelow : 255.0f));
+}
+
+/// Four rows of four samples for each pixel of a stretch, the leftmost in the low byte.
+using Samples = std::array<std::array<uint32_t, kStretch>, 4>;
+
+/// Mixes the rows first, then the columns.
+template <class Kernel>
+SE_INLINE void MixSamples(const Samples& SE_RESTRICT samples, const Places& SE_RESTRICT places,
+                          ptrdiff_t count, uint8_t* SE_RESTRICT mixed) {
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+        const Weights across = Kernel::At(places.xFraction[i]), down = Kernel::At(places.yFraction[i]);
+        const uint32_t r0 = samples[0][i], r1 = samples[1][i], r2 = samples[2][i], r3 = samples[3][i];
+        const auto column = [&](int shift) {
+            const auto sample = [shift](uint32_t row) {
+                return static_cast<float>(static_cast<int32_t>((row >> shift) & 255));
+            };
+            return down.Mix(sample(r0), sample(r1), sample(r2), sample(r3));
+        };
+        mixed[i] = RoundToByte(across.Mix(column(0), column(8), column(16), column(24)));
+    }
+}
+
+SE_MULTIVERSION
+void MixStretch(NearestKernel, const Samples& samples, const Places& places, ptrdiff_t count,
+                uint8_t* mixed) {
+    MixSamples<NearestKernel>(samples, places, count, mixed);
+}
+SE_MULTIVERSION
+void MixStretch(LinearKernel, const Samples& samples, const Places& places, ptrdiff_t count, uint8_t* mixed) {
+    MixSamples<LinearKernel>(samples, places, count, mixed);
+}
+SE_MULTIVERSION
+void MixStretch(CubicKernel, const Samples& samples, const Places& places, ptrdiff_t count, uint8_t* mixed) {
+    MixSamples<CubicKernel>(samples, places, count, mixed);
+}
+
+/// One pixel near the edge of the region; samples past it repeat the edge.
+template <class Kernel>
+uint8_t MixEdgePixel(const Trace& trace, const Places& places, size_t i) {
+    const Roi& roi = trace.roi;
+    const Weights across = Kernel::At(places.xFraction[i]), down = Kernel::At(places.yFraction[i]);
+    const auto row = [&](int32_t j) {
+        return Row(trace.data, trace.step, std::clamp(places.row[i] + j, roi.y0(), roi.y1()));
+    };
+    const uint8_t *const r0 = row(-1), *const r1 = row(0), *const r2 = row(1), *const r3 = row(2);
+    const auto column = [&](int32_t k) {
+        const int32_t x = std::clamp(places.column[i] + k, roi.x0(), roi.x1());
+        return down.Mix(r0[x], r1[x], r2[x], r3[x]);
+    };
+    return RoundToByte(across.Mix(column(-1), column(0), column(1), column(2)));
+}
+
+/// Weight of the picture at a position in its region with a soft edge: the product of two ramps that rise
+/// from 0 on the outermost samples to 1 one sample further in.
+double EdgeWeight(const Trace& trace, double x, double y) {
+    return std::min(std::min(x - trace.left, trace.right - x), 1.0) *
+           std::min(std::min(y - trace.top, trace.bottom - y), 1.0);
+}
+
+// ---- the whole -------------------------------------------------------------------------------------
+
+/// Columns of a destination row, measured from the shift; `begin` to `end` without the latter.
 struct ColumnRange {
     double begin, end;
 
-    /// Leaves the columns d (measured from the shift) for which low <= offset + slope * d <= high, and a
-    /// little more on either side: whoever uses the range tests each pixel exactly.
+    /// Leaves the columns d for which low <= offset + slope * d <= high, and a little more on either side:
+    /// whoever uses the range tests each pixel exactly.
     void Narrow(double offset, double slope, double low, double high) {
         constexpr double kMargin = 2.0;
         if (std::fabs(slope) < 1e-9) return;
@@ -128,37 +238,48 @@ struct ColumnRange {
     }
 };
 
-/// Calls sample(x, y) for each destination pixel whose source position (x, y) lies in the source's region,
-/// and stores what comes. With a soft edge the pixel is mixed with what it replaces: its weight is the
-/// product of two ramps that rise from 0 on the outermost samples of the region to 1 one sample further in.
-template <class Sample>
-void RotateInto(const Roi& source, uint8_t* dst, int32_t dstStep, const Roi& roi, const BackMap& map,
-                bool softEdge, Sample sample) {
-    const double left = source.x0(), right = source.x1(), top = source.y0(), bottom = source.y1();
-    for (int32_t row = roi.y0(); row <= roi.y1(); ++row) {
-        uint8_t* const out = Row(dst, dstStep, row);
-        const double dy = row - map.yShift;
-        ColumnRange range{roi.x0() - map.xShift, roi.x1() + 1 - map.xShift};
-        range.Narrow(map.SourceX(0.0, dy), map.direction.c, left, right);
-        range.Narrow(map.SourceY(0.0, dy), map.direction.s, top, bottom);
-        if (!(range.begin < range.end)) continue;
-        const auto first = static_cast<int32_t>(std::max<double>(range.begin + map.xShift, roi.x0()));
-        const auto last = static_cast<int32_t>(std::min<double>(range.end + map.xShift, roi.x1()));
-        for (int32_t column = first; column <= last; ++column) {
-            const double dx = column - map.xShift;
-            const double x = map.SourceX(dx, dy);
-            const double y = map.SourceY(dx, dy);
-            if (!(x >= left && x <= right && y >= top && y <= bottom)) continue;
-            const uint8_t value = sample(x, y);
-            const double depth = std::min(std::min(x - left, right - x), std::min(y - top, bottom - y));
-            if (softEdge && depth < 1.0) {
-                const double weight = std::min(std::min(x - left, right - x), 1.0) *
-                                      std::min(std::min(y - top, bottom - y), 1.0);
-                out[column] = RoundToByte(out[column] + (value - out[column]) * weight);
-            } else {
-                out[column] = value;
-            }
+/// Rotates the `count` pixels from (column, row) on into `out`.
+template <class Kernel>
+void RotateStretch(const Trace& trace, int32_t column, int32_t row, ptrdiff_t count, bool softEdge,
+                   uint8_t* out) {
+    Places places;
+    Samples samples{};
+    std::array<uint8_t, kStretch> mixed;
+    FindPlaces(trace, column, row, count, places);
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+        if (places.inner[i] == 0) continue;
+        const uint8_t* from = Row(trace.data, trace.step, places.row[i] - 1) + (places.column[i] - 1);
+        for (auto& line : samples) {
+            std::memcpy(&line[i], from, sizeof line[i]);
+            from += trace.step;
         }
+    }
+    MixStretch(Kernel(), samples, places, count, mixed.data());
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+        if (places.inner[i] != 0) {
+            out[i] = mixed[i];
+        } else if (places.inside[i] != 0) {
+            const uint8_t value = MixEdgePixel<Kernel>(trace, places, i);
+            const double weight = softEdge ? EdgeWeight(trace, places.x[i], places.y[i]) : 1.0;
+            out[i] = RoundToByte(static_cast<float>(out[i] + (value - out[i]) * weight));
+        }
+    }
+}
+
+template <class Kernel>
+void RotateInto(const Trace& trace, uint8_t* dst, int32_t dstStep, const Roi& roi, bool softEdge) {
+    for (int32_t row = roi.y0(); row <= roi.y1(); ++row) {
+        const double dy = row - trace.yShift;
+        ColumnRange range{roi.x0() - trace.xShift, roi.x1() + 1 - trace.xShift};
+        range.Narrow(trace.SourceX(0.0, dy), trace.direction.c, trace.left, trace.right);
+        range.Narrow(trace.SourceY(0.0, dy), trace.direction.s, trace.top, trace.bottom);
+        if (!(range.begin < range.end)) continue;
+        const auto first = static_cast<int32_t>(std::max<double>(range.begin + trace.xShift, roi.x0()));
+        const auto last = static_cast<int32_t>(std::min<double>(range.end + trace.xShift, roi.x1()));
+        uint8_t* const out = Row(dst, dstStep, row);
+        for (ptrdiff_t column = first; column <= last; column += kStretch)
+            RotateStretch<Kernel>(trace, static_cast<int32_t>(column), row,
+                                  std::min<ptrdiff_t>(kStretch, last + 1 - column), softEdge, out + column);
     }
 }
 
@@ -182,22 +303,18 @@ PrimStatus PrimRotate8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeigh
     if (status != kPrimOk) return status;
     if (!std::isfinite(angle) || !std::isfinite(xShift) || !std::isfinite(yShift)) return kPrimOk;
 
-    const BackMap map{Direction(ReduceAngle(angle)), xShift, yShift};
-    const Source source{src, srcStep, prim::ClipRoi(srcRoi, srcWidth, srcHeight)};
-    const bool rightAngle = map.direction.c == 0.0 || map.direction.s == 0.0;
+    const Trace trace(src, srcStep, prim::ClipRoi(srcRoi, srcWidth, srcHeight), Direction(ReduceAngle(angle)),
+                      xShift, yShift);
+    const bool rightAngle = trace.direction.c == 0.0 || trace.direction.s == 0.0;
     const bool permutation = rightAngle && xShift == std::trunc(xShift) && yShift == std::trunc(yShift);
-    const auto rotate = [&](auto sampler, bool soft) {
-        RotateInto(source.roi, dst, dstStep, dstRoi, map, soft,
-                   [&](double x, double y) { return sampler(source, x, y); });
-    };
     if (permutation)
-        rotate(SampleNearest, false);
+        RotateInto<NearestKernel>(trace, dst, dstStep, dstRoi, false);
     else if (mode == kPrimNearest)
-        rotate(SampleNearest, softEdge);
+        RotateInto<NearestKernel>(trace, dst, dstStep, dstRoi, softEdge);
     else if (mode == kPrimLinear)
-        rotate(SampleLinear, softEdge);
+        RotateInto<LinearKernel>(trace, dst, dstStep, dstRoi, softEdge);
     else
-        rotate(SampleCubic, softEdge);
+        RotateInto<CubicKernel>(trace, dst, dstStep, dstRoi, softEdge);
     return kPrimOk;
 }
 

@@ -250,12 +250,19 @@ inline PrimStatus PrimRotate8uC1(const uint8_t* src, int32_t srcWidth, int32_t s
     const uint32_t mode = exact ? 1 : interpolation & 0x7fffffff;
     const bool soft = !exact && (interpolation & 0x80000000) != 0;
 
-    const auto p = [&](int32_t x, int32_t y) -> double {
+    const auto p = [&](int32_t x, int32_t y) -> float {
         return At(src, srcStep, std::clamp(x, x0, x1), std::clamp(y, y0, y1));
     };
-    const auto cubic = [](double f, double a, double b, double d, double e) {
-        return ((2.0 - f) * f - 1.0) * f * 0.5 * a + ((3.0 * f - 5.0) * f * f + 2.0) * 0.5 * b +
-               ((4.0 - 3.0 * f) * f + 1.0) * f * 0.5 * d + (f - 1.0) * f * f * 0.5 * e;
+    // Mixes four samples, of which the position lies between the middle two, in single precision.
+    const auto mix = [mode](float f, float a, float b, float d, float e) {
+        std::array<float, 4> w = {0.0f, f < 0.5f ? 1.0f : 0.0f, f < 0.5f ? 0.0f : 1.0f, 0.0f};
+        if (mode == 2) {
+            w = {0.0f, 1.0f - f, f, 0.0f};
+        } else if (mode == 4) {
+            w = {((2.0f - f) * f - 1.0f) * f * 0.5f, ((3.0f * f - 5.0f) * f * f + 2.0f) * 0.5f,
+                 ((4.0f - 3.0f * f) * f + 1.0f) * f * 0.5f, (f - 1.0f) * f * f * 0.5f};
+        }
+        return w[0] * a + w[1] * b + w[2] * d + w[3] * e;
     };
     ForEach(dstRoiWidth, dstRoiHeight, [&](int32_t column, int32_t row) {
         const double dx = dstRoiX + column - xShift, dy = dstRoiY + row - yShift;
@@ -264,27 +271,18 @@ inline PrimStatus PrimRotate8uC1(const uint8_t* src, int32_t srcWidth, int32_t s
             return;
         }
         const auto ix = static_cast<int32_t>(x), iy = static_cast<int32_t>(y);
-        const double fx = x - ix, fy = y - iy;
-        double value = 0.0;
-        if (mode == 1) {
-            value = p(static_cast<int32_t>(x + 0.5), static_cast<int32_t>(y + 0.5));
-        } else if (mode == 2) {
-            const double upper = p(ix, iy) + (p(ix + 1, iy) - p(ix, iy)) * fx;
-            const double lower = p(ix, iy + 1) + (p(ix + 1, iy + 1) - p(ix, iy + 1)) * fx;
-            value = upper + (lower - upper) * fy;
-        } else {
-            std::array<double, 4> columns{};
-            for (int32_t i = 0; i < 4; ++i) {
-                columns[static_cast<size_t>(i)] = cubic(fy, p(ix - 1 + i, iy - 1), p(ix - 1 + i, iy),
-                                                        p(ix - 1 + i, iy + 1), p(ix - 1 + i, iy + 2));
-            }
-            value = cubic(fx, columns[0], columns[1], columns[2], columns[3]);
+        const auto fx = static_cast<float>(x - ix), fy = static_cast<float>(y - iy);
+        std::array<float, 4> columns{};
+        for (int32_t i = 0; i < 4; ++i) {
+            columns[static_cast<size_t>(i)] = mix(fy, p(ix - 1 + i, iy - 1), p(ix - 1 + i, iy),
+                                                  p(ix - 1 + i, iy + 1), p(ix - 1 + i, iy + 2));
         }
-        const auto round = [](double v) { return Sat8(static_cast<int64_t>(std::floor(v + 0.5))); };
+        const float value = mix(fx, columns[0], columns[1], columns[2], columns[3]);
+        const auto round = [](float v) { return Sat8(static_cast<int64_t>(std::floor(v + 0.5f))); };
         uint8_t& out = At(dst, dstStep, dstRoiX + column, dstRoiY + row);
         const uint8_t sampled = round(value);
         const double weight = std::min({x - x0, x1 - x, 1.0}) * std::min({y - y0, y1 - y, 1.0});
-        out = soft ? round(out + (sampled - out) * weight) : sampled;
+        out = soft ? round(static_cast<float>(out + (sampled - out) * weight)) : sampled;
     });
     return 0;
 }
