@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -26,6 +27,15 @@ WideString Utf16(char32_t c) {
     if (c < 0x10000) return {static_cast<WideChar>(c)};
     return {static_cast<WideChar>(0xD800 + ((c - 0x10000) >> 10)),
             static_cast<WideChar>(0xDC00 + ((c - 0x10000) & 0x3FF))};
+}
+
+std::pair<std::string, WideString> InBothEncodings(const std::u32string& characters) {
+    std::pair<std::string, WideString> texts;
+    for (const char32_t c : characters) {
+        texts.first += Utf8(c);
+        texts.second += Utf16(c);
+    }
+    return texts;
 }
 
 // Converts into a buffer of exactly `size` characters on the heap and gives back the text.
@@ -53,12 +63,7 @@ TEST(TextBridge, ConvertsEveryCharacterBothWays) {
 
 TEST(TextBridge, ConvertsMixedTexts) {
     const std::u32string characters = U"Gr\u00F6\u00DFe \u20AC \U0001F600!";
-    std::string narrow;
-    WideString wide;
-    for (const char32_t c : characters) {
-        narrow += Utf8(c);
-        wide += Utf16(c);
-    }
+    const auto [narrow, wide] = InBothEncodings(characters);
     EXPECT_EQ(Narrow(wide), narrow);
     EXPECT_EQ(Widen(narrow), wide);
     EXPECT_EQ(Narrow({}), "");
@@ -70,12 +75,7 @@ TEST(TextBridge, ConvertsMixedTexts) {
 // than units.
 TEST(TextBridge, CutsAtAWholeCharacter) {
     const std::u32string characters = U"a\u00E9b\u20ACc\U0001F600\U0001F601\u20AC\u00E9xyz";
-    std::string narrow;
-    WideString wide;
-    for (const char32_t c : characters) {
-        narrow += Utf8(c);
-        wide += Utf16(c);
-    }
+    const auto [narrow, wide] = InBothEncodings(characters);
     for (size_t size = 1; size <= narrow.size() + 2; ++size) {
         std::string expected;
         WideString wideExpected;
