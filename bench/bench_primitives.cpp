@@ -32,7 +32,7 @@
 
 namespace {
 
-// ---- pictures --------------------------------------------------------------------------------------------
+// ---- pictures -----------------------------------------------------------------------------------
 
 /// A plane with room for masks around it.
 template <typename T>
@@ -182,8 +182,7 @@ class Workshop {
     std::array<CPlane8u, 4> planes_;
 };
 
-// ---- timing
-// ------------------------------------------------------------------------------------------------
+// ---- timing -------------------------------------------------------------------------------------
 
 using Action = std::function<void()>;
 
@@ -238,8 +237,7 @@ void RunOperation(benchmark::State& state, const Operation& operation, int32_t w
     state.counters["x_memcpy"] = time / Median(copyTimes);
 }
 
-// ---- our operations
-// ------------------------------------------------------------------------------------------
+// ---- our operations -----------------------------------------------------------------------------
 
 constexpr std::array<float, 12> kSepia = {0.393f, 0.769f, 0.189f, 0,      0.349f, 0.686f,
                                           0.168f, 0,      0.272f, 0.534f, 0.131f, 1};
@@ -661,8 +659,7 @@ void AddPlanes(std::vector<Operation>& list) {
                     onPlanes([=](CPlane8u& src, CPlane8u& dst) { kernel->FilterRows(src, dst); })});
 }
 
-// ---- OpenCV's
-// ----------------------------------------------------------------------------------------------
+// ---- OpenCV's -----------------------------------------------------------------------------------
 
 #ifdef SE_BENCH_OPENCV
 

@@ -27,7 +27,7 @@
 
 #include <cstdint>
 
-// ---- status ------------------------------------------------------------------------------------------
+// ---- status -------------------------------------------------------------------------------------
 
 /// Answer of a primitive: 0 success; negative an error, nothing was written; positive a warning.
 using PrimStatus = int32_t;
@@ -52,7 +52,7 @@ inline constexpr PrimStatus kPrimNoiseError = -55;       ///< noise outside 0..1
 inline constexpr PrimStatus kPrimAlignmentError = -108;  ///< row step not a multiple of the element size
 inline constexpr PrimStatus kPrimOutsideSource = 29;     ///< region outside the source, nothing done
 
-// ---- parameter codes -----------------------------------------------------------------------------------
+// ---- parameter codes ----------------------------------------------------------------------------
 
 inline constexpr int32_t kPrimMask3x3 = 33;
 inline constexpr int32_t kPrimMask5x5 = 55;
@@ -71,7 +71,7 @@ inline constexpr int32_t kPrimMirrorBoth = 2;
 
 inline constexpr int32_t kPrimBorderReplicate = 1;
 
-// ---- memory ----------------------------------------------------------------------------------------------
+// ---- memory -------------------------------------------------------------------------------------
 
 /// A block of `size` bytes aligned to 32 bytes, contents undefined; null for a size below 1 or when memory
 /// runs out. The caller owns it and gives it back to `PrimFreeBuffer`.
@@ -88,8 +88,7 @@ uint8_t* PrimMalloc8uC1(int32_t width, int32_t height, int32_t* step);
 /// The same as `PrimFreeBuffer`.
 void PrimFree(void* image);
 
-// ---- fill, copy, mean
-// --------------------------------------------------------------------------------------
+// ---- fill, copy, mean ---------------------------------------------------------------------------
 
 /// Every pixel = value.
 PrimStatus PrimSet8uC1(uint8_t value, uint8_t* dst, int32_t step, int32_t width, int32_t height);
@@ -100,8 +99,7 @@ PrimStatus PrimCopy8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32
 /// mean = sum of the pixels / (width * height).
 PrimStatus PrimMean8uC1(const uint8_t* src, int32_t step, int32_t width, int32_t height, double* mean);
 
-// ---- arithmetic, in place on the second image
-// ----------------------------------------------------------------
+// ---- arithmetic, in place on the second image ---------------------------------------------------
 //
 // `scale` divides the result by 2^scale; a negative one multiplies by 2^-scale.
 
@@ -131,8 +129,7 @@ PrimStatus PrimAnd8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, int
 /// Each byte = 255 - byte.
 PrimStatus PrimNot8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height);
 
-// ---- thresholds
-// --------------------------------------------------------------------------------------------
+// ---- thresholds ---------------------------------------------------------------------------------
 
 /// x < threshold becomes threshold. In place.
 PrimStatus PrimThresholdLT8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height, uint8_t threshold);
@@ -150,8 +147,7 @@ PrimStatus PrimThresholdLTValGTVal8uC1(const uint8_t* src, int32_t srcStep, uint
 PrimStatus PrimThresholdLTValGTValInPlace8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height,
                                               uint8_t lo, uint8_t loValue, uint8_t hi, uint8_t hiValue);
 
-// ---- other point operations
-// ----------------------------------------------------------------------------------
+// ---- other point operations ---------------------------------------------------------------------
 
 /// Posterises each byte to `levels` evenly spaced values (2..256, else kPrimLevelsError): with L = levels - 1
 /// and q = x / 255, k = trunc(L * q) / L, one step of 1 / L more when q - k is at least half a step, result
@@ -181,8 +177,7 @@ PrimStatus PrimUpdateMotionHistory8u32f(const uint8_t* silhouette, int32_t silho
 PrimStatus PrimAddGaussNoise8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height, double mean,
                                  double stdDev, uint32_t* seed);
 
-// ---- colour
-// ---------------------------------------------------------------------------------------------------
+// ---- colour -------------------------------------------------------------------------------------
 
 /// Applies a 3 by 4 matrix of rows to three-byte pixels, in place:
 /// out[c] = m[4c]*p0 + m[4c+1]*p1 + m[4c+2]*p2 + m[4c+3] in double, added from left to right; at or above 255
@@ -204,8 +199,7 @@ PrimStatus PrimRgbToYuv420(const uint8_t* src, uint8_t* const planes[3], int32_t
 /// - 38076 v - 25821 u) >> 16), p2 = sat8(((Y << 16) + 133169 u) >> 16).
 PrimStatus PrimYuv420ToRgb(const uint8_t* const planes[3], uint8_t* dst, int32_t width, int32_t height);
 
-// ---- geometry
-// ---------------------------------------------------------------------------------------------------
+// ---- geometry -----------------------------------------------------------------------------------
 //
 // A source image comes with its whole size and a region of interest in it; `src` points at the image's first
 // pixel. A region that reaches past the source is clipped to it; one whose origin lies at or past the
@@ -283,8 +277,7 @@ PrimStatus PrimReplicateBorderInPlace8uC1(uint8_t* inner, int32_t step, int32_t 
                                           int32_t innerHeight, int32_t fullWidth, int32_t fullHeight,
                                           int32_t topBorder, int32_t leftBorder);
 
-// ---- neighbourhoods
-// ------------------------------------------------------------------------------------------
+// ---- neighbourhoods -----------------------------------------------------------------------------
 //
 // These read the pixels of their mask around the region without a check, as far as the mask reaches (one
 // pixel for 3 by 3, two for 5 by 5): the caller passes an interior region so that they exist. The Border
@@ -374,8 +367,7 @@ PrimStatus PrimCanny16s8u(const int16_t* dx, int32_t dxStep, const int16_t* dy, 
                           int32_t dstStep, int32_t width, int32_t height, float lowThresh, float highThresh,
                           uint8_t* buffer);
 
-// ---- integral images and classifier stages
-// --------------------------------------------------------------------
+// ---- integral images and classifier stages ------------------------------------------------------
 
 /// Two tables of (width + 1) by (height + 1) entries. Row 0 and column 0 hold val and valSqr; entry (x+1,
 /// y+1) holds val (valSqr) plus the sum of the pixels (of their squares) up to and with (x, y). `sum` wraps

@@ -47,7 +47,7 @@ SE_TARGET_AVX2 SE_INLINE void Store16(uint8_t* p, __m128i v) {
 
 #endif
 
-// ---- colour twist ----------------------------------------------------------------------------------------
+// ---- colour twist -------------------------------------------------------------------------------
 
 /// The matrix, and what can be said of sums of its terms in single precision.
 struct Twist {
@@ -202,8 +202,7 @@ PrimStatus PrimColorTwist8uC3(uint8_t* data, int32_t step, int32_t width, int32_
     return kPrimOk;
 }
 
-// ---- packed pixels to planes
-// -----------------------------------------------------------------------------------
+// ---- packed pixels to planes --------------------------------------------------------------------
 
 namespace {
 
@@ -409,8 +408,7 @@ PrimStatus PrimRgbToYuv420(const uint8_t* src, uint8_t* const planes[3], int32_t
     return kPrimOk;
 }
 
-// ---- planes to packed pixels
-// -----------------------------------------------------------------------------------
+// ---- planes to packed pixels --------------------------------------------------------------------
 
 namespace {
 

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
-#include <utility>
 
 #include "imaging/Lookup.h"
 #include "imaging/Multiversion.h"
@@ -421,7 +420,7 @@ PrimStatus PrimThresholdLTValGTValInPlace8uC1(uint8_t* data, int32_t step, int32
     return PrimThresholdLTValGTVal8uC1(data, step, data, step, width, height, lo, loValue, hi, hiValue);
 }
 
-// ---- bit reduction ---------------------------------------------------------------------------------------
+// ---- bit reduction ------------------------------------------------------------------------------
 
 PrimStatus PrimReduceBits8uC3(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
                               int32_t width, int32_t height, int32_t noise, int32_t /*ditherType*/,
@@ -448,7 +447,7 @@ PrimStatus PrimReduceBits8uC3(const uint8_t* src, int32_t srcStep, uint8_t* dst,
     return kPrimOk;
 }
 
-// ---- float to bytes ---------------------------------------------------------------------------------------
+// ---- float to bytes -----------------------------------------------------------------------------
 
 namespace {
 
@@ -541,7 +540,7 @@ PrimStatus PrimScale32f8u(const float* src, int32_t srcStep, uint8_t* dst, int32
     return kPrimOk;
 }
 
-// ---- motion history ---------------------------------------------------------------------------------------
+// ---- motion history -----------------------------------------------------------------------------
 
 namespace {
 
@@ -575,90 +574,5 @@ PrimStatus PrimUpdateMotionHistory8u32f(const uint8_t* silhouette, int32_t silho
     for (ptrdiff_t y = 0; y < height; ++y, silhouette += silhouetteStep) {
         UpdateHistoryRow(silhouette, prim::Row(mhi, mhiStep, y), width, timestamp, oldest);
     }
-    return kPrimOk;
-}
-
-// ---- noise
-// --------------------------------------------------------------------------------------------------
-
-namespace {
-
-/// Samples of the standard normal distribution by the polar method, two at a time, from a subtractive and a
-/// congruential generator added up. All arithmetic wraps at 32 bits.
-class NormalGenerator {
-  public:
-    explicit NormalGenerator(uint32_t seed)
-        : a_(seed), b_(a_ * 69069u + 1013904243u), c_(b_ * 69069u + 1013904243u) {}
-
-    /// Two samples, stretched and moved.
-    std::pair<double, double> Next(double mean, double stdDev) {
-        double u = 0;
-        double v = 0;
-        double r = 0;
-        do {
-            Step(u, v);
-            r = u * u + v * v;
-        } while (r >= 1 || r == 0);
-        const double m = std::sqrt(std::log(r) * -2 / r);
-        return {stdDev * m * u + mean, stdDev * m * v + mean};
-    }
-
-    uint32_t seed() const { return a_; }
-
-  private:
-    /// Two uniform numbers in -1..1.
-    void Step(double& u, double& v) {
-        const uint32_t e = b_ - c_ + borrow_;
-        c_ = a_;
-        const uint32_t f = a_ - b_ - (e >> 31);
-        b_ = e - (e >> 31) * 18;
-        const uint32_t g = b_ + d_ * 69069u + 1013904243u;
-        d_ = d_ * 475559465u + 924302730u;
-        borrow_ = 0 - (f >> 31);
-        a_ = f - (f >> 31) * 18;
-        u = static_cast<int32_t>(g) * 4.656612873077e-10;
-        v = static_cast<int32_t>(a_ + d_) * 4.656612873077e-10;
-    }
-
-    uint32_t a_;
-    uint32_t b_;
-    uint32_t c_;
-    uint32_t d_ = 1131199209u;
-    uint32_t borrow_ = ~0u;  // 0 or all bits
-};
-
-/// pixel + trunc(sample), 0..255.
-uint8_t AddSample(uint8_t pixel, double sample) {
-    // Any sample of 256 and more, of either sign, saturates; one that is not a number adds nothing.
-    const double bounded = sample > -256 ? std::min(sample, 256.0) : sample <= -256 ? -256.0 : 0.0;
-    return static_cast<uint8_t>(std::clamp(pixel + static_cast<int32_t>(bounded), 0, 255));
-}
-
-}  // namespace
-
-PrimStatus PrimAddGaussNoise8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height, double mean,
-                                 double stdDev, uint32_t* seed) {
-    if (const PrimStatus error = CheckPointers(data, seed)) {
-        return error;
-    }
-    if (width < 1) {
-        *seed = 0;
-    }
-    if (const PrimStatus error = FirstError(CheckSize(width, height), CheckStep(step, width))) {
-        return error;
-    }
-    NormalGenerator generator(*seed);
-    std::pair<double, double> samples;
-    bool pending = false;  // the second sample of the pair has not been used yet
-    for (int32_t y = 0; y < height; ++y, data += step) {
-        for (ptrdiff_t x = 0; x < width; ++x) {
-            if (!pending) {
-                samples = generator.Next(mean, stdDev);
-            }
-            data[x] = AddSample(data[x], pending ? samples.second : samples.first);
-            pending = !pending;
-        }
-    }
-    *seed = generator.seed();
     return kPrimOk;
 }

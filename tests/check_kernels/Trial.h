@@ -206,7 +206,7 @@ class Trial {
         Compare(fastResult == modelResult);
     }
 
-    // ---- for the program ----
+    // ---- for the program ----------------------------------------------------------------------------
 
     struct Times {
         double fast;    // seconds, best of many

@@ -62,8 +62,7 @@ Bytes PackedBand(uint32_t first) {
     return pixels;
 }
 
-// ---- twist
-// -------------------------------------------------------------------------------------------------
+// ---- twist --------------------------------------------------------------------------------------
 
 /// One pixel, surrounded by others so that all forms of the loop come to it.
 std::array<uint8_t, 3> Twisted(std::array<uint8_t, 3> pixel, const Matrix& matrix) {
@@ -156,8 +155,7 @@ TEST(ColorTwist, ManyMatricesWhoseSumsComeNearHalves) {
     }
 }
 
-// ---- planes to packed pixels
-// ---------------------------------------------------------------------------------
+// ---- planes to packed pixels --------------------------------------------------------------------
 
 /// A picture of planes, in one block.
 struct Planes {
@@ -209,8 +207,7 @@ TEST(YuvToRgb, EveryColour) {
     }
 }
 
-// ---- packed pixels to planes
-// ---------------------------------------------------------------------------------
+// ---- packed pixels to planes --------------------------------------------------------------------
 
 TEST(RgbToYuv, ALonePixelGivesOneSampleInEachPlane) {
     const uint8_t pixel[3] = {200, 100, 50};

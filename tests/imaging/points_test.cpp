@@ -67,8 +67,7 @@ Bytes Columns() {
     return image;
 }
 
-// ---- arithmetic
-// --------------------------------------------------------------------------------------------
+// ---- arithmetic ---------------------------------------------------------------------------------
 
 TEST(PointArithmetic, SumsOfAllPairsAtAllScales) {
     const Bytes src = Rows();
@@ -174,8 +173,7 @@ TEST(PointArithmetic, MeanOfMoreThan32Bits) {
     EXPECT_EQ(mean, (255.0 * kSide * kSide - 255) / (1.0 * kSide * kSide));
 }
 
-// ---- thresholds
-// --------------------------------------------------------------------------------------------
+// ---- thresholds ---------------------------------------------------------------------------------
 
 TEST(PointThresholds, BlackAndWhitePixelsArePainted) {
     const Bytes src = {0, 1, 2, 127, 253, 254, 255};
@@ -209,8 +207,7 @@ TEST(PointThresholds, TheUpperThresholdIsTestedFirst) {
     EXPECT_EQ(data, (Bytes{0, 80, 255}));
 }
 
-// ---- bit reduction
-// -----------------------------------------------------------------------------------------
+// ---- bit reduction ------------------------------------------------------------------------------
 
 TEST(PointReduceBits, TwoLevelsSplitAtOneHalf) {
     Bytes src(258);
@@ -231,8 +228,7 @@ TEST(PointReduceBits, TheEndsStayWithAllLevels) {
     }
 }
 
-// ---- float to bytes
-// ----------------------------------------------------------------------------------------
+// ---- float to bytes -----------------------------------------------------------------------------
 
 Bytes Scaled(const std::vector<float>& values, float lo, float hi) {
     Bytes result(values.size(), 111);
@@ -274,8 +270,7 @@ TEST(PointScale, NarrowRangesAtLargeValuesKeepTheirEnds) {
     EXPECT_EQ(Scaled({-most, 0, most}, -most, most), (Bytes{0, 128, 255}));
 }
 
-// ---- motion history
-// ----------------------------------------------------------------------------------------
+// ---- motion history -----------------------------------------------------------------------------
 
 TEST(PointMotionHistory, OldEntriesFadeAndMotionIsStamped) {
     const Bytes silhouette = {0, 0, 0, 0, 1, 255};
@@ -304,8 +299,7 @@ TEST(PointMotionHistory, ADurationOfZeroKeepsTheMoment) {
     EXPECT_EQ(history, (std::vector<float>{1, 0}));
 }
 
-// ---- noise
-// -------------------------------------------------------------------------------------------------
+// ---- noise --------------------------------------------------------------------------------------
 
 TEST(PointNoise, WithoutSpreadOnlyTheMeanIsAddedTruncated) {
     Bytes data = {0, 100, 250, 255};
@@ -375,8 +369,7 @@ TEST(PointNoise, AnySampleIsSafe) {
     EXPECT_EQ(data, (Bytes{0, 0, 0}));
 }
 
-// ---- memory
-// ------------------------------------------------------------------------------------------------
+// ---- memory -------------------------------------------------------------------------------------
 
 TEST(PrimMemory, BlocksAreAligned) {
     for (const int32_t size : {1, 31, 32, 33, 100000}) {
@@ -418,8 +411,7 @@ TEST(PrimMemory, ImagesThatCannotBe) {
     EXPECT_EQ(PrimMalloc8uC1(4, 4, nullptr), nullptr);
 }
 
-// ---- look-up
-// -----------------------------------------------------------------------------------------------
+// ---- look-up ------------------------------------------------------------------------------------
 
 TEST(Lookup, AllBytesAtAllPlacesOfAVector) {
     std::array<uint8_t, 256> table;

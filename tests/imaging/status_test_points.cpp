@@ -341,8 +341,7 @@ INSTANTIATE_TEST_SUITE_P(All, PointStatus, testing::ValuesIn(AllCalls()), [](con
     return name;
 });
 
-// ---- primitives with other arguments
-// -------------------------------------------------------------------------
+// ---- primitives with other arguments ------------------------------------------------------------
 
 TEST(PointStatusOthers, MeanNeedsAPlaceForItsResult) {
     const uint8_t pixels[4] = {1, 2, 3, 4};
