@@ -91,20 +91,20 @@ ResultCode CFishEyeSpecialEffectFilter::ProcessFrame(FrameRecord* frame) {
 }
 
 void CFishEyeSpecialEffectFilter::PaintFirstPixel(const ImageRecord& image) const {
-    // A plane can be there and be empty: the stream tells, or the frame itself when it is not of the stream.
-    const StreamDescription* const stream = ReadyStream();
-    const bool ofTheStream = stream != nullptr && stream->Format == image.Format;
-    const auto hasPixels = [&](int plane) {
-        if (!ofTheStream) return image.PlaneSize[plane] > 0;
-        return plane == 0 || (stream->Width > 1 && stream->Height > 1);
-    };
     const bool packed = image.Format == kFormatPacked;
     if (!packed && image.Format != kFormatPlanar) return;
 
     const int planes = packed ? 1 : 3;
     if (std::find(image.Plane, image.Plane + planes, nullptr) != image.Plane + planes) return;
-    for (int i = 0; i < planes; ++i) {
-        if (hasPixels(i)) image.Plane[i][0] = i == 0 ? 0 : 128;
+    image.Plane[0][0] = 0;
+
+    // A chroma plane can be there and be empty: the stream tells, or the frame itself when it is not of the
+    // stream.
+    const StreamDescription* const stream = ReadyStream();
+    const bool ofTheStream = stream != nullptr && stream->Format == image.Format;
+    for (int i = 1; i < planes; ++i) {
+        const bool hasPixels = ofTheStream ? stream->Width > 1 && stream->Height > 1 : image.PlaneSize[i] > 0;
+        if (hasPixels) image.Plane[i][0] = 128;
     }
 }
 

@@ -160,6 +160,11 @@ TEST(FishEye, PaintsTheFirstPixelOfRefusedFramesToo) {
     EXPECT_EQ(frame.v()[0], 128);
     EXPECT_EQ(frame.v()[1], 70);
 
+    TestFrame untold = TestFrame(8, 8).Fill(50, 60, 70);
+    std::fill_n(untold.image().PlaneSize, 3, 0);
+    EXPECT_EQ(effect.Process(untold), kFailure);
+    EXPECT_EQ(untold.y()[0], 0);  // whatever the frame says of its size
+
     ASSERT_EQ(effect.Configure(8, 8), kSuccess);
     TestFrame packed = TestFrame(8, 8, kFormatPacked).Fill(50, 0, 0);
     EXPECT_EQ(effect.Process(packed), kFailure);
