@@ -40,7 +40,8 @@ ResultCode CBulgeSpecialEffectFilter::Configure(StreamDescription* description) 
 
 // One quarter of the picture is computed and mirrored to the other three. The waves run from pi upward, so
 // that they are negative near the centre: sources lie closer to it than their destinations. The mirrored row
-// of row y is row height - y, with the value of the row below: one row of seam, which is part of the picture.
+// of row y is row height - y, with the value of the row above it: one row of seam, which is part of the
+// picture.
 void CBulgeSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) {
     if (width < 1 || height < 1) return;
     const RemapTable table{xMap, yMap, width, height};

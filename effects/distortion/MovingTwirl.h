@@ -2,7 +2,6 @@
 #ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_MOVINGTWIRL_H
 #define SPECIALEFFECTS_EFFECTS_DISTORTION_MOVINGTWIRL_H
 
-#include <array>
 #include <vector>
 
 #include "framework/EffectBase.h"

@@ -103,7 +103,7 @@ TEST(Bulge, MagnifiesTheMiddleAndKeepsTheCorners) {
     // Radius 96, extent 72, amplitude 10.7488: the largest displacements lie half way out.
     EXPECT_NEAR(x(160 + 48, 120), 208 - 10.7488, 0.01);
     EXPECT_NEAR(y(160, 120 + 48), 168 - 10.7488, 0.01);
-    // The mirrored row takes the value of the row below it.
+    // The mirrored row takes the value of the row above it.
     EXPECT_EQ(x(200, 90), x(200, 150));
     EXPECT_NEAR(y(200, 90) + y(200, 150), 239, 0.001);
 }

@@ -65,7 +65,6 @@ TEST(IppDistortion, MovesFramesByTheTable) {
 }
 
 TEST(IppDistortion, TakesTheNearestPixelUpToTheLast) {
-    // x: -0.001, 0, 0.49, 0.5, 1.49999, 2, 2.001, not a number, infinity
     const float sources[] = {-0.001F, 0.0F, 0.49F, 0.5F, 1.49999F, 2.0F, 2.001F};
     const uint8_t results[] = {0, 10, 10, 20, 20, 30, 0};
     for (size_t i = 0; i < std::size(sources); ++i) {
@@ -121,6 +120,7 @@ TEST(IppDistortion, RefusesTheOtherFormatAndMissingPlanes) {
     frame = scene;
     frame.image().Format = kFormatPacked;
     EXPECT_EQ(effect.Process(frame), kFailure);
+    EXPECT_EQ(FirstDifference(frame, scene), "");
     for (int plane = 0; plane < 3; ++plane) {
         frame = scene;
         frame.image().Plane[plane] = nullptr;

@@ -149,6 +149,33 @@ TEST(MovingTwirl, HardlyMovesTheRim) {
     EXPECT_NEAR(frame.y()[2 * 160 + 80], 4, 6);
 }
 
+/// What still moves at frame 64, whose phase of -44 is the nearest to 0, is what the polar form loses.
+TEST(MovingTwirl, HardlyMovesAnythingWhereTheTwistIsNearZero) {
+    constexpr int w = 160, h = 120;
+    const auto atFrame64 = [](TestFrame frame) {
+        EffectDriver effect(kGuid);
+        EXPECT_EQ(effect.Configure(w, h), kSuccess);
+        TestFrame passing(w, h);
+        for (int i = 1; i < 64; ++i) EXPECT_EQ(effect.Process(passing), kSuccess);
+        EXPECT_EQ(effect.Process(frame), kSuccess);
+        return frame;
+    };
+    TestFrame columns(w, h), rows(w, h);
+    for (int i = 0; i < w * h; ++i) {
+        columns.y()[i] = static_cast<uint8_t>(i % w);
+        rows.y()[i] = static_cast<uint8_t>(i / w);
+    }
+    columns = atFrame64(columns);
+    rows = atFrame64(rows);
+    int moved = 0;
+    for (int i = 0; i < w * h; ++i) {
+        ASSERT_NEAR(columns.y()[i], i % w, 2) << i;
+        ASSERT_NEAR(rows.y()[i], i / w, 2) << i;
+        moved += columns.y()[i] != i % w || rows.y()[i] != i / w ? 1 : 0;
+    }
+    EXPECT_GT(moved, 0);
+}
+
 TEST(MovingTwirl, ARefusedFrameMovesNothing) {
     EffectDriver effect(kGuid), other(kGuid);
     TestFrame unready = TestFrame(64, 48).DrawScene(1);
