@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -41,8 +40,6 @@ bool CFaceDetector::Initialize(int32_t frameWidth, int32_t frameHeight) {
     constexpr int32_t kBorder = 1;
     constexpr double kBias = 0.0001;
     ReleaseCascade();
-    faces.clear();
-    previousFaces.clear();
     minFaceSize = frameWidth / 5;
 
     const auto refuse = [&](const char* message) {
@@ -95,6 +92,8 @@ void CFaceDetector::ReleaseCascade() {
     candidateMask.Release();
     scaledPlane.Release();
     scales.clear();
+    faces.clear();
+    previousFaces.clear();
     maxFaceSize = 0;
     frameWidth_ = frameHeight_ = tableWidth = tableHeight = 0;
 }

@@ -38,7 +38,7 @@ class CFaceDetector {
     /// nothing.
     bool Initialize(int32_t frameWidth, int32_t frameHeight);
 
-    /// Gives back what `Initialize` made.
+    /// Gives back what `Initialize` made, and forgets the faces.
     void ReleaseCascade();
 
     /// One frame: looks for faces at a quarter of the scales and, after every fourth frame, renews the list.

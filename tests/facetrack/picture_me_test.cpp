@@ -362,6 +362,29 @@ TEST_F(PictureMe, GoesWithoutACascade) {
     EXPECT_EQ(effect.Process(frame), kSuccess);
 }
 
+TEST_F(PictureMe, ForgetsTheFacesOfAnEarlierStream) {
+    // The cascade of this fixture has no stages: to it every edge is a face.
+    const auto processed = [&](int frames, int32_t format) {
+        TestFrame frame(160, 120, format);
+        for (int i = 0; i < frames; ++i) effect.Process(frame.DrawScene(i));
+        return frame;
+    };
+    const TestFrame plain = TestFrame(160, 120).DrawScene(3);
+    ASSERT_EQ(effect.Configure(160, 120), kSuccess);
+    ASSERT_NE(FirstDifference(processed(4, kFormatPlanar), plain), "");
+
+    // A packed stream has no cascade, and neither has a planar one whose file is gone.
+    ASSERT_EQ(effect.Configure(160, 120, kFormatPacked), kSuccess);
+    EXPECT_EQ(FirstDifference(processed(4, kFormatPacked), TestFrame(160, 120, kFormatPacked).DrawScene(3)),
+              "");
+    ASSERT_EQ(effect.Configure(160, 120), kSuccess);
+    processed(8, kFormatPlanar);
+    EXPECT_EQ(effect->Shutdown(), kSuccess);
+    std::filesystem::remove("haar.txt");
+    ASSERT_EQ(effect.Configure(160, 120), kSuccess);
+    EXPECT_EQ(FirstDifference(processed(4, kFormatPlanar), plain), "");
+}
+
 TEST_F(PictureMe, LoadsACascadeOfTheHosts) {
     EXPECT_EQ(effect->LoadSettings(static_cast<SettingsRecord*>(nullptr)), kFailure);
     if (!std::filesystem::exists(HaarFile())) GTEST_SKIP() << "no cascade was made";
