@@ -1,8 +1,10 @@
 #include "facetrack/Cascade.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <locale>
+#include <system_error>
 
 int32_t Cascade::Load(const std::string& path) {
     Clear();
@@ -13,6 +15,9 @@ int32_t Cascade::Load(const std::string& path) {
 
 bool Cascade::Read(const std::string& path) {
     constexpr int32_t kSmallestWindow = 3;
+    // Only a regular file: opening a pipe could block for ever.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return false;
     std::ifstream file(path);
     file.imbue(std::locale::classic());
     int32_t stageCount = 0, classifierCount = 0, rectCount = 0;
