@@ -25,8 +25,8 @@ void Capture(const CPlane8u& src, int32_t x, int32_t y, uint8_t* dst, int32_t wi
     }
 }
 
-/// Scales a captured picture into `dst`, and turns the result onto the frame, its corner at (x, y) before the
-/// turn about its own middle.
+/// How a picture lies on a plane of the frame: scaled, its corner at (x, y), then turned about its own
+/// middle.
 struct Turn {
     float scaleX, scaleY, angle;
     double x, y;

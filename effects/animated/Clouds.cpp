@@ -4,7 +4,6 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -20,17 +19,15 @@ namespace {
 
 constexpr const char* kFile = "perlin.dat";
 constexpr int32_t kPictureWidth = 640, kPictureHeight = 480;
-constexpr int kLoop = 20;
 
 // The place in the loop, shared by all effects of the process. The phase would blend neighbouring pictures;
 // it rests at 0.
 std::atomic<uint32_t> CloudFrame = 0;
 std::atomic<int32_t> CloudPhase = 0;
 
-/// One picture of the loop. Two stretches of the noise, one running up to where the other begins, fade over
-/// into each other, so that the last picture flows into the first.
-void DrawPicture(CPlane8u& picture, int index) {
-    const double t = index / 20.0;
+/// The picture at place `t` of the loop, from 0 towards 1. Two stretches of the noise, one running up to
+/// where the other begins, fade over into each other, so that the last picture flows into the first.
+void DrawPicture(CPlane8u& picture, double t) {
     const auto octaves = [](int32_t x, int32_t y, double z) {
         return Turbulence(x / 64.0, y / 64.0, z, 2, 2, 7);
     };
@@ -46,15 +43,15 @@ void DrawPicture(CPlane8u& picture, int index) {
 }
 
 /// Makes perlin.dat, whole or not at all.
-void WritePictures() {
+void WritePictures(int count) {
     Noise3(0, 0, 0);  // the noise tables are drawn whether the file can be written or not
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
     const std::string temporary = std::string(kFile) + "." + std::to_string(now) + ".tmp";
     std::ofstream file(temporary, std::ios::binary);
     if (!file) return;
     CPlane8u picture = NewPlane(kPictureWidth, kPictureHeight);
-    for (int i = 0; i < kLoop; ++i) {
-        DrawPicture(picture, i);
+    for (int i = 0; i < count; ++i) {
+        DrawPicture(picture, static_cast<double>(i) / count);
         file.write(reinterpret_cast<const char*>(picture.data), static_cast<std::streamsize>(picture.Size()));
     }
     file.close();
@@ -95,7 +92,7 @@ std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter
 void CCloudsSpecialEffectFilter::Prepare() {
     std::ifstream file(kFile, std::ios::binary);
     if (!file) {
-        WritePictures();
+        WritePictures(kPictures);
         file.clear();
         file.open(kFile, std::ios::binary);
     }

@@ -27,9 +27,9 @@ class CRainSpecialEffectFilter final : public PlanarEffect<CRainSpecialEffectFil
     int32_t DropPeriod = 1;  ///< a stone every so many frames
     uint32_t FrameCounter = 0;
     int32_t DropSize = 3;  ///< diameter in pixels, at most 16
-    bool StampReady =
-        false;  ///< a stamp outlives `Configure`, also one of another size than "DropSize" then says
-    std::array<int16_t, 256> Stamp{};  ///< DropSize by DropSize heights
+    bool StampReady = false;
+    /// DropSize by DropSize heights. Outlive `Configure`, which may leave heights of another size in use.
+    std::array<int16_t, 256> Stamp{};
     std::vector<uint8_t> Output;
     std::vector<int16_t> TargetWaves;  ///< takes the stone and the new heights
     std::vector<int16_t> SourceWaves;  ///< the heights of one frame ago

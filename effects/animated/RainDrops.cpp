@@ -21,9 +21,9 @@ double Retained(double water, double stickiness) {
 }
 
 /// Height of a dome by the square of its distance from the rim.
-const std::array<int32_t, 257>& Dome() {
+const auto& Dome() {
     static const auto table = [] {
-        std::array<int32_t, 257> heights{};
+        std::array<int32_t, kLargestRadius * kLargestRadius + 1> heights{};
         for (size_t i = 0; i < heights.size(); ++i) {
             heights[i] = static_cast<int32_t>(8.0 * std::sqrt(static_cast<float>(i)));
         }
@@ -32,11 +32,14 @@ const std::array<int32_t, 257>& Dome() {
     return table;
 }
 
-double Radius(double water) {
-    return water < 0.05 ? 0 : std::pow(water, 0.3333333333333333) * 4.0;
-}
-
 }  // namespace
+
+int32_t DomeRadius(double water) {
+    constexpr double kFilm = 0.05;
+    if (water < kFilm) return 0;
+    const double radius = std::pow(water, 0.3333333333333333) * 4.0;
+    return radius < kLargestRadius + 1 ? static_cast<int32_t>(radius) : 0;
+}
 
 void WaterGrid::Prepare(int32_t columns, int32_t rows) {
     GridWidth = columns;
@@ -155,20 +158,17 @@ void CRainDropsSpecialEffectFilter::DrawBumpMap() {
     size_t cell = 0;
     for (int32_t cy = 0; cy < Grid.rows(); ++cy) {
         for (int32_t cx = 0; cx < Grid.columns(); ++cx, ++cell) {
-            const double radius = Radius(Grid.water(cx, cy));
-            if (radius >= 1.0) {
-                DrawDome(JitterX[cell] + kCell * cx + kCell / 2, JitterY[cell] + kCell * cy + kCell / 2,
-                         static_cast<int32_t>(std::min(radius, kLargestRadius + 1.0)));
-            }
+            const int32_t radius = DomeRadius(Grid.water(cx, cy));
+            if (radius == 0) continue;
+            DrawDome(JitterX[cell] + kCell * cx + kCell / 2, JitterY[cell] + kCell * cy + kCell / 2, radius);
         }
     }
     FilterBoxInPlace(BumpMap, 3);
     FilterBoxInPlace(BumpMap, 3);
 }
 
-/// Domes add up, modulo 256. A drop too large for a dome is not drawn.
+/// Domes add up, modulo 256.
 void CRainDropsSpecialEffectFilter::DrawDome(int32_t x, int32_t y, int32_t radius) {
-    if (radius > kLargestRadius) return;
     const auto& dome = Dome();
     const int32_t top = std::max(-radius, -y), bottom = std::min(radius, BumpMap.height - 1 - y);
     const int32_t left = std::max(-radius, -x), right = std::min(radius, BumpMap.width - 1 - x);

@@ -51,6 +51,10 @@ class WaterGrid {
     std::vector<int32_t> RunnerCount;  ///< how many stand on each cell
 };
 
+/// Radius of the dome that stands for the water of a cell: 0, which is no dome, for a film too thin to show
+/// and for a drop larger than 16 pixels.
+int32_t DomeRadius(double water);
+
 /// From the water a height map of small round domes is drawn for each frame, which bends the luma like a
 /// lens; a frame shows the water of the previous frame. Chroma is left alone.
 class CRainDropsSpecialEffectFilter final : public PlanarEffect<CRainDropsSpecialEffectFilter> {

@@ -1,7 +1,6 @@
 #include "effects/time/TimeDistortion.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "imaging/ExactDivision.h"
 #include "imaging/Multiversion.h"

@@ -172,10 +172,14 @@ TEST(BitmapObject, FadesAndJumps) {
     const uint8_t tint[4] = {1, 50, 60, 2};
     object->SetColor(tint);
     int step = start;
+    PlanePoint before{}, now{};
     for (int i = 0; i < 3 * length; ++i) {
         const bool ended = ++step > length;
         if (ended) step = 0;
+        object->GetPosition(&before);
         ASSERT_EQ(object->NextFrame(), !ended);
+        object->GetPosition(&now);
+        EXPECT_EQ(now.x != before.x || now.y != before.y, ended) << step;
         object->GetColor(color);
         EXPECT_EQ(color[0], Fade(8.0 / length * step)) << step;
         EXPECT_EQ(color[3], color[0]);

@@ -342,7 +342,40 @@ TEST(Flares, SizesFollowTheFrame) {
     }
 }
 
-TEST(Flares, AStarStaysInsideAndKeepsItsFirstValues) {
+/// Whether a field shows nowhere in chroma that is all of one colour, over several cycles.
+bool BlendsInto(CFlaresField& field, const uint8_t (&color)[4]) {
+    CPlane8u u(160, 120), v(160, 120);
+    u.Fill(color[1]);
+    v.Fill(color[2]);
+    for (int i = 0; i < 25; ++i) {
+        field.AnimateAll();
+        field.ColorizeChroma(&u, &v);
+    }
+    return SumPixels(u) == color[1] * u.Size() && SumPixels(v) == color[2] * v.Size();
+}
+
+TEST(Flares, PlainGlowsAreBlueForLife) {
+    uint8_t blue[4];
+    RgbToYuvColor(blue, 36, 25, 200);
+    for (const int32_t type : {1, 2}) {
+        CFlaresField field(320, 240, type);
+        field.AddFlares(10);
+        EXPECT_EQ(BlendsInto(field, blue), type == 1);
+    }
+}
+
+TEST(Flares, TheSeventhTypeIsInvisible) {
+    CFlaresField field(320, 240, 7);
+    field.AddFlares(10);
+    EXPECT_TRUE(BlendsInto(field, {0, 90, 200, 255}));
+    const TestFrame scene = TestFrame(320, 240).DrawScene(1);
+    TestFrame frame = scene;
+    CPlane8u y = CPlane8u::Over(frame.y(), 320, 240);
+    field.RenderGlow(&y);
+    EXPECT_EQ(FirstDifference(frame, scene), "");
+}
+
+TEST(Flares, AStarStaysInsideItsPlane) {
     CPlane8u plane(38, 38);
     Star(plane, 1000, 5);
     EXPECT_EQ(plane.Row(19)[19], 255);

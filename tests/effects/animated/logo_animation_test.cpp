@@ -346,19 +346,24 @@ TEST_F(LogoAnimation, ConfigureOverwritesWhatAHostSet) {
     EXPECT_EQ(effect.Set("Color 6", "1,2,3"), kInvalidArgument);
 }
 
-TEST_F(LogoAnimation, WithoutColoursNothingIsDrawnForThem) {
-    ASSERT_EQ(effect.Configure(320, 240), kSuccess);
-    ASSERT_EQ(effect.Set("Random Colors", "FALSE"), kSuccess);
-    TestFrame frame(320, 240);
-    ASSERT_EQ(effect.Process(frame), kSuccess);
-    const int next = std::rand();
-    Fields fields(320, 240);
-    fields.text.Keep(0);
-    for (int i = 0; i < 10; ++i) fields.text.Add(InkOf("+44"), false, {});
-    TestFrame expected(320, 240);
-    fields.text.Render(expected, false, true);
-    EXPECT_EQ(FirstDifference(frame, expected), "");
-    EXPECT_EQ(next, std::rand());
+TEST_F(LogoAnimation, OneColourServesAllAndNoneIsNotDrawnFor) {
+    for (const auto& [text, colors] :
+         {std::pair{"0,0,0", std::vector<uint32_t>{}}, {"10,200,30", {10U | 200U << 8 | 30U << 16}}}) {
+        effect = EffectDriver(kGuid);
+        ASSERT_EQ(effect.Configure(320, 240), kSuccess);
+        ASSERT_EQ(effect.Set("Random Colors", "FALSE"), kSuccess);
+        ASSERT_EQ(effect.Set("Color 2", text), kSuccess);
+        TestFrame frame(320, 240);
+        ASSERT_EQ(effect.Process(frame), kSuccess);
+        const int next = std::rand();
+        Fields fields(320, 240);
+        fields.text.Keep(0);
+        for (int i = 0; i < 10; ++i) fields.text.Add(InkOf("+44"), false, colors);
+        TestFrame expected(320, 240);
+        fields.text.Render(expected, false, true);
+        EXPECT_EQ(FirstDifference(frame, expected), "") << text;
+        EXPECT_EQ(next, std::rand()) << text;
+    }
 }
 
 TEST(TextRenderer, DrawsBlackOnWhiteInCells) {

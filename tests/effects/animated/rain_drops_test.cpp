@@ -1,3 +1,5 @@
+#include "effects/animated/RainDrops.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -218,6 +220,37 @@ TEST(RainDrops, ConfigureDrawsForPackedStreamsToo) {
     std::srand(17);
     for (int i = 0; i < 3 * 4 * 3; ++i) std::rand();
     EXPECT_EQ(next[0], std::rand());
+}
+
+TEST(RainDrops, DomesGrowWithTheWaterUpToSixteen) {
+    for (const auto& [water, radius] : {std::pair{0.0, 0},
+                                        {0.04, 0},
+                                        {0.05, 1},
+                                        {1.0, 4},
+                                        {1.5, 4},
+                                        {64.0, 15},  // the exponent is a little less than a third
+                                        {64.1, 16},
+                                        {76.7, 16},
+                                        {76.8, 0},
+                                        {1e9, 0}}) {
+        EXPECT_EQ(DomeRadius(water), radius) << water;
+    }
+}
+
+TEST(RainDrops, ARunnerThatLeavesTheGlassTakesItsWaterAlong) {
+    // The only cell is the last row too: what stays is what clings to it, five times its stickiness.
+    for (unsigned seed = 1; seed < 20; ++seed) {
+        std::srand(seed);
+        const double stickiness = std::rand() % 1000 / 1000.0;
+        std::srand(seed);
+        WaterGrid grid;
+        grid.Prepare(1, 1);
+        while (grid.water(0, 0) < 10.0) grid.AddRain();
+        grid.Run();
+        const double kept = 5.0 * stickiness;
+        // Heavy as it is, it starts to run again; otherwise it dries.
+        EXPECT_EQ(grid.water(0, 0), kept > 1.5 ? kept : kept - kept / 100) << seed;
+    }
 }
 
 TEST(RainDrops, AGridWithoutCellsGetsNoRain) {
