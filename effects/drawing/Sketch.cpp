@@ -34,19 +34,15 @@ void DrawTonePage(CPlane8u& page, int32_t level) {
     if (level >= 101) SprinklePaper(page, 2, 1);
 }
 
-SE_MULTIVERSION void InkRow(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y,
-                            uint8_t* tones) {
+/// The tones of row `y` of a plane, with the strong edges on the darkest page.
+SE_MULTIVERSION void InkEdges(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y,
+                              uint8_t* tones) {
     constexpr int32_t kStrongEdge = 250;
     const uint8_t* const row = luma + y * width;
     ForEdgesOfRow(luma, width, width, height, y, [=](ptrdiff_t x, int32_t strength) {
         const uint8_t tone = row[x];
         tones[x] = strength < kStrongEdge ? tone : uint8_t{0};
     });
-}
-
-/// The tones of row `y` of `luma`, with the strong edges on the darkest page.
-void InkEdges(const CPlane8u& luma, int32_t y, uint8_t* tones) {
-    InkRow(luma.data, luma.width, luma.height, y, tones);
 }
 
 }  // namespace
@@ -72,7 +68,7 @@ void CSketchSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     for (int32_t y = 0; y < luma.height; ++y) {
         uint8_t* const row = SoftenTemp.Row(y);
         if (EdgeInk) {
-            InkEdges(luma, y, row);
+            InkEdges(luma.data, luma.width, luma.height, y, row);
         } else {
             LiftFlatAreas(luma, y, kContour, row);
         }
