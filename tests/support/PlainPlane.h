@@ -59,17 +59,19 @@ inline void PlainResize(const PlainPlane& src, PlainPlane& dst) {
 }
 
 /// Mean of size by size in place, over the interior; ties up. Nothing when the mask is not smaller than the
-/// region.
+/// region. Column sums first, since masks can be large.
 inline void PlainBox(PlainPlane& plane, int size) {
     const int r = size / 2, w = plane.width - 2 * r, h = plane.height - 2 * r;
     if (size >= w || size >= h) return;
     const PlainPlane src = plane;
     for (int y = r; y < r + h; ++y) {
+        std::vector<int> columns(static_cast<size_t>(plane.width));
+        for (int x = 0; x < plane.width; ++x) {
+            for (int j = 0; j < size; ++j) columns[static_cast<size_t>(x)] += src.At(x, y - r + j);
+        }
         for (int x = r; x < r + w; ++x) {
             int sum = 0;
-            for (int j = 0; j < size; ++j) {
-                for (int i = 0; i < size; ++i) sum += src.At(x - r + i, y - r + j);
-            }
+            for (int i = 0; i < size; ++i) sum += columns[static_cast<size_t>(x - r + i)];
             plane(x, y) = static_cast<uint8_t>((sum + size * size / 2) / (size * size));
         }
     }

@@ -17,11 +17,12 @@ inline constexpr int kModelFrames = 5;
 inline constexpr int kModelFrames = 20;
 #endif
 
+using FrameSizes = std::vector<std::pair<int32_t, int32_t>>;
+
 /// Two even sizes of a plain shape, one above the width from which some effects work at half size, two odd
 /// ones, one higher than wide, and some at which masks and halves run out of pixels.
-inline constexpr std::pair<int32_t, int32_t> kModelSizes[] = {{320, 240}, {176, 144}, {640, 480}, {161, 121},
-                                                              {515, 67},  {98, 150},  {4, 4},     {5, 3},
-                                                              {1, 7},     {7, 1},     {2, 2},     {1, 1}};
+inline const FrameSizes kModelSizes = {{320, 240}, {176, 144}, {640, 480}, {161, 121}, {515, 67}, {98, 150},
+                                       {4, 4},     {5, 3},     {1, 7},     {7, 1},     {2, 2},    {1, 1}};
 
 /// Picture `index` of a stream: a moving scene, with independent random bytes for every fourth frame.
 inline TestFrame StreamPicture(int32_t width, int32_t height, int index) {
@@ -34,9 +35,10 @@ inline TestFrame StreamPicture(int32_t width, int32_t height, int index) {
 /// from the same random stream, from `Configure` on, and have to leave it in the same state. `set` is called
 /// after `Configure`, as a host sets properties that `Configure` resets.
 template <class MakeModel, class Set>
-void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel, Set set, int frames = kModelFrames) {
+void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel, Set set, int frames = kModelFrames,
+                       const FrameSizes& sizes = kModelSizes) {
     constexpr unsigned kSeed = 20240229;
-    for (const auto& [width, height] : kModelSizes) {
+    for (const auto& [width, height] : sizes) {
         SCOPED_TRACE(::testing::Message() << width << " by " << height);
         std::srand(kSeed);
         ASSERT_EQ(effect.Configure(width, height), kSuccess);
@@ -61,8 +63,9 @@ void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel, Set set, int f
 }
 
 template <class MakeModel>
-void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel) {
-    ExpectEqualsModel(effect, makeModel, [] {});
+void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel, const FrameSizes& sizes = kModelSizes) {
+    ExpectEqualsModel(
+        effect, makeModel, [] {}, kModelFrames, sizes);
 }
 
 #endif

@@ -14,13 +14,13 @@ class TonePageModel {
   public:
     /// draw(page, level) draws one page; the darkest is flat.
     template <class Draw>
-    TonePageModel(int width, int height, Draw draw) : pages_(10, Plane(width, height, 255)) {
+    TonePageModel(int width, int height, Draw draw) : pages_(10, PlainPlane(width, height, 255)) {
         for (size_t i = 9; i-- > 0;) {
             pages_[i] = pages_[i + 1];
             if (const int level = static_cast<int>(i) * 256 / 10; level != 0) {
                 draw(pages_[i], level);
             } else {
-                pages_[i] = Plane(width, height, 30);
+                pages_[i] = PlainPlane(width, height, 30);
             }
         }
     }
@@ -31,24 +31,24 @@ class TonePageModel {
     }
 
   private:
-    std::vector<Plane> pages_;
+    std::vector<PlainPlane> pages_;
 };
 
-inline bool Inside(const Plane& page, int x, int y) {
+inline bool Inside(const PlainPlane& page, int x, int y) {
     return x >= 0 && y >= 0 && x < page.width && y < page.height;
 }
 
-inline int64_t SumOf(const Plane& page) {
+inline int64_t SumOf(const PlainPlane& page) {
     int64_t sum = 0;
     for (const uint8_t pixel : page.pixels) sum += pixel;
     return sum;
 }
 
 /// The 3 by 3 Gaussian of the finished drawing and the repair of its frame.
-inline void SoftenDrawing(Plane& luma) {
+inline void SoftenDrawing(PlainPlane& luma) {
     if (luma.width < 3 || luma.height < 3) return;
-    Plane soft(luma.width, luma.height);
-    Gauss3(luma, soft);
+    PlainPlane soft(luma.width, luma.height);
+    PlainGauss3(luma, soft);
     luma = soft;
     ReplicateRing(luma);
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "tests/effects/drawing/DrawingModels.h"
 
 namespace {
@@ -16,15 +18,15 @@ int Tone(int luma) {
 }
 
 void TonesModel(TestFrame& frame, bool drawEdges) {
-    Plane luma = Luma(frame);
-    Plane scratch = luma;
+    PlainPlane luma = LumaOf(frame);
+    PlainPlane scratch = luma;
     Gauss5(scratch, luma);
-    Plane edgeSource = luma;
+    PlainPlane edgeSource = luma;
     Median5(luma, scratch);
     Median5(scratch, luma);
     for (uint8_t& pixel : luma.pixels) pixel = static_cast<uint8_t>(Tone(pixel));
     if (drawEdges) {
-        Box(edgeSource, 3);
+        PlainBox(edgeSource, 3);
         const std::vector<int> strengths = EdgeStrengths(edgeSource);
         for (size_t i = 0; i < strengths.size(); ++i) {
             if (strengths[i] > 60) luma.pixels[i] = 10;
@@ -32,22 +34,22 @@ void TonesModel(TestFrame& frame, bool drawEdges) {
     }
     luma.WriteTo(frame.plane(0));
     for (const int index : {1, 2}) {
-        Plane chroma = Chroma(frame, index);
-        const Plane sharp = chroma;
-        Gauss3(sharp, chroma);
+        PlainPlane chroma = ChromaOf(frame, index);
+        const PlainPlane sharp = chroma;
+        PlainGauss3(sharp, chroma);
         chroma.WriteTo(frame.plane(index));
     }
 }
 
 void OutlineModel(TestFrame& frame) {
-    Plane luma = Luma(frame);
-    Box(luma, 3);
+    PlainPlane luma = LumaOf(frame);
+    PlainBox(luma, 3);
     const std::vector<int> strengths = EdgeStrengths(luma);
     for (size_t i = 0; i < strengths.size(); ++i) {
         const int g = strengths[i];
         luma.pixels[i] = static_cast<uint8_t>(g > 90 ? 20 : g > 60 ? 110 - g : 221);
     }
-    Box(luma, 3);
+    PlainBox(luma, 3);
     frame.Fill(0, 128, 128);
     luma.WriteTo(frame.plane(0));
 }
@@ -133,6 +135,18 @@ TEST(Chalk, LeavesTheFrameOfThePictureUnfiltered) {
             EXPECT_EQ(frame.plane(0)[at], Tone(before.plane(0)[at])) << x << ", " << y;
         }
     }
+}
+
+/// A gentle ramp falls into bands of one tone each. Its slope is no edge, and neither are the steps between
+/// the bands: edges belong to the picture before it was reduced.
+TEST(Chalk, InksNoStepsBetweenTones) {
+    EffectDriver effect(kInked);
+    ASSERT_EQ(effect.Configure(128, 32), kSuccess);
+    TestFrame frame(128, 32);
+    for (int i = 0; i < 128 * 32; ++i) frame.y()[i] = static_cast<uint8_t>(2 * (i % 128));
+    ASSERT_EQ(effect.Process(frame), kSuccess);
+    const std::set<uint8_t> tones(frame.plane(0).begin(), frame.plane(0).end());
+    EXPECT_EQ(tones, (std::set<uint8_t>{15, 47, 95, 127, 174, 206, 238, 255}));
 }
 
 /// On a frame too small for the box means the edges stand as they were found. A pixel of level a on black

@@ -9,9 +9,9 @@ using namespace drawing_model;
 constexpr const char* kGuid = "{7B4F7937-8D17-4216-B206-383740E65E17}";
 
 void ColoredPencilModel(TestFrame& frame) {
-    Plane luma = Luma(frame);
-    Plane scratch = luma;
-    Box(scratch, 5);
+    PlainPlane luma = LumaOf(frame);
+    PlainPlane scratch = luma;
+    PlainBox(scratch, 5);
     for (size_t i = 0; i < luma.pixels.size(); ++i) {
         const int rise = std::max(luma.pixels[i] - scratch.pixels[i], 0);
         const int line = 255 - std::min(rise * 16, 255);
@@ -49,7 +49,7 @@ TEST(ColoredPencil, DrawsOnTheBrightSideOfAStep) {
     TestFrame frame(64, 48);
     for (int i = 0; i < 64 * 48; ++i) frame.y()[i] = i % 64 < 32 ? 60 : 120;
     ASSERT_EQ(effect.Process(frame), kSuccess);
-    const Plane luma = Luma(frame);
+    const PlainPlane luma = LumaOf(frame);
     for (int y = 0; y < 48; ++y) {
         for (const int border : {0, 1, 62, 63}) EXPECT_EQ(luma(border, y), 225);
         EXPECT_EQ(luma(20, y), 225);

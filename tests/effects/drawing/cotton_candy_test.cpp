@@ -23,17 +23,17 @@ constexpr int kVStops[3] = {165, 132, 35};
 
 void CottonCandyModel(TestFrame& frame) {
     const int w = frame.width(), h = frame.height();
-    Plane luma = Luma(frame);
+    PlainPlane luma = LumaOf(frame);
     model::EqualizeHistogram(luma.pixels.data(), w * h);
 
-    Plane padded(w + 20, h + 20);
+    PlainPlane padded(w + 20, h + 20);
     for (int y = 0; y < h + 20; ++y) {
         for (int x = 0; x < w + 20; ++x) {
             padded(x, y) = luma(std::clamp(x - 10, 0, w - 1), std::clamp(y - 10, 0, h - 1));
         }
     }
-    Box(padded, 20);
-    Plane blurred(w, h);
+    PlainBox(padded, 20);
+    PlainPlane blurred(w, h);
     for (int y = 0; y < h; ++y) {
         for (int x = 0; x < w; ++x) blurred(x, y) = padded(x + 10, y + 10);
     }
@@ -42,12 +42,9 @@ void CottonCandyModel(TestFrame& frame) {
         luma.pixels[i] = static_cast<uint8_t>(255 - (((255 - b / 4 - b / 2) * luma.pixels[i]) >> 8));
     }
     luma.WriteTo(frame.plane(0));
-    if (w < 2 || h < 2) return;
 
-    Plane half(w / 2, h / 2);
-    model::PrimResize8uC1(blurred.pixels.data(), w, h, w, 0, 0, w, h, half.pixels.data(), half.width,
-                          half.width, half.height, static_cast<double>(half.width) / w,
-                          static_cast<double>(half.height) / h, 2);
+    PlainPlane half(w / 2, h / 2);
+    PlainResize(blurred, half);
     for (size_t i = 0; i < half.pixels.size(); ++i) {
         frame.u()[i] = PaletteEntry(kUStops, half.pixels[i]);
         frame.v()[i] = PaletteEntry(kVStops, half.pixels[i]);
@@ -82,7 +79,7 @@ TEST(CottonCandy, ColoursFollowTheBlur) {
     TestFrame frame(96, 96);
     for (int i = 0; i < 96 * 96; ++i) frame.y()[i] = (i % 96 + i / 96) % 2 == 0 ? 40 : 220;
     ASSERT_EQ(effect.Process(frame), kSuccess);
-    const Plane u = Chroma(frame, 1);
+    const PlainPlane u = ChromaOf(frame, 1);
     const auto [lowest, highest] = std::minmax_element(u.pixels.begin(), u.pixels.end());
     EXPECT_LE(*highest - *lowest, 1);
     EXPECT_GT(std::abs(frame.y()[48 * 96 + 48] - frame.y()[48 * 96 + 49]), 30);

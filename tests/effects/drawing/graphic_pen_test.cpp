@@ -14,7 +14,7 @@ struct PenPage {
     int level, target, ink, reach;
 };
 
-int DrawStroke(Plane& page, int px, int py, int length, int ink) {
+int DrawStroke(PlainPlane& page, int px, int py, int length, int ink) {
     int hits = 0;
     for (int n = 0; n < std::abs(length); ++n) {
         const int x = length < 0 ? px - n : px + n, y = length < 0 ? py + n : py - n;
@@ -26,7 +26,7 @@ int DrawStroke(Plane& page, int px, int py, int length, int ink) {
     return hits;
 }
 
-void DrawPage(Plane& page, int level) {
+void DrawPage(PlainPlane& page, int level) {
     static constexpr PenPage kPages[] = {{204, 255, 84, 5},  {179, 255, 76, 6},  {153, 229, 68, 7},
                                          {128, 192, 60, 18}, {102, 153, 52, 20}, {76, 114, 43, 23},
                                          {51, 76, 36, 25},   {25, 37, 27, 28}};
@@ -57,7 +57,7 @@ class PenModel {
         : variant_(variant), colored_(colored), pages_(width, height, DrawPage) {}
 
     void operator()(TestFrame& frame) {
-        Plane luma = Luma(frame);
+        PlainPlane luma = LumaOf(frame);
         const auto width = static_cast<size_t>(luma.width), count = luma.pixels.size();
         ++frames_;
         if (!colored_) {

@@ -31,8 +31,8 @@ void LineArtModel(TestFrame& frame, int red, int green, int blue) {
     const Kernel kernel = w < 640 ? Kernel{1945, {1, 14, 70, 212, 414, 517, 414, 212, 70, 14}}
                                   : Kernel{92, {1, 4, 7, 10, 13, 14, 13, 10, 7, 4}};
     const int threshold = w < 640 ? 40 : 25;
-    const Plane luma = Luma(frame);
-    Plane rows = luma, blurred = luma;
+    const PlainPlane luma = LumaOf(frame);
+    PlainPlane rows = luma, blurred = luma;
     for (int y = 0; y < h; ++y) {
         for (int x = 0; x < w; ++x) {
             int sum = 0;

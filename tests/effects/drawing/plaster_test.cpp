@@ -31,12 +31,12 @@ class PlasterModel {
     int darkLimit() const { return darkLimit_; }
 
     void operator()(TestFrame& frame) {
-        Plane y = Luma(frame);
+        PlainPlane y = LumaOf(frame);
         Lowpass5(y, work_);
         y = work_;
         ThresholdDark(y);
         mask_ = y;
-        const Plane undilated = y;
+        const PlainPlane undilated = y;
         ForInterior(y, 1, [&](int column, int row) {
             int highest = 0, lowest = 255;
             for (int j = -1; j <= 1; ++j) {
@@ -67,7 +67,7 @@ class PlasterModel {
     }
 
   private:
-    void ThresholdDark(Plane& y) {
+    void ThresholdDark(PlainPlane& y) {
         const auto t = static_cast<uint8_t>(darkLimit_);
         int64_t sum = 0;
         for (uint8_t& v : y.pixels) {
@@ -82,7 +82,7 @@ class PlasterModel {
         darkLimit_ = std::clamp(darkLimit_, 0, 255);
     }
 
-    static void Emboss(const Plane& src, Plane& dst) {
+    static void Emboss(const PlainPlane& src, PlainPlane& dst) {
         ForInterior(src, 1, [&](int x, int y) {
             const auto column = [&](int i) { return src(i, y - 1) + src(i, y) + src(i, y + 1); };
             const auto row = [&](int j) { return src(x - 1, j) + src(x, j) + src(x + 1, j); };
@@ -93,7 +93,7 @@ class PlasterModel {
         });
     }
 
-    Plane work_, core_, mask_;
+    PlainPlane work_, core_, mask_;
     int darkLimit_ = 40;
 };
 
@@ -148,10 +148,35 @@ TEST(Plaster, FlipsOnAWhiteScene) {
         ASSERT_EQ(FirstDifference(frame, expected), "") << i;
         const uint8_t middle = frame.y()[60 * 160 + 80];
         EXPECT_EQ(middle, i >= 215 && i % 2 != 0 ? 30 : 66) << i;
+        // Without a mask all is flat. From limit 66 on the two outermost pixels count as dark: the first
+        // mean does not reach them and leaves them at the shade of flat plaster.
+        EXPECT_EQ(frame == TestFrame(160, 120).Fill(66, 176, 96), i < 66 - 40) << i;
         dark += middle == 30;
     }
     EXPECT_EQ(dark, 5);
     EXPECT_EQ(model.darkLimit(), 255);
+}
+
+/// A dark left half: flat, with a rim at the border; a slope that is lit; and beyond it the flat plaster.
+TEST(Plaster, ShadesNothingButTheSlope) {
+    EffectDriver effect(kGuid);
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    TestFrame frame(64, 48);
+    for (int i = 0; i < 64 * 48; ++i) frame.y()[i] = i % 64 < 32 ? 0 : 255;
+    ASSERT_EQ(effect.Process(frame), kSuccess);
+    const PlainPlane luma = LumaOf(frame);
+    for (int y = 12; y < 36; ++y) {
+        int rims = 0, slopes = 0;
+        for (int x = 12; x < 64; ++x) {
+            if (x < 28 || x >= 44) {
+                EXPECT_EQ(luma(x, y), x < 28 ? 30 : 66) << x;
+            }
+            rims += luma(x, y) == 50 ? 1 : 0;
+            slopes += luma(x, y) != 30 && luma(x, y) != 50 && luma(x, y) != 66 ? 1 : 0;
+        }
+        EXPECT_EQ(rims, 1) << y;
+        EXPECT_GT(slopes, 0) << y;
+    }
 }
 
 /// The limit starts anew at every `Configure`.

@@ -10,7 +10,7 @@ constexpr const char* kGuids[4] = {"", "{3A849CCB-B961-40FF-ABB7-4385365DF0FC}",
                                    "{4DD74959-BE0F-44B1-92B6-043DC61D9F39}",
                                    "{E4CA9AFE-50ED-496A-9DC6-214A38B3AEA9}"};
 
-void DrawPage(Plane& page, int level) {
+void DrawPage(PlainPlane& page, int level) {
     int64_t sum = SumOf(page);
     const int64_t target = int64_t{std::min(level * 225 / 255 + 75, 255)} * page.width * page.height;
     while (sum > target) {
@@ -44,7 +44,7 @@ class SketchModel {
     SketchModel(int variant, int width, int height) : variant_(variant), pages_(width, height, DrawPage) {}
 
     void operator()(TestFrame& frame) const {
-        Plane luma = Luma(frame);
+        PlainPlane luma = LumaOf(frame);
         const std::vector<int> strengths = EdgeStrengths(luma);
         for (size_t i = 0; i < luma.pixels.size(); ++i) {
             uint8_t& y = luma.pixels[i];
@@ -134,7 +134,7 @@ TEST(Sketch, TheSoftenedRingRepeatsItsNeighbours) {
     TestFrame frame(64, 48);
     frame.Randomize(3);
     ASSERT_EQ(effect.Process(frame), kSuccess);
-    Plane luma = Luma(frame), repaired = luma;
+    PlainPlane luma = LumaOf(frame), repaired = luma;
     ReplicateRing(repaired);
     EXPECT_EQ(luma.pixels, repaired.pixels);
 }
