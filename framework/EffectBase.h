@@ -248,6 +248,9 @@ class PlanarEffect : public EffectBase<Effect> {
 
     int32_t Width() const { return stream_.Width; }
     int32_t Height() const { return stream_.Height; }
+    /// Whether the stream that `Configure` was told of last was accepted. Of one that was refused the size
+    /// stays, and no plane is believed to have it: effects that need no workspace ask here.
+    bool ServesStream() const { return IsServed(stream_); }
 
   protected:
     ~PlanarEffect() = default;

@@ -3,7 +3,7 @@
 #include "imaging/Prim.h"
 
 void CNightVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    if (Width() > kLargestSide || Height() > kLargestSide) return;
+    if (!ServesStream()) return;
     for (const FramePlane& plane : {frame.y, frame.u, frame.v}) {
         PrimNot8uC1(plane.data, plane.width, plane.width, plane.height);
     }

@@ -5,7 +5,7 @@
 #include "framework/EffectBase.h"
 
 /// Keeps nothing and needs no workspace. A null luma plane is left out, and the chroma is inverted all the
-/// same. After a refused `Configure` frames pass unchanged: no plane of such a size is believed in.
+/// same. Frames of a stream that `Configure` refused pass unchanged.
 class CNightVisionSpecialEffectFilter final : public PlanarEffect<CNightVisionSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Polarize";

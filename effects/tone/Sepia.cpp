@@ -33,6 +33,7 @@ ResultCode CSepiaSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 
 ResultCode CSepiaSpecialEffectFilter::ProcessPacked(uint8_t* pixels) {
     if (pixels == nullptr) return kInvalidArgument;
+    if (!ServesStream()) return kSuccess;
     PrimColorTwist8uC3(pixels, 3 * Width(), Width(), Height(), kColorTwistMatrix);
     return kSuccess;
 }

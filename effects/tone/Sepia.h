@@ -17,6 +17,7 @@ class CSepiaSpecialEffectFilter final : public PlanarEffect<CSepiaSpecialEffectF
     /// At odd sizes the conversion back writes (width + 1) / 2 by (height + 1) / 2 chroma samples; a frame
     /// that says that its chroma planes are smaller is refused with kInvalidArgument.
     ResultCode ProcessPlanar(const PlanarFrame& frame);
+    /// Needs no workspace. Frames of a stream that `Configure` refused pass unchanged.
     ResultCode ProcessPacked(uint8_t* pixels);
 
   private:

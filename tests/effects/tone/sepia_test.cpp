@@ -142,4 +142,18 @@ TEST(Sepia, PackedFramesNeedNoWorkspace) {
     EXPECT_EQ(frame.y()[2], 1);
 }
 
+TEST(Sepia, LeavesPackedFramesOfARefusedStreamAlone) {
+    EffectDriver effect(kGuid);
+    const TestFrame before = TestFrame(4, 4, kFormatPacked).Randomize(5);
+    for (const auto& [w, h] : {std::pair{16385, 4}, {4, 16385}, {-4, 4}, {4, 0}, {1 << 30, 1 << 30}}) {
+        EXPECT_EQ(effect.Configure(w, h, kFormatPacked), kInvalidArgument);
+        TestFrame frame = before;
+        EXPECT_EQ(effect.Process(frame), kSuccess);
+        EXPECT_EQ(FirstDifference(frame, before), "") << w << " by " << h;
+        EXPECT_TRUE(frame.GuardsIntact());
+        frame.image().Plane[0] = nullptr;
+        EXPECT_EQ(effect.Process(frame), kInvalidArgument);
+    }
+}
+
 }  // namespace
