@@ -18,6 +18,7 @@
 #ifndef SPECIALEFFECTS_FRAMEWORK_EFFECTBASE_H
 #define SPECIALEFFECTS_FRAMEWORK_EFFECTBASE_H
 
+#include <algorithm>
 #include <span>
 #include <type_traits>
 
@@ -153,9 +154,10 @@ class EffectBase : public Interface {
         static bool CopyWide(const char* text, WideChar* wide, uint32_t length) {
             if (length > kLargestText) return false;
             char narrow[kTextCapacity];
-            const ResultCode result = StringCopySafe(narrow, std::min<size_t>(length, kTextCapacity), text);
+            const size_t size = std::min<size_t>(length, kTextCapacity);
+            const ResultCode result = StringCopySafe(narrow, size, text);
             if (result == kInvalidArgument || wide == nullptr) return false;
-            WideFromNarrow(narrow, wide, length);
+            WideFromNarrow(narrow, wide, size);
             return result == kSuccess;
         }
     };

@@ -6,11 +6,11 @@
 //     std::span<const Property<CRain>> CRain::Properties() {
 //         static constexpr Property<CRain> rows[] = {
 //             IntegerProperty<&CRain::DropPeriod>("DropPeriod", "1", "1,20"),
-//             IntegerProperty<&CRain::DropSize>("DropSize", "3", "2,16").OnSet([](CRain& rain, int32_t size)
-//             {
-//                 rain.DropSize = size;
-//                 rain.StampReady = false;
-//             }),
+//             IntegerProperty<&CRain::DropSize>("DropSize", "3", "2,16")
+//                 .OnSet([](CRain& rain, int32_t size) {
+//                     rain.DropSize = size;
+//                     rain.StampReady = false;
+//                 }),
 //         };
 //         return rows;
 //     }

@@ -1,6 +1,5 @@
 // The free functions on planes that stand on the primitives.
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 
 #include "imaging/Plane8u.h"

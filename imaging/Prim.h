@@ -209,9 +209,9 @@ PrimStatus PrimYuv420ToRgb(const uint8_t* const planes[3], uint8_t* dst, int32_t
 /// bytes. With the clipped region [x0, x1] by [y0, y1], a destination pixel whose coordinates lie outside it
 /// is left as it was. Source and destination must be distinct.
 ///   kPrimNearest  src(trunc(x + 0.5), trunc(y + 0.5))
-///   kPrimLinear   ix = trunc(x + 1e-7), fx = x - ix, at the last column ix = x1 - 1 and fx = 1, y alike;
-///   then
-///                 trunc(0.5 + top + fy * (bottom - top)), top and bottom interpolated along x; all in double
+///   kPrimLinear   ix = trunc(x + 1e-7), fx = x - ix, at the last column ix = x1 - 1 and fx = 1, y alike,
+///                 and trunc(0.5 + top + fy * (bottom - top)) with top and bottom interpolated along x; all
+///                 in double
 ///   kPrimCubic    accepted, and answered with kPrimLinear
 /// A source 1 wide or high forces nearest. Another mode: kPrimInterpolationError. Checks in the order null,
 /// sizes, mode, steps, region.
@@ -230,9 +230,8 @@ PrimStatus PrimRemap8uC3(const uint8_t* src, int32_t srcWidth, int32_t srcHeight
 /// with n source pixels and v = n * factor, trunc(v + 1e-7) destination pixels are written, at most the
 /// destination's length and at least 1 when v is at least 0.5; the rest stays as it was.
 ///   kPrimNearest  source pixel trunc((k + 0.5) / factor + 1e-7), at most the last
-///   kPrimLinear   step (n - 1) / (v - 1), 0 when v is not above 1: the outermost samples coincide; weights
-///   of
-///                 14 fraction bits, rows of 6 fraction bits
+///   kPrimLinear   step (n - 1) / (v - 1), 0 when v is not above 1: the outermost samples coincide;
+///                 weights of 14 fraction bits, rows of 6
 ///   kPrimLanczos  six taps in each direction on the linear positions
 /// kPrimCubic and kPrimArea are accepted and answered with kPrimLinear. Sources too small for a mode step it
 /// down: Lanczos needs 8 pixels in each direction, cubic 4, anything but nearest 2. Checks in the order null,
