@@ -7,7 +7,8 @@
 
 /// n / 255 for n up to 255 * 255: products and blends of two bytes.
 constexpr uint16_t DivideBy255(uint16_t n) {
-    return static_cast<uint16_t>((n + 1 + (n >> 8)) >> 8);
+    const auto scaled = static_cast<uint16_t>(n + 1 + (n >> 8));
+    return static_cast<uint16_t>(scaled >> 8);
 }
 
 /// n / 13 for n up to 13 * 255: weighted means of thirteen parts.

@@ -2,8 +2,8 @@
 #include <array>
 #include <cstring>
 
+#include "imaging/ByteSum.h"
 #include "imaging/Lookup.h"
-#include "imaging/Multiversion.h"
 #include "imaging/Plane8u.h"
 
 namespace {
@@ -24,22 +24,6 @@ Histogram CountLevels(const uint8_t* data, size_t size) {
     for (size_t k = 1; k < partial.size(); ++k)
         for (size_t level = 0; level < 256; ++level) partial[0][level] += partial[k][level];
     return partial[0];
-}
-
-SE_MULTIVERSION
-uint64_t SumBytes(const uint8_t* data, size_t size) {
-    // Blocks short enough for a 32-bit sum.
-    constexpr size_t kBlock = size_t{1} << 20;
-    uint64_t total = 0;
-    while (size > 0) {
-        const size_t count = size < kBlock ? size : kBlock;
-        uint32_t sum = 0;
-        for (size_t i = 0; i < count; ++i) sum += data[i];
-        total += sum;
-        data += count;
-        size -= count;
-    }
-    return total;
 }
 
 }  // namespace

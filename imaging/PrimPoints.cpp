@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "imaging/ByteSum.h"
 #include "imaging/Lookup.h"
 #include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
@@ -280,32 +281,16 @@ PrimStatus PrimCopy8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32
     return kPrimOk;
 }
 
-namespace {
-
-SE_MULTIVERSION uint64_t SumRows(const uint8_t* src, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height) {
-    uint64_t total = 0;
-    for (; height > 0; --height, src += step) {
-        for (ptrdiff_t begin = 0; begin < width; begin += 1 << 20) {
-            const ptrdiff_t end = std::min<ptrdiff_t>(width, begin + (1 << 20));
-            uint32_t sum = 0;  // of 2^20 bytes at most
-            for (ptrdiff_t x = begin; x < end; ++x) {
-                sum += src[x];
-            }
-            total += sum;
-        }
-    }
-    return total;
-}
-
-}  // namespace
-
 PrimStatus PrimMean8uC1(const uint8_t* src, int32_t step, int32_t width, int32_t height, double* mean) {
     if (const PrimStatus error =
             FirstError(CheckPointers(src, mean), CheckSize(width, height), CheckStep(step, width))) {
         return error;
     }
-    const double count = static_cast<double>(int64_t{width} * height);
-    *mean = static_cast<double>(SumRows(src, step, width, height)) / count;
+    uint64_t sum = 0;
+    for (ptrdiff_t y = 0; y < height; ++y) {
+        sum += SumBytes(prim::Row(src, step, y), static_cast<size_t>(width));
+    }
+    *mean = static_cast<double>(sum) / static_cast<double>(int64_t{width} * height);
     return kPrimOk;
 }
 

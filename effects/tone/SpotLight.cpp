@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "imaging/ExactDivision.h"
 #include "imaging/Multiversion.h"
 
 namespace {
@@ -70,11 +71,10 @@ SE_MULTIVERSION void LightLuma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_REST
     }
 }
 
-/// Adds mask * 16 / 255, the division exact as a multiplication: x / 255 = (x + 1 + (x >> 8)) >> 8.
+/// Adds mask * 16 / 255.
 SE_MULTIVERSION void WarmChroma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT chroma, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        const auto x = static_cast<uint16_t>(mask[i] * 16);
-        const auto offset = static_cast<uint16_t>(static_cast<uint16_t>(x + 1 + (x >> 8)) >> 8);
+        const uint16_t offset = DivideBy255(static_cast<uint16_t>(mask[i] * 16));
         chroma[i] = static_cast<uint8_t>(std::min<uint16_t>(static_cast<uint16_t>(chroma[i] + offset), 255));
     }
 }

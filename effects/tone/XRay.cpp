@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "imaging/Multiversion.h"
+#include "imaging/PrimDivide.h"
 
 namespace {
 
@@ -24,13 +25,13 @@ SE_MULTIVERSION void SumColumns(const uint8_t* above, const uint8_t* row, const 
     }
 }
 
-/// The negative of the mean of 3 by 3; column x reaches from sums[x] to sums[x + 2]. The mean is the one of
-/// the 3 by 3 lowpass mask, ((s + 5) * 455) >> 12, as the high half of a 16-bit product.
+/// The negative of the mean of 3 by 3, which is that of the lowpass mask; column x reaches from sums[x] to
+/// sums[x + 2].
 SE_MULTIVERSION void NegativeMeans(const uint16_t* SE_RESTRICT sums, uint8_t* SE_RESTRICT dst,
                                    ptrdiff_t width) {
     for (ptrdiff_t x = 0; x < width; ++x) {
-        const auto scaled = static_cast<uint16_t>((sums[x] + sums[x + 1] + sums[x + 2] + 5) << 4);
-        dst[x] = static_cast<uint8_t>(~((uint32_t{scaled} * 455) >> 16));
+        const auto sum = static_cast<uint16_t>(sums[x] + sums[x + 1] + sums[x + 2]);
+        dst[x] = static_cast<uint8_t>(~prim::NinthOf(static_cast<uint16_t>(sum + 5)));
     }
 }
 
