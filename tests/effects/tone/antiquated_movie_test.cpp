@@ -315,6 +315,11 @@ TEST(AntiquatedMovie, RefusedFramesDrawNoRandomNumbers) {
     TestFrame packed(100, 80, kFormatPacked);
     EXPECT_EQ(effect.Process(packed), kNotImplemented);
     EXPECT_EQ(effect.Configure(100, 80), kSuccess);
+    for (int plane = 0; plane < 3; ++plane) {
+        TestFrame incomplete = frame;
+        incomplete.image().Plane[plane] = nullptr;
+        EXPECT_EQ(effect.Process(incomplete), kInvalidArgument);
+    }
     EXPECT_EQ(std::rand(), first);
 }
 
