@@ -1,7 +1,9 @@
 #include "effects/drawing/LineArt.h"
 
+#include <filesystem>
 #include <fstream>
 #include <locale>
+#include <system_error>
 
 #include "effects/drawing/Edges.h"
 #include "imaging/ScalarColor.h"
@@ -42,10 +44,12 @@ std::span<const Property<CLineArtSpecialEffectFilter>> CLineArtSpecialEffectFilt
 
 ResultCode CLineArtSpecialEffectFilter::LoadSettings(SettingsRecord* settings) {
     if (settings == nullptr || settings->Path == nullptr) return kFailure;
+    // Only a regular file: opening a pipe could block for ever.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(settings->Path, error)) return kFailure;
     std::ifstream file(settings->Path);
+    if (!file.is_open()) return kFailure;
     file.imbue(std::locale::classic());
-    file.peek();  // a directory opens, and fails here
-    if (!file.is_open() || file.bad()) return kFailure;
 
     uint32_t color = 0;
     for (uint32_t channel = 0; channel < 3; ++channel) {

@@ -17,7 +17,8 @@ class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEff
 
     /// Reads the background colour from the text file that `settings` names: red, green and blue in decimal,
     /// with blanks between. Each is clamped to 0..255; from the first one that is not there on they are 0.
-    /// kFailure, and nothing changed, for a null record or path and for a file that cannot be read.
+    /// kFailure, and nothing changed, for a null record or path, for what is no regular file and for a file
+    /// that cannot be opened.
     ResultCode LoadSettings(SettingsRecord* settings) override;
     using PlanarEffect::LoadSettings;
 

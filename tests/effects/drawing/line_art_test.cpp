@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -188,6 +190,9 @@ TEST_F(LineArtSettings, FailWithoutAFileAndKeepTheColor) {
     EXPECT_EQ(LoadPath(path_ + ".missing"), kFailure);
     EXPECT_EQ(LoadPath(""), kFailure);
     EXPECT_EQ(LoadPath(testing::TempDir()), kFailure) << "a directory";
+    std::filesystem::remove(path_);
+    ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+    EXPECT_EQ(LoadPath(path_), kFailure) << "a pipe, which would wait for a writer that never comes";
     EXPECT_EQ(Color(), "10,20,30");
 }
 
