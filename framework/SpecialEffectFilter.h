@@ -164,7 +164,8 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
 
     /// Slot 3. Stores the description and makes the workspace, after releasing an earlier one. A format code
     /// other than 0 or 2, or a size outside 1 to 16384, is stored and refused with kInvalidArgument, and
-    /// leaves the effect without workspace. Throws std::bad_alloc when memory runs out.
+    /// leaves the effect without workspace; Bulge, Fish Eye and Blockhead answer kSuccess all the same.
+    /// Throws std::bad_alloc when memory runs out.
     virtual ResultCode Configure(StreamDescription* description) = 0;
 
     /// Slots 4 and 5.
@@ -173,7 +174,8 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
 
     /// Slot 6. Changes the frame in place. Null record, image or plane: kInvalidArgument. Another format than
     /// the configured one, or no workspace: kFailure. Format 2 in an effect that is planar only:
-    /// kNotImplemented. In all these cases the frame is unchanged.
+    /// kNotImplemented. In all these cases the frame is unchanged, but for what Fish Eye and Picture Me do to
+    /// a frame before they look at its format.
     virtual ResultCode ProcessFrame(FrameRecord* frame) = 0;
 
     /// Slots 7 and 8. Property names match in any case; a value out of range is clamped, never refused. An
