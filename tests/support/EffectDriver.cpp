@@ -76,6 +76,13 @@ void ExpectContract(EffectDriver& effect, const ContractTraits& traits) {
         EXPECT_TRUE(frame.GuardsIntact()) << when;
         frame = scene;
     };
+    const auto expectPlanesNeeded = [&, firstNeeded = needsLuma ? 0 : 1](const char* when) {
+        for (int plane = firstNeeded; plane < 3; ++plane) {
+            frame.image().Plane[plane] = nullptr;
+            EXPECT_EQ(effect.Process(frame), kInvalidArgument) << "null plane " << plane << ", " << when;
+            expectUnchanged(when);
+        }
+    };
 
     int32_t count = 0;
     EXPECT_EQ(effect->GetSupportedFormats(nullptr, &count), kSuccess);
@@ -90,9 +97,11 @@ void ExpectContract(EffectDriver& effect, const ContractTraits& traits) {
     EXPECT_EQ(effect->Configure(nullptr), notServed);
     EXPECT_EQ(effect.Process(frame), unready);
     if (needsWorkspace) expectUnchanged("before Configure");
+    frame = scene;
+    // Planes are asked for before the workspace; the distortions do it the other way round.
+    if (refusesStreams) expectPlanesNeeded("before Configure");
 
     ASSERT_EQ(effect.Configure(96, 80), kSuccess);
-    frame = scene;
     EXPECT_EQ(effect->ProcessFrame(nullptr), kInvalidArgument);
     FrameRecord noImage{{1, 2, 3}, nullptr};
     EXPECT_EQ(effect->ProcessFrame(&noImage), kInvalidArgument);
@@ -103,11 +112,7 @@ void ExpectContract(EffectDriver& effect, const ContractTraits& traits) {
     frame.image().Format = kFormatPacked;
     EXPECT_EQ(effect.Process(frame), kFailure);
     expectUnchanged("packed frame, planar stream");
-    for (int plane = needsLuma ? 0 : 1; plane < 3; ++plane) {
-        frame.image().Plane[plane] = nullptr;
-        EXPECT_EQ(effect.Process(frame), kInvalidArgument) << "null plane " << plane;
-        expectUnchanged("null plane");
-    }
+    expectPlanesNeeded("configured");
     EXPECT_EQ(effect.Process(frame), kSuccess);
     EXPECT_TRUE(frame.GuardsIntact());
     frame = scene;
@@ -117,6 +122,7 @@ void ExpectContract(EffectDriver& effect, const ContractTraits& traits) {
     EXPECT_EQ(effect.Process(frame), unready);
     if (needsWorkspace) expectUnchanged("after Shutdown");
     frame = scene;
+    if (refusesStreams) expectPlanesNeeded("after Shutdown");
 
     // Sizes and formats that are not served leave no workspace behind.
     for (const auto& [w, h] : {std::pair{0, 80}, {96, 0}, {-1, 80}, {96, -5}, {16385, 80}, {96, 16385}}) {
