@@ -1,6 +1,7 @@
 #include "effects/animated/LogoAnimation.h"
 
 #include <cstdlib>
+#include <type_traits>
 
 #include "effects/animated/TextRenderer.h"
 #include "framework/ProcessClock.h"
@@ -8,36 +9,36 @@
 
 using Effect = CLogoAnimationSpecialEffectFilter;
 
-std::span<const Property<Effect>> Effect::Properties() {
-    // Stores a member and has the logos made anew.
-    constexpr auto remake = []<auto Member>(Property<Effect> row) {
-        return row.OnSet([](Effect& effect, int32_t value) {
-            using Value = std::remove_reference_t<decltype(effect.*Member)>;
-            effect.*Member = static_cast<Value>(value);
+template <auto Member>
+void Effect::SetAndRemake(Effect& effect, int32_t value) {
+    effect.*Member = static_cast<std::remove_reference_t<decltype(effect.*Member)>>(value);
+    effect.Dirty = true;
+}
+
+template <size_t index>
+constexpr Property<Effect> Effect::ColorRow(const char* name) {
+    return ColorProperty<Effect>(
+        name, "0,0,0", [](const Effect& effect) { return static_cast<int32_t>(effect.Colors[index]); },
+        [](Effect& effect, int32_t value) {
+            effect.Colors[index] = static_cast<uint32_t>(value);
             effect.Dirty = true;
         });
-    };
-    constexpr auto color = []<size_t index>(const char* name) {
-        return ColorProperty<Effect>(
-            name, "0,0,0", [](const Effect& effect) { return static_cast<int32_t>(effect.Colors[index]); },
-            [](Effect& effect, int32_t value) {
-                effect.Colors[index] = static_cast<uint32_t>(value);
-                effect.Dirty = true;
-            });
-    };
+}
+
+std::span<const Property<Effect>> Effect::Properties() {
     static constexpr Property<Effect> rows[] = {
         IntegerProperty<&Effect::ObjectsNumber>("Objects Number", "10", "1,40"),
-        remake.operator()<&Effect::Type>(IntegerProperty<&Effect::Type>("Type", "2", "1,2")),
-        remake.operator()<&Effect::MovingAnimation>(
-            BooleanProperty<&Effect::MovingAnimation>("Moving Animation", "FALSE")),
+        IntegerProperty<&Effect::Type>("Type", "2", "1,2").OnSet(SetAndRemake<&Effect::Type>),
+        BooleanProperty<&Effect::MovingAnimation>("Moving Animation", "FALSE")
+            .OnSet(SetAndRemake<&Effect::MovingAnimation>),
         BooleanProperty<&Effect::Colorize>("Colorize", "FALSE"),
-        remake.operator()<&Effect::RandomColors>(
-            BooleanProperty<&Effect::RandomColors>("Random Colors", "FALSE")),
-        color.operator()<0>("Color 1"),
-        color.operator()<1>("Color 2"),
-        color.operator()<2>("Color 3"),
-        color.operator()<3>("Color 4"),
-        color.operator()<4>("Color 5"),
+        BooleanProperty<&Effect::RandomColors>("Random Colors", "FALSE")
+            .OnSet(SetAndRemake<&Effect::RandomColors>),
+        ColorRow<0>("Color 1"),
+        ColorRow<1>("Color 2"),
+        ColorRow<2>("Color 3"),
+        ColorRow<3>("Color 4"),
+        ColorRow<4>("Color 5"),
     };
     return rows;
 }

@@ -28,6 +28,12 @@ class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimati
     };
     using Field = std::unique_ptr<CAnimationFramework, DeleteField>;
 
+    // Setters of the properties that have the logos made anew, and the row of a colour.
+    template <auto Member>
+    static void SetAndRemake(CLogoAnimationSpecialEffectFilter& effect, int32_t value);
+    template <size_t index>
+    static constexpr Property<CLogoAnimationSpecialEffectFilter> ColorRow(const char* name);
+
     void SyncObjects(int32_t wanted);
     bool AddPictureLogo(const std::string& path);
     void AddTextLogo(const std::string& text);
