@@ -18,6 +18,21 @@ void* DestroyObject(Object* object, uint32_t flags) {
     return object;
 }
 
+/// Owns an object of the family, or a framework, through its slot 0.
+struct DeleteThroughSlot {
+    template <class Object>
+    void operator()(Object* object) const {
+        object->DeletingDestructor(1);
+    }
+};
+template <class Object>
+using Owned = std::unique_ptr<Object, DeleteThroughSlot>;
+
+template <class Object, class... Arguments>
+Owned<Object> MakeOwned(const Arguments&... arguments) {
+    return Owned<Object>(new Object(arguments...));
+}
+
 class CBaseAnimationObject {
   public:
     /// Slot 0. Destroys the object, frees it when bit 0 of `flags` is set, returns its address.
@@ -38,10 +53,7 @@ class CBaseAnimationObject {
     ~CBaseAnimationObject() = default;
 };
 
-struct DeleteAnimationObject {
-    void operator()(CBaseAnimationObject* object) const { object->DeletingDestructor(1); }
-};
-using AnimationObject = std::unique_ptr<CBaseAnimationObject, DeleteAnimationObject>;
+using AnimationObject = Owned<CBaseAnimationObject>;
 
 /// A sprite that cycles through frames of one size. Its position stays within 0..MaxX and 0..MaxY; a sprite
 /// as large as the frame, or larger, stays at 0.

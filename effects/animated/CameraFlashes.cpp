@@ -1,5 +1,7 @@
 #include "effects/animated/CameraFlashes.h"
 
+#include <utility>
+
 std::span<const Property<CCameraFlashesSpecialEffectFilter>> CCameraFlashesSpecialEffectFilter::Properties() {
     using Effect = CCameraFlashesSpecialEffectFilter;
     static constexpr Property<Effect> rows[] = {
@@ -16,8 +18,7 @@ std::span<const Property<CCameraFlashesSpecialEffectFilter>> CCameraFlashesSpeci
 void CCameraFlashesSpecialEffectFilter::BuildField(int32_t mode) {
     constexpr int32_t kFlares = 10, kRandomTypes = 0;
     const int32_t fieldMode = mode >= 1 && mode <= 6 ? mode : kRandomTypes;
-    std::unique_ptr<CFlaresField, DeleteField> field(
-        std::make_unique<CFlaresField>(Width(), Height(), fieldMode).release());
+    Owned<CFlaresField> field = MakeOwned<CFlaresField>(Width(), Height(), fieldMode);
     field->AddFlares(kFlares);
     Field = std::move(field);
 }

@@ -2,8 +2,6 @@
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_CAMERAFLASHES_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_CAMERAFLASHES_H
 
-#include <memory>
-
 #include "effects/animated/LensFlares.h"
 #include "framework/EffectBase.h"
 
@@ -22,14 +20,10 @@ class CCameraFlashesSpecialEffectFilter final : public PlanarEffect<CCameraFlash
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    struct DeleteField {
-        void operator()(CFlaresField* field) const { field->DeletingDestructor(1); }
-    };
-
     void BuildField(int32_t mode);
 
     int32_t Mode;  ///< what is wanted
-    std::unique_ptr<CFlaresField, DeleteField> Field;
+    Owned<CFlaresField> Field;
     int32_t ActiveMode;  ///< what `Field` was built with
     bool Moving = true, Colorizing = true, Animation = true;
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <memory>
+#include <utility>
 
 #include "imaging/ScalarColor.h"
 
@@ -175,9 +175,8 @@ void CFlaresField::AddFlares(int32_t count) {
     constexpr int32_t kFrames = 5, kSpeed = 15;
     for (int32_t i = 0; i < count; ++i) {
         const int32_t type = Mode == 0 ? std::rand() % 7 + 1 : Mode;
-        AnimationObject flare(std::make_unique<CLensFlaresMovingAnimation>(FlareSize, FlareSize, Width,
-                                                                           Height, type, kFrames, kSpeed)
-                                  .release());
+        AnimationObject flare =
+            MakeOwned<CLensFlaresMovingAnimation>(FlareSize, FlareSize, Width, Height, type, kFrames, kSpeed);
         if (Mode == kPlainGlow) {
             // A field of plain glows is all one deep blue.
             uint8_t color[4];

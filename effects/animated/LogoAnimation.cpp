@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <type_traits>
+#include <utility>
 
 #include "effects/animated/TextRenderer.h"
 #include "framework/ProcessClock.h"
@@ -51,8 +52,8 @@ void Effect::Prepare() {
     ObjectsNumber = kCopies;
     MovingAnimation = false;
     Colorize = true;
-    PictureField.reset(new CAnimationFramework(Width(), Height()));
-    TextField.reset(new CAnimationFramework(Width(), Height()));
+    PictureField = MakeOwned<CAnimationFramework>(Width(), Height());
+    TextField = MakeOwned<CAnimationFramework>(Width(), Height());
     CurrentField = PictureField.get();
     Type = kPicture;
     SyncObjects(kCopies);
@@ -104,10 +105,8 @@ void Effect::AddTextLogo(const std::string& text) {
 
 void Effect::AddLogoObject(const CPlane8u& plane) {
     constexpr int32_t kSpeed = 8;
-    auto* const logo =
-        std::make_unique<CBitmapAnimationObject>(plane.width, plane.height, Width(), Height(), plane)
-            .release();
-    AnimationObject object(logo);
+    Owned<CBitmapAnimationObject> logo =
+        MakeOwned<CBitmapAnimationObject>(plane.width, plane.height, Width(), Height(), plane);
     logo->RandomizePosition();
     logo->RandomizeVelocity(kSpeed);
     if (RandomColors) {
@@ -117,7 +116,7 @@ void Effect::AddLogoObject(const CPlane8u& plane) {
         PickColor(color);
         logo->SetColor(color);
     }
-    CurrentField->AddObject(std::move(object));
+    CurrentField->AddObject(std::move(logo));
 }
 
 /// One of the colours that are set, by a draw; black, without one, when none is.

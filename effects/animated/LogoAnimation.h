@@ -2,7 +2,6 @@
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_LOGOANIMATION_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_LOGOANIMATION_H
 
-#include <memory>
 #include <string>
 
 #include "effects/animated/AnimationFramework.h"
@@ -23,10 +22,6 @@ class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimati
 
   private:
     enum LogoType : int32_t { kText = 1, kPicture = 2 };
-    struct DeleteField {
-        void operator()(CAnimationFramework* field) const { field->DeletingDestructor(1); }
-    };
-    using Field = std::unique_ptr<CAnimationFramework, DeleteField>;
 
     // Setters of the properties that have the logos made anew, and the row of a colour.
     template <auto Member>
@@ -40,7 +35,7 @@ class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimati
     void AddLogoObject(const CPlane8u& plane);
     void PickColor(uint8_t* color) const;
 
-    Field PictureField, TextField;
+    Owned<CAnimationFramework> PictureField, TextField;
     CAnimationFramework* CurrentField = nullptr;  ///< one of the two
     int32_t ObjectsNumber = 10;
     int32_t Type = kPicture;

@@ -41,10 +41,8 @@ class Sprite final : public CMovingAnimationObject {
     CPlane8u& Mask(size_t i = 0) { return Frames[i]; }
 };
 
-std::unique_ptr<Sprite, DeleteAnimationObject> NewSprite(int32_t w, int32_t h, int32_t fw, int32_t fh,
-                                                         int32_t n = 1) {
-    return std::unique_ptr<Sprite, DeleteAnimationObject>(
-        std::make_unique<Sprite>(w, h, fw, fh, n).release());
+Owned<Sprite> NewSprite(int32_t w, int32_t h, int32_t fw, int32_t fh, int32_t n = 1) {
+    return MakeOwned<Sprite>(w, h, fw, fh, n);
 }
 
 TEST(MovingObject, HasItsOperationsInOrder) {
@@ -167,7 +165,7 @@ TEST(BitmapObject, FadesAndJumps) {
     std::srand(12);
     CPlane8u source(8, 8);
     source.Fill(255);
-    AnimationObject object(std::make_unique<CBitmapAnimationObject>(8, 8, 200, 150, source).release());
+    AnimationObject object = MakeOwned<CBitmapAnimationObject>(8, 8, 200, 150, source);
     uint8_t color[4];
     const uint8_t tint[4] = {1, 50, 60, 2};
     object->SetColor(tint);
