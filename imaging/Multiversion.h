@@ -5,8 +5,8 @@
 // results. Where one generation was asked for at build time, and in sanitizer builds, there is one version.
 //
 // Use it on free functions that hold a frame-sized loop. What the loop calls must be inlined into it: helpers
-// are SE_INLINE. A lambda is no exception: one that the compiler leaves out of line is compiled once, for the
-// baseline, and all versions share it. Look at what became of a loop that is handed over as a lambda.
+// are SE_INLINE. A lambda may be left out of line, compiled once, for the baseline, and shared by all versions:
+// do not hand a loop over as a lambda, and keep those that a loop calls to an expression.
 #ifndef SPECIALEFFECTS_IMAGING_MULTIVERSION_H
 #define SPECIALEFFECTS_IMAGING_MULTIVERSION_H
 

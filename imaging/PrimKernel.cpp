@@ -58,7 +58,7 @@ struct Kernel {
 
 template <typename Sum>
 SE_INLINE void FilterPlainly(const Region& region, const Kernel& kernel, double reciprocal) {
-    prim::ForStrips(region.width, [&](ptrdiff_t begin, ptrdiff_t end) {
+    for (const auto [begin, end] : prim::Strips(region.width)) {
         const ptrdiff_t count = end - begin;
         Sum sums[kStrip];
         for (ptrdiff_t y = 0; y < region.height; ++y) {
@@ -76,7 +76,7 @@ SE_INLINE void FilterPlainly(const Region& region, const Kernel& kernel, double 
                 out[x] = prim::Quotient(static_cast<double>(sums[x]), reciprocal);
             }
         }
-    });
+    }
 }
 
 SE_MULTIVERSION void FilterWith32BitSums(const Region& region, const Kernel& kernel, double reciprocal) {

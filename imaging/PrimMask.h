@@ -15,13 +15,22 @@ namespace prim {
 /// Pixels around the region that a mask may read. Where there are none, the nearest of the region serves.
 enum class Surround { kNone, kAsMaskReaches };
 
+/// line(x) = down(the pixels of the rows in column x).
+template <typename Sum, typename Down, size_t... k>
+SE_INLINE void SumColumns(const uint8_t* const (&rows)[sizeof...(k)], ptrdiff_t first, ptrdiff_t last,
+                          Sum* line, Down down, std::index_sequence<k...>) {
+    for (ptrdiff_t x = first; x <= last; ++x) {
+        line[x - first] = static_cast<Sum>(down(rows[k][x]...));
+    }
+}
+
 /// dst(x, y) = along(line + x), with line[x + i] = down(p...) of the 2 * kReach + 1 pixels from row
 /// y - kReach to y + kReach in column x + i - kReach. `Sum` is the type of the line.
 template <typename Sum, ptrdiff_t kReach, typename Out, typename Down, typename Along>
 SE_INLINE void FilterSeparable(const uint8_t* src, ptrdiff_t srcStep, Out* dst, ptrdiff_t dstStep,
                                ptrdiff_t width, ptrdiff_t height, Surround surround, Down down, Along along) {
     const ptrdiff_t margin = surround == Surround::kNone ? 0 : kReach;
-    ForStrips(width, [&](ptrdiff_t begin, ptrdiff_t end) {
+    for (const auto [begin, end] : Strips(width)) {
         // The columns that the strip's masks cover, and those of them that there are.
         const ptrdiff_t first = begin - kReach;
         const ptrdiff_t last = end - 1 + kReach;
@@ -29,14 +38,12 @@ SE_INLINE void FilterSeparable(const uint8_t* src, ptrdiff_t srcStep, Out* dst, 
         const ptrdiff_t lastRead = std::min(last, width - 1 + margin);
         Sum line[kStrip + 2 * kReach];
         for (ptrdiff_t y = 0; y < height; ++y) {
-            [&]<ptrdiff_t... k>(std::integer_sequence<ptrdiff_t, k...>) {
-                const uint8_t* const rows[] = {
-                    Row(src, srcStep, std::clamp(y + k - kReach, -margin, height - 1 + margin))...};
-                for (ptrdiff_t x = firstRead; x <= lastRead; ++x) {
-                    line[x - first] = static_cast<Sum>(down(rows[k][x]...));
-                }
+            const uint8_t* rows[2 * kReach + 1];
+            for (ptrdiff_t k = -kReach; k <= kReach; ++k) {
+                rows[k + kReach] = Row(src, srcStep, std::clamp(y + k, -margin, height - 1 + margin));
             }
-            (std::make_integer_sequence<ptrdiff_t, 2 * kReach + 1>());
+            SumColumns(rows, firstRead, lastRead, line + (firstRead - first), down,
+                       std::make_index_sequence<2 * kReach + 1>());
             std::fill(line, line + (firstRead - first), line[firstRead - first]);
             std::fill(line + (lastRead - first) + 1, line + (last - first) + 1, line[lastRead - first]);
             Out* const out = Row(dst, dstStep, y) + begin;
@@ -44,7 +51,7 @@ SE_INLINE void FilterSeparable(const uint8_t* src, ptrdiff_t srcStep, Out* dst, 
                 out[x] = static_cast<Out>(along(line + x));
             }
         }
-    });
+    }
 }
 
 }  // namespace prim

@@ -51,27 +51,39 @@ constexpr std::array<Exchange, 5 * kSort5.size() + 15> kMedianOfSortedColumns = 
     return network;
 }();
 
+template <typename Values>
+SE_INLINE void Perform(Exchange exchange, Values& values) {
+    const uint8_t a = values[exchange.low];
+    const uint8_t b = values[exchange.high];
+    values[exchange.low] = a < b ? a : b;
+    values[exchange.high] = a > b ? a : b;
+}
+
+template <const auto& kNetwork, typename Values, size_t... i>
+SE_INLINE void Run(Values& values, std::index_sequence<i...>) {
+    (Perform(kNetwork[i], values), ...);
+}
+
 /// `Values` is an array whose elements the compiler keeps apart: all its indices are constants.
 template <const auto& kNetwork, typename Values>
 SE_INLINE void Run(Values& values) {
-    const auto exchange = [&](const Exchange& e) {
-        const uint8_t a = values[e.low];
-        const uint8_t b = values[e.high];
-        values[e.low] = a < b ? a : b;
-        values[e.high] = a > b ? a : b;
-    };
-    [&]<size_t... i>(std::index_sequence<i...>) {
-        (exchange(kNetwork[i]), ...);
-    }
-    (std::make_index_sequence<kNetwork.size()>());
+    Run<kNetwork>(values, std::make_index_sequence<kNetwork.size()>());
+}
+
+using RankedColumns = uint8_t[5][kStrip + 4];
+
+template <size_t... i>
+SE_INLINE std::array<uint8_t, 25> WindowAt(const RankedColumns& ranked, ptrdiff_t x,
+                                           std::index_sequence<i...>) {
+    return {ranked[i / 5][x + static_cast<ptrdiff_t>(i % 5)]...};
 }
 
 /// `src` is the middle of the first window.
 SE_MULTIVERSION void Median5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
                                ptrdiff_t width, ptrdiff_t height) {
-    prim::ForStrips(width, [&](ptrdiff_t begin, ptrdiff_t end) {
+    for (const auto [begin, end] : prim::Strips(width)) {
         const ptrdiff_t count = end - begin;
-        uint8_t ranked[5][kStrip + 4];  // the sorted columns
+        RankedColumns ranked;
         for (ptrdiff_t y = 0; y < height; ++y) {
             const uint8_t* const p = Row(src, srcStep, y - 2) + begin - 2;
             for (ptrdiff_t x = 0; x < count + 4; ++x) {
@@ -86,15 +98,12 @@ SE_MULTIVERSION void Median5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* d
             }
             uint8_t* const out = Row(dst, dstStep, y) + begin;
             for (ptrdiff_t x = 0; x < count; ++x) {
-                std::array<uint8_t, 25> window = [&]<ptrdiff_t... i>(std::integer_sequence<ptrdiff_t, i...>) {
-                    return std::array<uint8_t, 25>{ranked[i / 5][x + i % 5]...};
-                }
-                (std::make_integer_sequence<ptrdiff_t, 25>());
+                std::array<uint8_t, 25> window = WindowAt(ranked, x, std::make_index_sequence<25>());
                 Run<kMedianOfSortedColumns>(window);
                 out[x] = window[12];
             }
         }
-    });
+    }
 }
 
 // ---- any size --------------------------------------------------------------------------------------------

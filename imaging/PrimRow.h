@@ -21,13 +21,34 @@ SE_INLINE T* Row(T* image, ptrdiff_t step, ptrdiff_t y) {
 /// in the first-level cache from the pass that fills them to the pass that reads them.
 inline constexpr ptrdiff_t kStrip = 2048;
 
-/// Calls filter(begin, end) for the strips of columns that make up the width.
-template <typename Filter>
-SE_INLINE void ForStrips(ptrdiff_t width, Filter filter) {
-    for (ptrdiff_t begin = 0; begin < width; begin += kStrip) {
-        filter(begin, std::min(begin + kStrip, width));
-    }
-}
+/// Columns from `begin` up to, but without, `end`.
+struct Strip {
+    ptrdiff_t begin;
+    ptrdiff_t end;
+};
+
+/// The strips that make up a width, for a loop over them.
+class Strips {
+  public:
+    SE_INLINE explicit Strips(ptrdiff_t width) : width_(width) {}
+
+    struct Iterator {
+        ptrdiff_t at;
+        ptrdiff_t width;
+
+        SE_INLINE Strip operator*() const { return {at, std::min(at + kStrip, width)}; }
+        SE_INLINE Iterator& operator++() {
+            at += kStrip;
+            return *this;
+        }
+        SE_INLINE bool operator!=(const Iterator& end) const { return at < end.at; }
+    };
+    SE_INLINE Iterator begin() const { return {0, width_}; }
+    SE_INLINE Iterator end() const { return {width_, width_}; }
+
+  private:
+    ptrdiff_t width_;
+};
 
 }  // namespace prim
 

@@ -42,14 +42,37 @@ SE_MULTIVERSION void Lowpass3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* 
         [](const uint16_t* line) { return prim::NinthOf(U16(line[0] + line[1] + line[2] + 5)); });
 }
 
+/// The sums down the columns run on from row to row.
 SE_MULTIVERSION void Lowpass5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
                                 ptrdiff_t width, ptrdiff_t height) {
-    FilterSeparable<uint16_t, 2>(
-        src, srcStep, dst, dstStep, width, height, Surround::kAsMaskReaches,
-        [](int a, int b, int c, int d, int e) { return a + b + c + d + e; },
-        [](const uint16_t* line) {
-            return prim::TwentyFifthOf(U16(line[0] + line[1] + line[2] + line[3] + line[4] + 13));
-        });
+    for (const auto [begin, end] : prim::Strips(width)) {
+        const ptrdiff_t count = end - begin;
+        uint16_t line[kStrip + 4];
+        uint16_t pairs[kStrip + 2];
+        for (ptrdiff_t y = 0; y < height; ++y) {
+            const uint8_t* const p = Row(src, srcStep, y - 2) + begin - 2;
+            if (y == 0) {
+                for (ptrdiff_t x = 0; x < count + 4; ++x) {
+                    line[x] = U16(p[x] + p[x + srcStep] + p[x + 2 * srcStep] + p[x + 3 * srcStep] +
+                                  p[x + 4 * srcStep]);
+                }
+            } else {
+                const uint8_t* const entering = p + 4 * srcStep;
+                const uint8_t* const leaving = p - srcStep;
+                for (ptrdiff_t x = 0; x < count + 4; ++x) {
+                    line[x] = U16(line[x] + entering[x] - leaving[x]);
+                }
+            }
+            for (ptrdiff_t x = 0; x < count + 2; ++x) {
+                pairs[x] = U16(line[x] + line[x + 1]);
+            }
+            uint8_t* const out = Row(dst, dstStep, y) + begin;
+            for (ptrdiff_t x = 0; x < count; ++x) {
+                const uint16_t sum = U16(pairs[x] + pairs[x + 2] + line[x + 4]);
+                out[x] = static_cast<uint8_t>(prim::TwentyFifthOf(U16(sum + 13)));
+            }
+        }
+    }
 }
 
 /// The mask does not separate, but it is symmetric: three sums down each column serve the five places that
@@ -57,7 +80,7 @@ SE_MULTIVERSION void Lowpass5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* 
 /// (s + 285) / 571, is found from parts of it.
 SE_MULTIVERSION void Gauss5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
                               ptrdiff_t width, ptrdiff_t height) {
-    prim::ForStrips(width, [&](ptrdiff_t begin, ptrdiff_t end) {
+    for (const auto [begin, end] : prim::Strips(width)) {
         const ptrdiff_t count = end - begin;
         uint16_t outer[kStrip + 4];
         uint16_t inner[kStrip + 4];
@@ -81,7 +104,7 @@ SE_MULTIVERSION void Gauss5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* ds
                     static_cast<uint8_t>(prim::By571(U16(a + b + c), U16((a >> 2) + (b >> 2) + (c >> 2))));
             }
         }
-    });
+    }
 }
 
 }  // namespace
