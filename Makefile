@@ -9,6 +9,10 @@
 PREFIX ?= /usr/local
 JOBS := $(shell nproc)
 
+# Processor generations that this machine can run.
+PROCESSORS := baseline $(shell grep -qw avx2 /proc/cpuinfo && echo avx2) \
+    $(shell grep -qw avx512vbmi /proc/cpuinfo && echo avx512)
+
 .PHONY: build demo check bench docs install setup clean
 
 build: setup
@@ -20,17 +24,29 @@ demo: setup
 	cmake --build --preset release --target specialeffects specialeffects_program cascade
 	tools/make_demo.sh build/release build/demo
 
-# Clang first, and on the golden frames alone: what it adds is that it compiles cleanly and computes the same.
+# Clang and the single processor generations run the golden frames alone: what they add is that they compile
+# cleanly and compute the same.
 check: setup
 	cmake --preset clang -DSE_BUILD_BENCH=OFF
 	cmake --build --preset clang
 	ctest --preset clang -j $(JOBS) -R 'Golden|check_kernels'
+	$(foreach processor,$(PROCESSORS),$(call check_processor,$(processor)))
+	cmake --preset thread
+	cmake --build --preset thread --target soak_tests
+	ctest --preset thread -R SoakThreads
 	cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize -j $(JOBS)
 	cmake --preset release
 	cmake --build --preset release
 	ctest --preset release -j $(JOBS)
+
+define check_processor
+	cmake --preset $(1) -DSE_BUILD_HOST=OFF -DSE_BUILD_BENCH=OFF
+	cmake --build --preset $(1) --target golden_tests
+	ctest --preset $(1) -j $(JOBS) -R Golden
+
+endef
 
 bench: setup
 	cmake --preset release
