@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "imaging/ExactDivision.h"
 #include "imaging/GradientNoise.h"
@@ -90,11 +91,17 @@ std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter
 }
 
 void CCloudsSpecialEffectFilter::Prepare() {
-    std::ifstream file(kFile, std::ios::binary);
-    if (!file) {
-        WritePictures(kPictures);
-        file.clear();
+    // What is no file in its place is left alone: reading from a pipe could block for ever.
+    std::error_code error;
+    const auto status = std::filesystem::status(kFile, error);
+    std::ifstream file;
+    if (std::filesystem::is_regular_file(status) || !std::filesystem::exists(status)) {
         file.open(kFile, std::ios::binary);
+        if (!file) {
+            WritePictures(kPictures);
+            file.clear();
+            file.open(kFile, std::ios::binary);
+        }
     }
     CPlane8u scratch = NewPlane(kPictureWidth, kPictureHeight);
     for (CPlane8u& picture : NoiseFrames) {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <cmath>
@@ -188,14 +189,19 @@ TEST_F(Clouds, AShortFileRepeatsItsLastPicture) {
     ExpectEqual(96, 80, 1, 90, 0xC0C0C0, 3);
 }
 
-TEST_F(Clouds, AnUnwritableDirectoryShowsNoClouds) {
-    // A directory in the file's place can neither be read as a file nor replaced by one.
+TEST_F(Clouds, WhatIsNoFileShowsNoClouds) {
+    const auto expectNoClouds = [&](const char* what) {
+        ASSERT_EQ(effect.Configure(96, 80), kSuccess) << what;
+        TestFrame frame = TestFrame(96, 80).Randomize(1);
+        const TestFrame before = frame;
+        Run(frame);
+        EXPECT_EQ(FirstDifference(frame, before), "") << what;
+    };
     std::filesystem::create_directory("perlin.dat");
-    ASSERT_EQ(effect.Configure(96, 80), kSuccess);
-    TestFrame frame = TestFrame(96, 80).Randomize(1);
-    const TestFrame before = frame;
-    Run(frame);
-    EXPECT_EQ(FirstDifference(frame, before), "");
+    expectNoClouds("a directory");
+    std::filesystem::remove("perlin.dat");
+    ASSERT_EQ(mkfifo("perlin.dat", 0600), 0);  // reading it would wait for a writer that never comes
+    expectNoClouds("a pipe");
 }
 
 TEST_F(Clouds, TypeTwoThinsToPatches) {
