@@ -9,6 +9,10 @@
 
 namespace prim {
 
+/// Bytes of an element, as row steps count them.
+template <typename T>
+inline constexpr int32_t kSize = static_cast<int32_t>(sizeof(T));
+
 constexpr PrimStatus CheckSize(int32_t width, int32_t height) {
     return width < 1 || height < 1 ? kPrimSizeError : kPrimOk;
 }

@@ -18,6 +18,7 @@ using prim::CheckRect;
 using prim::CheckSize;
 using prim::CheckStep;
 using prim::FirstError;
+using prim::kSize;
 using prim::Row;
 
 struct PrimHaarState {
@@ -39,9 +40,6 @@ namespace {
 
 using Feature = PrimHaarState::Feature;
 using Classifier = PrimHaarState::Classifier;
-
-template <typename T>
-constexpr int32_t kSize = static_cast<int32_t>(sizeof(T));
 
 /// Weighted sum of a rectangle's pixels, at the window whose corner is at `table`; wrap-around cancels.
 double Response(const Feature& feature, const uint32_t* table, ptrdiff_t entriesPerRow) {

@@ -17,12 +17,10 @@ using prim::CheckRect;
 using prim::CheckSize;
 using prim::CheckStep;
 using prim::FirstError;
+using prim::kSize;
 using prim::Row;
 
 namespace {
-
-template <typename T>
-constexpr int32_t kSize = static_cast<int32_t>(sizeof(T));
 
 /// Squares of so many pixels sum to less than 2^31.
 constexpr ptrdiff_t kSquares = 32768;
