@@ -106,22 +106,24 @@ void Effect::PlaceSlots() {
 ResultCode Effect::ProcessFrame(FrameRecord* frame) {
     if (frame == nullptr || !IsReadable(frame->Image) || frame->Image->Plane[0] == nullptr)
         return kInvalidArgument;
-    if (!Configured) return kFailure;
+    RegionRect rect{};
+    if (Configured) rect = TrackFace(frame->Image->Plane[0]);
+    RegionRecord region{0, &rect};
+    return ProcessRegion(frame, &region);
+}
 
+/// Where the tracker sees a face; all zero without one.
+RegionRect Effect::TrackFace(uint8_t* plane) {
     // The cascade counts rows from the window's other end: it is shown the picture upside down.
-    CPlane8u luma = CPlane8u::Over(frame->Image->Plane[0], Stream.Width, Stream.Height);
+    CPlane8u luma = CPlane8u::Over(plane, Stream.Width, Stream.Height);
     luma.Mirror(kPrimMirrorRows);
     Detector.TrackFrame(luma);
     luma.Mirror(kPrimMirrorRows);
 
     const CFaceRect face = Detector.GetFace();
-    RegionRect rect{};
-    if (face.width > 0 && face.height > 0) {
-        rect = {face.x, face.x + face.width - 1, Stream.Height - face.y - face.height,
-                Stream.Height - face.y - 1};
-    }
-    RegionRecord region{0, &rect};
-    return ProcessRegion(frame, &region);
+    if (face.width < 1 || face.height < 1) return {};
+    return {face.x, face.x + face.width - 1, Stream.Height - face.y - face.height,
+            Stream.Height - face.y - 1};
 }
 
 /// Squares the rectangle up: a multiple of 4, at least 24. At the right and lower edge it moves by as much as

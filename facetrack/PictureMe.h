@@ -32,6 +32,7 @@ class CPictureMeSpecialEffectFilter final
 
   private:
     void ReleaseWorkspace();
+    RegionRect TrackFace(uint8_t* plane);
     void Layout(bool keepCount);
     void SetTextureCount(int32_t count);
     void PlaceSlots();

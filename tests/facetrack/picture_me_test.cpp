@@ -284,6 +284,12 @@ TEST_F(PictureMe, LaysOutWhatFits) {
     EXPECT_EQ(effect.Set("Pace", "1"), kInvalidArgument);
 }
 
+TEST_F(PictureMe, KeepsTheContract) {
+    std::filesystem::remove("haar.txt");
+    EXPECT_EQ(effect.Name(), "Picture Me");
+    ExpectContract(effect);
+}
+
 TEST_F(PictureMe, ChecksItsFrames) {
     TestFrame frame = TestFrame(64, 48).DrawScene(1);
     const TestFrame before = frame;
