@@ -126,10 +126,8 @@ static void check_bad_formats(Effect* effect, const CatalogueRow* row) {
         check_null_frames(effect, "bad format");
         expect_refused(effect, PLANAR, FAILURE, "format 0 after a bad one was configured");
         expect_refused(effect, PACKED, FAILURE, "format 2 after a bad one was configured");
-        /* Picture Me may notice the refused Configure before the format. */
-        if (!(row->traits & FACES))
-            expect_refused(effect, formats[i], row->traits & DISTORTION ? FAILURE : INVALID_ARGUMENT,
-                           "a frame of the bad format that was configured");
+        expect_refused(effect, formats[i], row->traits & DISTORTION ? FAILURE : INVALID_ARGUMENT,
+                       "a frame of the bad format that was configured");
     }
 }
 
