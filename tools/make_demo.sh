@@ -4,75 +4,124 @@
 #   tools/make_demo.sh BUILD_DIR OUT_DIR
 #
 # Writes a picture and a short clip of each effect, a contact sheet, a showreel and index.html. What is newer than the
-# module and the program is not made again.
+# module, the program, this script and the portrait is not made again.
 set -euo pipefail
 
 build=$(realpath "$1")
 out=$2
 source=$(realpath "$(dirname "$0")/..")
 program=$build/host/specialeffects
-module=$build/libspecialeffects.so
-scene=still:$source/demo/portrait.jpg
-frames=90   # of each clip
-shown=60    # the frame that becomes the picture
+portrait=$source/demo/portrait.jpg
+frames=90      # of each clip
+reel_start=1.4 # the part of each clip that the showreel takes, in seconds
+reel_frames=42 # and in frames
+made_from=("$build/libspecialeffects.so" "$program" "$portrait" "$source/tools/make_demo.sh")
 mkdir -p "$out/pictures" "$out/clips" "$out/work"
 out=$(realpath "$out")
 
-is_fresh() { [ -e "$1" ] && [ "$1" -nt "$module" ] && [ "$1" -nt "$program" ]; }
+# Whether a file is newer than all that it is made from: is_fresh FILE [FURTHER_SOURCE...]
+is_fresh() {
+    local made=$1 file
+    shift
+    [ -e "$made" ] || return 1
+    for file in "${made_from[@]}" "$@"; do [ "$made" -nt "$file" ] || return 1; done
+}
+
+# What to ask for instead of the plain effect, where that can hardly be seen at this size.
+request_of() {
+    case $1 in
+        rain) echo rain:DropSize=7 ;;
+        tiled-up) echo tiled-up:TileSize=16 ;;
+        *) echo "$1" ;;
+    esac
+}
+
+# The frame that becomes the picture: one that is typical.
+shown_of() {
+    case $1 in
+        moving-twirl) echo 45 ;; # it swings, and goes through the middle near the other
+        *) echo 60 ;;
+    esac
+}
 
 # One effect: its clip and its picture. In a directory of its own, since some effects keep files where they run.
 make_effect() {
-    local name=$1
-    is_fresh "$out/clips/$name.mp4" && is_fresh "$out/pictures/$name.png" && return 0
-    local here="$out/work/$name"
-    mkdir -p "$here"
-    cd "$here"
-    "$program" apply --quiet --seed 1 -e "$name" --frames $frames "$scene" "$out/clips/$name.mp4"
-    "$program" apply --quiet --seed 1 -e "$name" --frame $shown "$scene" "$out/pictures/$name.png"
+    local name=$1 request
+    request=$(request_of "$name")
+    mkdir -p "$out/work/$name"
+    cd "$out/work/$name"
+    "$program" apply --quiet --seed 1 -e "$request" --frames $frames "still:$portrait" "$out/clips/$name.mp4"
+    "$program" apply --quiet --seed 1 -e "$request" --frame "$(shown_of "$name")" "still:$portrait" "$out/pictures/$name.png"
     echo "  $name"
 }
-export -f make_effect is_fresh
-export program module scene frames shown out
+export -f make_effect request_of shown_of
+export program portrait frames out
 
-mapfile -t names < <("$program" list --all --json | sed -n 's/^ *"name": "\(.*\)",$/\1/p')
-echo "Running ${#names[@]} effects over $frames frames each"
-printf '%s\n' "${names[@]}" | xargs -P "$(nproc)" -I{} bash -c 'make_effect {}'
+# The names in the module's order, and what a person calls them.
+list=$("$program" list --all --json)
+mapfile -t names < <(sed -n 's/^ *"name": "\(.*\)",$/\1/p' <<< "$list")
+mapfile -t titles < <(awk -F'"' '/"displayName"/ { title = $4 } /"variant"/ { sub(/.*: /, ""); sub(/,$/, "");
+        print $0 == "null" ? title : title " " $0 }' <<< "$list")
+
+stale=()
+for name in "${names[@]}"; do
+    is_fresh "$out/clips/$name.mp4" && is_fresh "$out/pictures/$name.png" || stale+=("$name")
+done
+if [ ${#stale[@]} -gt 0 ]; then
+    echo "Running ${#stale[@]} effects over $frames frames each"
+    printf '%s\n' "${stale[@]}" | xargs -P "$(nproc)" -I{} bash -c 'make_effect {}'
+fi
 
 sheet=$out/contact-sheet.jpg
 if ! is_fresh "$sheet"; then
-    montage_arguments=()
-    for name in "${names[@]}"; do montage_arguments+=(-label "$name" "$out/pictures/$name.png"); done
-    montage "${montage_arguments[@]}" -resize 200x150 -tile 9x -geometry +3+3 -pointsize 12 -quality 85 "$sheet"
+    echo "Laying out the contact sheet"
+    labelled=()
+    for name in "${names[@]}"; do labelled+=(-label "$name" "$out/pictures/$name.png"); done
+    montage -background '#16181c' -fill '#f0f0f0' -font DejaVu-Sans -pointsize 18 "${labelled[@]}" \
+        -resize 200x150 -tile 7x -geometry +5+4 -quality 85 "$out/work/sheet.jpg"
+    mv "$out/work/sheet.jpg" "$sheet"
 fi
+
+# A scene of the showreel, as raw frames with a caption: reel_scene TITLE NAME FFMPEG_INPUT...
+reel_scene() {
+    local title=$1 name=$2 caption
+    shift 2
+    caption="drawbox=y=ih-74:h=74:color=black@0.55:t=fill"
+    caption+=",drawtext=font=DejaVu Sans:text=$title:fontsize=28:fontcolor=white:x=18:y=h-64"
+    caption+=",drawtext=font=DejaVu Sans Mono:text=$name:fontsize=15:fontcolor=white@0.8:x=18:y=h-26"
+    ffmpeg -v error -nostdin "$@" -frames:v $reel_frames -vf "setpts=N/30/TB,$caption" -r 30 \
+        -f rawvideo -pix_fmt yuv420p -
+}
 
 reel=$out/showreel.mp4
 if ! is_fresh "$reel"; then
-    for name in "${names[@]}"; do printf "file '%s'\noutpoint 1.2\n" "$out/clips/$name.mp4"; done > "$out/work/reel.txt"
-    ffmpeg -v error -y -f concat -safe 0 -i "$out/work/reel.txt" -c:v libx264 -crf 23 -pix_fmt yuv420p "$reel"
+    echo "Cutting the showreel"
+    {
+        reel_scene "Before" "what the camera sees" -loop 1 -i "$portrait"
+        for i in "${!names[@]}"; do
+            reel_scene "${titles[i]}" "-e ${names[i]}" -ss $reel_start -i "$out/clips/${names[i]}.mp4"
+        done
+    } | ffmpeg -v error -nostdin -y -f rawvideo -pix_fmt yuv420p -video_size 640x480 -framerate 30 -i - \
+        -c:v libx264 -preset veryfast -crf 25 -movflags +faststart "$out/work/reel.mp4"
+    mv "$out/work/reel.mp4" "$reel"
 fi
 
-escape() { sed 's/&/\&amp;/g; s/</\&lt;/g; s/>/\&gt;/g'; }
-{
-    cat <<'HTML'
-<!doctype html>
-<html lang="en"><head><meta charset="utf-8"><title>Special effects</title><style>
-body { font: 15px/1.4 sans-serif; margin: 2em auto; max-width: 1240px; padding: 0 1em; background: #fafafa; color: #222; }
-main { display: grid; grid-template-columns: repeat(auto-fill, minmax(290px, 1fr)); gap: 1.5em; }
-article { background: #fff; border: 1px solid #ddd; border-radius: 6px; padding: .8em; }
-h2 { font-size: 1.05em; margin: .4em 0; } video, img { width: 100%; border-radius: 3px; }
-pre { font-size: 11px; overflow-x: auto; color: #555; }
-</style></head><body>
-<h1>Special effects</h1>
-<p>Every effect on one clip. <a href="showreel.mp4">The showreel</a> has them all in a row,
-<a href="contact-sheet.jpg">the contact sheet</a> on one page.</p>
-<main>
-HTML
-    for name in "${names[@]}"; do
-        printf '<article><video src="clips/%s.mp4" poster="pictures/%s.png" muted loop controls preload="none"></video>\n' \
-            "$name" "$name"
-        printf '<h2>%s</h2><pre>%s</pre></article>\n' "$name" "$("$program" info "$name" | escape)"
-    done
-    echo '</main></body></html>'
-} > "$out/index.html"
+page_parts=("$source/tools/demo_page_head.html" "$source/tools/demo_page.awk" "$source/tools/demo_page_foot.html"
+    "$source/docs/texts.json")
+if ! is_fresh "$out/index.html" "${page_parts[@]}"; then
+    echo "Writing the page"
+    cp "$portrait" "$out/before.jpg"
+    {
+        cat "$source/tools/demo_page_head.html"
+        for i in "${!names[@]}"; do printf '<a href="#%s">%s</a>\n' "${names[i]}" "${titles[i]}"; done
+        echo '</nav><main>'
+        for name in "${names[@]}"; do
+            echo "\"request\": \"$(request_of "$name")\","
+            "$program" info "$name" --json
+        done | awk -f "$source/tools/demo_page.awk" "$source/docs/texts.json" -
+        cat "$source/tools/demo_page_foot.html"
+    } > "$out/work/index.html"
+    mv "$out/work/index.html" "$out/index.html"
+fi
 
 echo "Look at $out/index.html"
