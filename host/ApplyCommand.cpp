@@ -102,12 +102,7 @@ void Run(const ApplyOptions& options) {
     chain.Configure(stream.size.width, stream.size.height, format, options.settings);
     std::srand(seed);
 
-    Outcome outcome;
-    try {
-        outcome = RunFrames(*input, chain, *output, kind, options, limit);
-    } catch (const ReaderGone&) {
-        return;  // the way in which watching through a pipe ends
-    }
+    const Outcome outcome = RunFrames(*input, chain, *output, kind, options, limit);
     if (outcome.frames == 0) {
         if (Interrupted()) throw Failure("interrupted before the first frame");
         throw Failure("{} has no frame that can be decoded; it may be cut short", options.input);

@@ -4,10 +4,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <nlohmann/json.hpp>
+
 #include "Commands.h"
 #include "EffectChain.h"
 #include "Interrupt.h"
 #include "ScratchDirectory.h"
+#include "StandardOutput.h"
 #include "TestScene.h"
 
 namespace host {
@@ -77,6 +80,27 @@ std::vector<std::string> EveryEffect(const Module& module) {
     return names;
 }
 
+void PrintHead(Size size) {
+    Print("{}x{}, one thread, medians\n", size.width, size.height);
+    Print("{:<24} {:>9} {:>9} {:>9} {:>9}\n", "effect", "ms/frame", "fps", "memcpy ms", "x memcpy");
+}
+
+void PrintRow(const std::string& effect, const Timing& timing) {
+    Print("{:<24} {:>9.3f} {:>9.1f} {:>9.4f} {:>9.2f}\n", effect, timing.effect, 1000 / timing.effect,
+          timing.copy, timing.effect / timing.copy);
+}
+
+nlohmann::ordered_json Json(const std::string& effect, Size size, const Timing& timing) {
+    nlohmann::ordered_json json;
+    json["effect"] = effect;
+    json["width"] = size.width;
+    json["height"] = size.height;
+    json["milliseconds"] = timing.effect;
+    json["memcpyMilliseconds"] = timing.copy;
+    json["ratio"] = timing.effect / timing.copy;
+    return json;
+}
+
 }  // namespace
 
 void Run(const BenchOptions& options) {
@@ -84,25 +108,24 @@ void Run(const BenchOptions& options) {
     const Module module(options.module);
     const std::vector<std::string> effects = options.effects.empty() ? EveryEffect(module) : options.effects;
     for (const std::string& effect : effects) RequireEffect(SplitEffectText(effect).effect);
-    const Size size = EvenSize(options.size);
-    if (size != options.size) {
-        notes.Add("{}x{} becomes {}x{}: sides have to be even", options.size.width, options.size.height,
-                  size.width, size.height);
-    }
+    const Size size = EvenSize(options.size, notes);
     const std::vector<Frame> scene = DrawScene(size);
 
     const ScratchDirectory scratch;
-    fmt::print("{}x{}, one thread, medians\n", size.width, size.height);
-    fmt::print("{:<24} {:>9} {:>9} {:>9} {:>9}\n", "effect", "ms/frame", "fps", "memcpy ms", "x memcpy");
+    nlohmann::ordered_json json = nlohmann::ordered_json::array();
+    if (!options.json) PrintHead(size);
     for (const std::string& effect : effects) {
         std::srand(1);
         EffectChain chain(module, {effect}, notes);
         chain.Configure(size.width, size.height, kFormatPlanar, std::nullopt);
         const Timing timing = Measure(chain, scene);
-        fmt::print("{:<24} {:>9.3f} {:>9.1f} {:>9.4f} {:>9.2f}\n", effect, timing.effect,
-                   1000 / timing.effect, timing.copy, timing.effect / timing.copy);
-        std::fflush(stdout);
+        if (options.json) {
+            json.push_back(Json(effect, size, timing));
+        } else {
+            PrintRow(effect, timing);
+        }
     }
+    if (options.json) Print("{}\n", json.dump(2));
 }
 
 }  // namespace host

@@ -42,6 +42,7 @@ struct BenchOptions {
     std::string module;
     std::vector<std::string> effects;
     Size size{1280, 720};
+    bool json = false;
 };
 
 using Command = std::variant<ListOptions, InfoOptions, ApplyOptions, BenchOptions>;

@@ -109,10 +109,15 @@ size_t EditDistance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
-// How far `wanted` is from an effect: a beginning of the name counts as near.
+// How far `wanted` is from an effect: a piece of the name counts as near, most of all its beginning.
 size_t Distance(const std::string& wanted, const EffectName& effect) {
+    constexpr size_t kShortestPiece = 3;
     const std::string display = Normalized(effect.displayName);
-    if (wanted.size() >= 3 && (effect.shortName.starts_with(wanted) || display.starts_with(wanted))) return 1;
+    if (wanted.size() >= kShortestPiece) {
+        const size_t place = std::min(effect.shortName.find(wanted), display.find(wanted));
+        if (place == 0) return 1;
+        if (place != std::string::npos) return 2;
+    }
     return std::min(EditDistance(wanted, effect.shortName), EditDistance(wanted, display));
 }
 

@@ -123,6 +123,7 @@ std::vector<Assignment> ParseAssignments(std::string_view text, std::span<const 
         }
     }
     std::vector<Assignment> assignments;
+    assignments.reserve(items.size());
     for (const Item& item : items) {
         assignments.push_back({item.property->name, CanonicalValue(*item.property, Trimmed(item.value))});
     }

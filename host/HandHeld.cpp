@@ -57,6 +57,7 @@ void SeePlane(const Frame& picture, const View& view, int64_t frame, int plane, 
     const double top = view.centreY * sourceHeight - stepY * height / 2;
 
     std::vector<Place> columns;
+    columns.reserve(static_cast<size_t>(width));
     for (int x = 0; x < width; ++x) columns.push_back(PlaceAt(left + (x + 0.5) * stepX - 0.5, sourceWidth));
     const int sigma = plane == 0 ? kLumaNoise : kChromaNoise;
     for (int y = 0; y < height; ++y) {
@@ -87,7 +88,7 @@ HandHeld::HandHeld(const std::string& file, const InputOptions& options, const N
     stream_.kind = InputKind::Scene;
     picture_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
     if (!source.Read(picture_)) throw Failure("{} cannot be decoded", file);
-    if (options.size) stream_.size = EvenSize(*options.size);
+    if (options.size) stream_.size = EvenSize(*options.size, notes);
     seen_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
 }
 

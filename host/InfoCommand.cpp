@@ -7,6 +7,7 @@
 #include "EffectChain.h"
 #include "EffectReport.h"
 #include "ScratchDirectory.h"
+#include "StandardOutput.h"
 
 namespace host {
 namespace {
@@ -54,24 +55,24 @@ nlohmann::ordered_json Json(const Report& report) {
     return json;
 }
 
-void Print(const Report& report) {
-    fmt::print("{} ({})\n", report.displayName, report.name->shortName);
-    fmt::print("  GUID     {}\n", report.name->guid);
-    if (report.name->variant) fmt::print("  variant  {}\n", *report.name->variant);
-    fmt::print("  number   {}, {}\n", report.name->number,
-               report.listedAt.empty() ? "not listed"
-                                       : fmt::format("listed at {}", fmt::join(report.listedAt, ", ")));
-    fmt::print("  formats  {}\n", fmt::join(report.formats, ", "));
+void PrintWords(const Report& report) {
+    Print("{} ({})\n", report.displayName, report.name->shortName);
+    Print("  GUID     {}\n", report.name->guid);
+    if (report.name->variant) Print("  variant  {}\n", *report.name->variant);
+    Print("  number   {}, {}\n", report.name->number,
+          report.listedAt.empty() ? "not listed"
+                                  : fmt::format("listed at {}", fmt::join(report.listedAt, ", ")));
+    Print("  formats  {}\n", fmt::join(report.formats, ", "));
     if (report.properties.empty()) {
-        fmt::print("  no properties\n");
+        Print("  no properties\n");
         return;
     }
     constexpr auto kLine = "  {:<18} {:<8} {:<12} {:<8} {}\n";
-    fmt::print("\n");
-    fmt::print(kLine, "property", "type", "default", "range", "runs with");
+    Print("\n");
+    Print(kLine, "property", "type", "default", "range", "runs with");
     for (const PropertyReport& property : report.properties) {
-        fmt::print(kLine, property.info.name, TypeName(property.info.type), property.info.defaultText,
-                   property.info.range.empty() ? "-" : property.info.range, property.running);
+        Print(kLine, property.info.name, TypeName(property.info.type), property.info.defaultText,
+              property.info.range.empty() ? "-" : property.info.range, property.running);
     }
 }
 
@@ -82,9 +83,9 @@ void Run(const InfoOptions& options) {
     const Module module(options.module);
     const Report report = MakeReport(module, name);
     if (options.json) {
-        fmt::print("{}\n", Json(report).dump(2));
+        Print("{}\n", Json(report).dump(2));
     } else {
-        Print(report);
+        PrintWords(report);
     }
 }
 

@@ -1,4 +1,5 @@
-// Ctrl-C and SIGTERM: the first asks for an orderly end, the second ends the program at once.
+// Ctrl-C, SIGTERM and a terminal that is closed: the first asks for an orderly end, the second ends the
+// program at once.
 #ifndef SPECIALEFFECTS_HOST_INTERRUPT_H
 #define SPECIALEFFECTS_HOST_INTERRUPT_H
 

@@ -79,7 +79,11 @@ AVFramePtr NewAVFrame(int width, int height, AVPixelFormat format) {
     frame->width = width;
     frame->height = height;
     frame->format = format;
-    if (av_frame_get_buffer(frame.get(), 0) < 0) throw std::bad_alloc();
+    const int result = av_frame_get_buffer(frame.get(), 0);
+    if (result == AVERROR(EINVAL)) {
+        throw Failure("pictures of {}x{} are too large for FFmpeg's libraries", width, height);
+    }
+    if (result < 0) throw std::bad_alloc();
     return frame;
 }
 

@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "EffectReport.h"
 #include "ScratchDirectory.h"
+#include "StandardOutput.h"
 
 namespace host {
 namespace {
@@ -56,12 +57,12 @@ void PrintRow(const Row& row) {
         row.formats.empty() ? "cannot be created" : fmt::format("{}", fmt::join(row.formats, ", "));
     const char* listed = row.listedAt.empty() ? "no" : "yes";
     if (row.name == nullptr) {
-        fmt::print(kLine, "-", "-", "-", "-", GuidText(row.guid), listed, formats);
+        Print(kLine, "-", "-", "-", "-", GuidText(row.guid), listed, formats);
         return;
     }
     const std::string variant = row.name->variant ? std::to_string(*row.name->variant) : "-";
-    fmt::print(kLine, row.name->number, row.name->shortName, row.name->displayName, variant,
-               GuidText(row.guid), listed, formats);
+    Print(kLine, row.name->number, row.name->shortName, row.name->displayName, variant, GuidText(row.guid),
+          listed, formats);
 }
 
 }  // namespace
@@ -72,11 +73,11 @@ void Run(const ListOptions& options) {
     if (options.json) {
         nlohmann::ordered_json json = nlohmann::ordered_json::array();
         for (const Row& row : rows) json.push_back(Json(row));
-        fmt::print("{}\n", json.dump(2));
+        Print("{}\n", json.dump(2));
         return;
     }
-    fmt::print("{:>3}  {:<18} {:<20} {:>7}  {:<38}  {:<6}  {}\n", "no.", "name", "display name", "variant",
-               "GUID", "listed", "formats");
+    Print("{:>3}  {:<18} {:<20} {:>7}  {:<38}  {:<6}  {}\n", "no.", "name", "display name", "variant", "GUID",
+          "listed", "formats");
     for (const Row& row : rows) PrintRow(row);
 }
 

@@ -6,6 +6,7 @@
 #include "CommandLine.h"
 #include "Errors.h"
 #include "Interrupt.h"
+#include "StandardOutput.h"
 
 int main(int argc, char** argv) {
     try {
@@ -13,6 +14,8 @@ int main(int argc, char** argv) {
         if (const auto command = host::ParseCommandLine(argc, argv)) {
             std::visit([](const auto& options) { host::Run(options); }, *command);
         }
+        return 0;
+    } catch (const host::ReaderGone&) {
         return 0;
     } catch (const host::UsageError& error) {
         host::PrintError(error.what());

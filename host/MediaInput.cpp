@@ -1,12 +1,14 @@
 #include "MediaInput.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <string_view>
 
 #include "Interrupt.h"
@@ -18,8 +20,6 @@ extern "C" {
 
 namespace host {
 namespace {
-
-constexpr int kLargestSide = 16384;  // that an effect can be configured for
 
 // Quarter turns clockwise that a display matrix asks for.
 int QuarterTurns(const void* displayMatrix) {
@@ -60,7 +60,11 @@ MediaInput::MediaInput(const std::string& name, const InputOptions& options, con
 }
 
 void MediaInput::OpenFile(const std::string& name) {
-    if (name != "-") CheckFile(name);
+    if (name != "-") {
+        CheckFile(name);
+    } else if (isatty(STDIN_FILENO) != 0) {
+        throw UsageError("standard input is a terminal; pipe a video into it, or name a file");
+    }
     Dictionary settings;
     settings.Set("protocol_whitelist", "file,pipe");  // a playlist reaches no network
     settings.Set("pattern_type", "none");             // a name with % or * is one file
@@ -145,12 +149,7 @@ void MediaInput::Describe(const InputOptions& options, const Notes& notes) {
         std::swap(aspect.num, aspect.den);
     }
     if (native.width < 1 || native.height < 1) throw Failure("{} has no pictures that can be decoded", name_);
-    const Size wanted = options.size.value_or(native);
-    stream_.size = EvenSize(wanted);
-    if (stream_.size != wanted) {
-        notes.Add("{}x{} is scaled to {}x{}: sides have to be even", wanted.width, wanted.height,
-                  stream_.size.width, stream_.size.height);
-    }
+    stream_.size = EvenSize(options.size.value_or(native), notes);
     if (std::max(stream_.size.width, stream_.size.height) > kLargestSide) {
         throw Failure("{} is {}x{}; effects take sides up to {}; --size scales it", name_, native.width,
                       native.height, kLargestSide);
@@ -179,6 +178,12 @@ std::vector<const AVStream*> MediaInput::AudioStreams() const {
         }
     }
     return streams;
+}
+
+bool MediaInput::HasUnusedStreams() const {
+    const std::span streams(input_->streams, input_->nb_streams);
+    return std::any_of(streams.begin(), streams.end(),
+                       [](const AVStream* stream) { return stream->discard == AVDISCARD_ALL; });
 }
 
 bool MediaInput::Read(Frame& frame) {
@@ -218,7 +223,13 @@ bool MediaInput::ReadPacket() {
         if (result < 0) {
             inputEnded_ = true;
             if (result != AVERROR_EOF && !Interrupted()) readError_ = LibavText(result);
-        } else if (input_->streams[packet_->stream_index]->discard != AVDISCARD_ALL) {
+        } else if (const AVStream& stream = *input_->streams[packet_->stream_index];
+                   stream.discard != AVDISCARD_ALL) {
+            if (packet_->pts != AV_NOPTS_VALUE) {
+                const int64_t end = packet_->pts + packet_->duration;
+                packetsEnd_ =
+                    std::max(packetsEnd_, av_rescale_q(end, stream.time_base, av_get_time_base_q()));
+            }
             return true;
         }
     }
@@ -282,18 +293,13 @@ std::string MediaInput::Shortfall() const {
         return fmt::format("cut short, {} of {} frames are there", packetCount_, announced);
     }
     if (damagedCount_ > 0) return fmt::format("damaged, {} frames could not be read well", damagedCount_);
-    // Streams of sound may be longer than the video; a container that holds nothing but the video may not.
-    if (input_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM && AudioStreams().empty()) {
-        constexpr int64_t kTolerance = AV_TIME_BASE / 2;
-        const int64_t end =
-            av_rescale_q(lastTime_ + stream_.TicksPerFrame(), stream_.timeBase, av_get_time_base_q());
-        if (end + kTolerance < input_->duration) {
-            return fmt::format("cut short, {:.1f} of {:.1f} seconds are there",
-                               static_cast<double>(end) / AV_TIME_BASE,
-                               static_cast<double>(input_->duration) / AV_TIME_BASE);
-        }
-    }
-    return {};
+    // The container's duration is that of its longest stream, which may be one that is not read.
+    if (input_->duration_estimation_method != AVFMT_DURATION_FROM_STREAM || HasUnusedStreams()) return {};
+    constexpr int64_t kTolerance = AV_TIME_BASE / 2;
+    if (packetsEnd_ + kTolerance >= input_->duration) return {};
+    return fmt::format("cut short, {:.1f} of {:.1f} seconds are there",
+                       static_cast<double>(packetsEnd_) / AV_TIME_BASE,
+                       static_cast<double>(input_->duration) / AV_TIME_BASE);
 }
 
 }  // namespace host

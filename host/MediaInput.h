@@ -24,6 +24,7 @@ class MediaInput : public VideoInput {
     void OpenDecoder();
     void Describe(const InputOptions& options, const Notes& notes);
     bool IsStillPicture() const;
+    bool HasUnusedStreams() const;
 
     bool DecodeNext();
     bool ReadPacket();
@@ -49,6 +50,7 @@ class MediaInput : public VideoInput {
     int64_t damagedCount_ = 0;  // packets that are cut short or cannot be decoded
     int64_t frameCount_ = 0;
     int64_t lastTime_ = -1;
+    int64_t packetsEnd_ = 0;  // when the last packet of any stream ends, in units of AV_TIME_BASE
 };
 
 }  // namespace host

@@ -1,8 +1,6 @@
 #include "MediaOutput.h"
 
 #include <algorithm>
-#include <cctype>
-#include <filesystem>
 #include <span>
 #include <string_view>
 
@@ -46,9 +44,7 @@ constexpr Container kContainers[] = {
 };
 
 const Container* ContainerOf(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string extension = ExtensionOf(path);
     const auto* found = std::find_if(std::begin(kContainers), std::end(kContainers),
                                      [&extension](const Container& c) { return extension == c.extension; });
     return found == std::end(kContainers) ? nullptr : found;

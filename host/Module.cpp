@@ -113,7 +113,7 @@ fs::path Module::DataFile(const std::string& name) const {
     };
     for (const fs::path& folder : folders) {
         std::error_code error;
-        const fs::path file = fs::canonical(folder / name, error);
+        fs::path file = fs::canonical(folder / name, error);
         if (!error && IsFile(file)) return file;
     }
     return {};

@@ -4,14 +4,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 
 #include "Errors.h"
 
 namespace host {
 
-OutputFile::OutputFile(const std::string& path) : path_(path), partPath_(path + ".part") {
+OutputFile::OutputFile(const std::string& path) : path_(path) {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) {
         if (S_ISDIR(status.st_mode)) throw Failure("cannot write {}: it is a directory", path);
@@ -19,7 +22,13 @@ OutputFile::OutputFile(const std::string& path) : path_(path), partPath_(path + 
         if (!S_ISREG(status.st_mode)) throw Failure("cannot write {}: it is not a regular file", path);
         if (access(path.c_str(), W_OK) != 0) throw Failure("cannot write {}: {}", path, SystemText(errno));
     }
-    descriptor_ = open(partPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    // A name that is taken belongs to somebody: to another program, or to one that was killed.
+    constexpr int kAttempts = 100;
+    for (int i = 1; i <= kAttempts; ++i) {
+        partPath_ = i == 1 ? path + ".part" : fmt::format("{}.part{}", path, i);
+        descriptor_ = open(partPath_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor_ >= 0 || errno != EEXIST) break;
+    }
     if (descriptor_ < 0) throw Failure("cannot write {}: {}", path, SystemText(errno));
 }
 
@@ -43,6 +52,13 @@ void OutputFile::Commit() {
     }
     close(descriptor_);
     descriptor_ = -1;
+}
+
+std::string ExtensionOf(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension;
 }
 
 int WriteAll(int descriptor, const void* bytes, size_t size) {

@@ -7,8 +7,8 @@
 
 namespace host {
 
-/// Writes go to a file of another name beside the wanted one. `Commit` gives it its name; if that does not
-/// come to pass, it is removed.
+/// Writes go to a new file beside the wanted one, with ".part" after its name. `Commit` gives it its name; if
+/// that does not come to pass, it is removed.
 class OutputFile {
   public:
     /// Throws Failure when the file cannot be written.
@@ -32,6 +32,9 @@ class OutputFile {
     std::string partPath_;
     int descriptor_ = -1;
 };
+
+/// ".mp4" of "Holiday.MP4".
+std::string ExtensionOf(const std::string& path);
 
 /// Writes all of it; the result is 0 or an errno value.
 int WriteAll(int descriptor, const void* bytes, size_t size);

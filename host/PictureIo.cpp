@@ -1,8 +1,6 @@
 #include "PictureIo.h"
 
 #include <algorithm>
-#include <cctype>
-#include <filesystem>
 
 namespace host {
 namespace {
@@ -13,6 +11,8 @@ struct PictureFormat {
     AVPixelFormat pixels;
 };
 
+constexpr int kQuality = 2;  // of a JPEG: nearly the best
+
 constexpr PictureFormat kFormats[] = {
     {".png", AV_CODEC_ID_PNG, AV_PIX_FMT_RGB24},
     {".jpg", AV_CODEC_ID_MJPEG, AV_PIX_FMT_YUVJ420P},
@@ -20,9 +20,7 @@ constexpr PictureFormat kFormats[] = {
 };
 
 const PictureFormat* FormatOf(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string extension = ExtensionOf(path);
     const auto* found =
         std::find_if(std::begin(kFormats), std::end(kFormats),
                      [&extension](const PictureFormat& f) { return extension == f.extension; });
@@ -40,7 +38,6 @@ PacketPtr Encode(const AVFrame& picture, const PictureFormat& format, const std:
     encoder->pix_fmt = format.pixels;
     encoder->time_base = {1, 1};
     encoder->flags |= AV_CODEC_FLAG_QSCALE | AV_CODEC_FLAG_BITEXACT;
-    constexpr int kQuality = 2;  // of a JPEG: nearly the best
     encoder->global_quality = kQuality * FF_QP2LAMBDA;
     encoder->thread_count = 1;
     PacketPtr packet = NewPacket();
@@ -83,7 +80,7 @@ void PictureOutput::Write(const Frame& frame) {
     const AVFramePtr picture = NewAVFrame(frame.Width(), frame.Height(), format.pixels);
     if (av_frame_copy(picture.get(), &converted) < 0) throw Failure("cannot encode {}", file_.Path());
     picture->pts = 0;
-    picture->quality = 2 * FF_QP2LAMBDA;
+    picture->quality = kQuality * FF_QP2LAMBDA;
     encoded_ = Encode(*picture, format, file_.Path());
 }
 

@@ -27,8 +27,9 @@ class Progress {
     Clock::time_point shown_{};
 };
 
-/// The line: "[#####.....]  60/120 frames, 30.0 fps, 0:02 left".
-std::string ProgressLine(int64_t frames, int64_t total, double seconds);
+/// The line: "[#####.....] 60/120 frames, 30.0 fps, 0:02 left". Without the bar when the terminal has too few
+/// columns for it, and cut off where even that is too long: a line that wraps cannot be drawn over.
+std::string ProgressLine(int64_t frames, int64_t total, double seconds, size_t columns = 80);
 
 }  // namespace host
 

@@ -67,13 +67,8 @@ void PaintDisc(double centreX, double centreY, double radius, int width, int hei
 }  // namespace
 
 TestScene::TestScene(const InputOptions& options, const Notes& notes) {
-    const Size wanted = options.size.value_or(kDefaultSize);
     stream_.kind = InputKind::Scene;
-    stream_.size = EvenSize(wanted);
-    if (stream_.size != wanted) {
-        notes.Add("{}x{} becomes {}x{}: sides have to be even", wanted.width, wanted.height,
-                  stream_.size.width, stream_.size.height);
-    }
+    stream_.size = EvenSize(options.size.value_or(kDefaultSize), notes);
     stream_.colorSpace = AVCOL_SPC_SMPTE170M;
     drawn_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
 }

@@ -22,9 +22,14 @@ int64_t StreamInfo::TicksPerFrame() const {
     return std::max<int64_t>(av_rescale_q(1, av_inv_q(frameRate), timeBase), 1);
 }
 
-Size EvenSize(Size size) {
+Size EvenSize(Size wanted, const Notes& notes) {
     const auto even = [](int side) { return std::max(side & ~1, 2); };
-    return {even(size.width), even(size.height)};
+    const Size size{even(wanted.width), even(wanted.height)};
+    if (size != wanted) {
+        notes.Add("{}x{} becomes {}x{}: sides have to be even", wanted.width, wanted.height, size.width,
+                  size.height);
+    }
+    return size;
 }
 
 bool IsDevice(const std::string& path) {

@@ -13,6 +13,9 @@
 
 namespace host {
 
+/// The longest side that an effect can be configured for.
+inline constexpr int kLargestSide = 16384;
+
 struct Size {
     int width;
     int height;
@@ -76,8 +79,8 @@ struct InputOptions {
 std::unique_ptr<VideoInput> OpenInput(const std::string& name, const InputOptions& options,
                                       const Notes& notes);
 
-/// The even size nearest below, at least 2x2.
-Size EvenSize(Size size);
+/// The even size nearest below, at least 2x2, with a note when that is another one.
+Size EvenSize(Size wanted, const Notes& notes);
 
 /// Whether `path` is a character device.
 bool IsDevice(const std::string& path);

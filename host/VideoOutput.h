@@ -22,9 +22,6 @@ enum class OutputKind {
 /// By the name alone. Throws UsageError for a name that says nothing of the kind.
 OutputKind KindOfOutput(const std::string& name);
 
-/// The reader at the other end of a pipe has had enough.
-class ReaderGone : public std::exception {};
-
 class VideoOutput {
   public:
     virtual ~VideoOutput() = default;

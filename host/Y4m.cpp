@@ -2,8 +2,9 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <string_view>
+
+#include "StandardOutput.h"
 
 namespace host {
 namespace {
@@ -39,7 +40,7 @@ std::string Y4mHeader(const StreamInfo& stream) {
 }
 
 bool IsY4mName(const std::string& path) {
-    return path.ends_with(".y4m");
+    return ExtensionOf(path) == ".y4m";
 }
 
 Y4mPipe::Y4mPipe(const StreamInfo& stream) {
@@ -47,17 +48,11 @@ Y4mPipe::Y4mPipe(const StreamInfo& stream) {
         throw UsageError("standard output is a terminal; pipe it into a player or an encoder");
     }
     const std::string header = Y4mHeader(stream);
-    WriteBytes(header.data(), header.size());
+    WriteStandardOutput(header.data(), header.size());
 }
 
 void Y4mPipe::Write(const Frame& frame) {
-    WriteFrame(frame, converter_, [this](const void* bytes, size_t size) { WriteBytes(bytes, size); });
-}
-
-void Y4mPipe::WriteBytes(const void* bytes, size_t size) {
-    const int error = WriteAll(STDOUT_FILENO, bytes, size);
-    if (error == EPIPE) throw ReaderGone();
-    if (error != 0) throw Failure("cannot write to standard output: {}", SystemText(error));
+    WriteFrame(frame, converter_, WriteStandardOutput);
 }
 
 Y4mFile::Y4mFile(const std::string& path, const StreamInfo& stream) : file_(path) {

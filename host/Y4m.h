@@ -21,8 +21,6 @@ class Y4mPipe : public VideoOutput {
     void Finish() override {}
 
   private:
-    void WriteBytes(const void* bytes, size_t size);
-
     Converter converter_;
 };
 

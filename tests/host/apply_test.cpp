@@ -39,7 +39,7 @@ Frame SceneFrame(int64_t number, int width, int height) {
 // ---- outputs ----
 
 TEST_F(ApplyTest, WritesEachContainer) {
-    for (const std::string name : {"out.mp4", "out.mkv", "out.webm", "OUT.MP4"}) {
+    for (const std::string name : {"out.mp4", "out.mkv", "out.webm", "OUT.MP4", "OUT.Y4M"}) {
         const Outcome outcome =
             RunFake({"apply", "-e", "fire:Level=7", "test:", name, "--frames", "12", "--size", "96x64"});
         ExpectSuccess(outcome);
@@ -159,6 +159,13 @@ TEST_F(ApplyTest, EndsQuietlyWhenTheReaderGoes) {
     EXPECT_EQ(outcome.error, "");
 }
 
+TEST_F(ApplyTest, EndsQuietlyWhenTheReaderIsGoneFromTheBeginning) {
+    const Outcome outcome =
+        Shell("(sleep 0.3; exec $P apply $F -e sepia test: - --size 96x64) | true; exit ${PIPESTATUS[0]}");
+    ExpectSuccess(outcome);
+    EXPECT_EQ(outcome.error, "");
+}
+
 TEST_F(ApplyTest, TurnsWhatACameraHeldSidewaysTook) {
     MakeClip(Path("upright.mp4"), {});
     MakeClip(Path("turned.mp4"), {.rotation = 90});
@@ -177,7 +184,7 @@ TEST_F(ApplyTest, ScalesOddSizesToEvenOnes) {
     MakeClip(Path("odd.mkv"), {.width = 97, .height = 65});
     const Outcome outcome = RunFake({"apply", "-e", "sepia", "odd.mkv", "out.mkv", "--frames", "2"});
     ExpectSuccess(outcome);
-    EXPECT_NE(outcome.error.find("note: 97x65 is scaled to 96x64"), std::string::npos) << outcome.error;
+    EXPECT_NE(outcome.error.find("note: 97x65 becomes 96x64"), std::string::npos) << outcome.error;
     EXPECT_EQ(FirstFrameOf(Path("out.mkv")).Width(), 96);
     EXPECT_EQ(FirstFrameOf(Path("out.mkv")).Height(), 64);
     EXPECT_EQ(RunFake({"apply", "-e", "sepia", "odd.mkv", "out.mkv", "--quiet"}).error, "");
@@ -185,11 +192,12 @@ TEST_F(ApplyTest, ScalesOddSizesToEvenOnes) {
 
 TEST_F(ApplyTest, ScalesToTheSizeAskedFor) {
     MakeClip(Path("in.mkv"), {});
-    for (const std::string input : {"in.mkv", "test:", kPortrait.c_str()}) {
+    for (const std::string& input :
+         {std::string("in.mkv"), std::string("test:"), kPortrait, "still:" + kPortrait}) {
         const Outcome outcome =
             RunFake({"apply", "-e", "sepia", input, "out.y4m", "--frames", "2", "--size", "51x33"});
         ExpectSuccess(outcome);
-        EXPECT_NE(outcome.error.find("50x32"), std::string::npos) << outcome.error;
+        EXPECT_EQ(outcome.error, "specialeffects: note: 51x33 becomes 50x32: sides have to be even\n");
         const Frame frame = FirstFrameOf(Path("out.y4m"));
         EXPECT_EQ(frame.Width(), 50);
         EXPECT_EQ(frame.Height(), 32);
@@ -349,8 +357,8 @@ class InterruptTest : public ApplyTest {
 };
 
 TEST_F(InterruptTest, FinishesTheFile) {
-    for (const int signal : {SIGINT, SIGTERM}) {
-        const std::string name = signal == SIGINT ? "int.mp4" : "term.mkv";
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const std::string name = signal == SIGINT ? "int.mp4" : signal == SIGTERM ? "term.mkv" : "hup.webm";
         Child child(
             Command({"apply", "-e", "sepia", "test:", name, "--frames", "1000000", "--size", "96x64"}),
             directory_);
@@ -361,6 +369,14 @@ TEST_F(InterruptTest, FinishesTheFile) {
         ExpectSuccess(outcome);
         EXPECT_GT(Frames(name).size(), 0u);
     }
+}
+
+TEST_F(InterruptTest, DoesNotMindAClosedTerminalUnderNohup) {
+    const Outcome outcome = Shell(
+        "nohup $P apply $F -e sepia test: out.y4m --frames 2000 --size 96x64 2> error.txt & "
+        "while [ ! -e out.y4m.part ]; do sleep 0.02; done; kill -HUP $!; wait $!");
+    ExpectSuccess(outcome);
+    EXPECT_EQ(Frames("out.y4m").size(), 2000u);
 }
 
 TEST_F(InterruptTest, EndsAWaitForInput) {

@@ -6,6 +6,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstdlib>
 #include <filesystem>
 
 #include "Clips.h"
@@ -89,6 +91,13 @@ TEST_F(BadInputTest, VideoCutShort) {
     const size_t count = FramesOf(Path("out.mp4")).size();
     EXPECT_GT(count, 15u);
     EXPECT_LT(count, 60u);
+    // With sound the streams need not be of one length.
+    MakeClip(Path("sound.mkv"), {.frames = 60, .sound = AV_CODEC_ID_AAC});
+    EXPECT_EQ(RunFake({"apply", "-e", "sepia", "sound.mkv", "out.mp4"}).error, "");
+    Cut("sound.mkv", "cut.mkv", 0.5);
+    const Outcome withSound = RunFake({"apply", "-e", "sepia", "cut.mkv", "out.mp4"});
+    ExpectSuccess(withSound);
+    EXPECT_NE(withSound.error.find("note: cut.mkv: cut short, 1."), std::string::npos) << withSound.error;
     // The index of this one stood at its end.
     std::filesystem::remove(Path("out.mp4"));
     ExpectInputError("cut.mp4", "cut.mp4 is no video or picture that can be read, or is cut short");
@@ -148,6 +157,26 @@ TEST_F(BadInputTest, OlderOutputSurvivesAFailure) {
     EXPECT_EQ(Read("out.mp4"), "precious");
 }
 
+TEST_F(BadInputTest, AFileThatOnlyLooksHalfWrittenIsLeftAlone) {
+    Write("out.mp4.part", "precious");
+    ExpectSuccess(RunFake({"apply", "-e", "sepia", "test:", "out.mp4", "--frames", "3"}));
+    EXPECT_EQ(Read("out.mp4.part"), "precious");
+    EXPECT_EQ(FramesOf(Path("out.mp4")).size(), 3u);
+    std::filesystem::remove(Path("out.mp4.part"));
+}
+
+TEST_F(BadInputTest, AnInputThatSomebodyWouldHaveToType) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(terminal, 0);
+    ASSERT_EQ(grantpt(terminal), 0);
+    ASSERT_EQ(unlockpt(terminal), 0);
+    std::array<char, 64> name{};
+    ASSERT_EQ(ptsname_r(terminal, name.data(), name.size()), 0);
+    ExpectError(RunFake({"apply", "-e", "sepia", "-", "out.mp4"}, {.input = name.data()}), 2,
+                "standard input is a terminal; pipe a video into it, or name a file");
+    close(terminal);
+}
+
 // ---- no room ----
 
 TEST_F(BadInputTest, FileThatMayNotGrow) {
@@ -163,6 +192,14 @@ TEST_F(BadInputTest, FileThatMayNotGrow) {
 TEST_F(BadInputTest, FullPipe) {
     ExpectError(RunFake({"apply", "-e", "sepia", "test:", "-"}, {.output = "/dev/full"}), 1,
                 "cannot write to standard output: No space left on device");
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"list"},
+                                                    {"list", "--json"},
+                                                    {"info", "sepia"},
+                                                    {"info", "sepia", "--json"},
+                                                    {"bench", "sepia", "--size", "64x48"}}) {
+        ExpectError(RunFake(command, {.output = "/dev/full"}), 1,
+                    "cannot write to standard output: No space left on device");
+    }
 }
 
 // Runs the program in a file system of its own with 64 kilobytes, which only it sees. Beside the mount point
@@ -274,9 +311,26 @@ TEST_F(BadInputTest, OptionsThatDoNotGoTogether) {
                 "\"huge\" is no size; it is written as 640x480");
     ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--size", "20000x20"}), 2,
                 "out of range; sides go from 2 to 16384");
+    for (const std::string number : {"0", "-3", "2.5", "many", "99999999999999999999"}) {
+        ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--frames", number}), 2,
+                    "--frames: a whole number from 1 to 1000000000 is wanted, not \"" + number + "\"");
+    }
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--seed", "-1"}), 2,
+                "--seed: a whole number from 0 to 4294967295 is wanted, not \"-1\"");
     ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv"}), 2, "OUTPUT is required");
-    ExpectError(RunFake({"apply", "in.mkv", "out.mkv"}), 2, "--effect is required");
-    ExpectError(RunFake({"aply", "in.mkv", "out.mkv"}), 2, "--help");
+    ExpectError(RunFake({"apply", "-e", "sepia", "in.mkv", "out.mkv", "out2.mkv"}), 2,
+                "argument was not expected: out2.mkv");
+    ExpectError(RunFake({"aply", "in.mkv", "out.mkv"}), 2,
+                "there is no command \"aply\"; there are list, info, apply and bench");
+    ExpectError(Child({SE_PROGRAM}, directory_).Wait(), 2, "a command is missing; there are list");
+}
+
+TEST_F(BadInputTest, NoEffect) {
+    const std::string advice =
+        "no effect is named; it goes behind -e, as in \"specialeffects apply -e sepia INPUT OUTPUT\"";
+    ExpectError(RunFake({"apply", "test:", "out.mkv"}), 2, advice);
+    ExpectError(RunFake({"apply", "sepia", "test:", "out.mkv"}), 2, advice);
+    EXPECT_FALSE(Exists("out.mkv"));
 }
 
 TEST_F(BadInputTest, NoModule) {

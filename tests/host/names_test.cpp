@@ -96,6 +96,9 @@ TEST(EffectNames, SuggestTheNearest) {
     EXPECT_NE(MessageOf("sktch-2").find("did you mean sketch-2"), std::string::npos);
     EXPECT_NE(MessageOf("camera").find("camera-flashes-1"), std::string::npos)
         << "a beginning counts as near";
+    EXPECT_NE(MessageOf("pencil").find("did you mean colored-pencil?"), std::string::npos)
+        << "and so does any other piece";
+    EXPECT_NE(MessageOf("blur").find("motion-blur-0, motion-blur-1"), std::string::npos);
     EXPECT_NE(MessageOf("zzzzzzzzzzzzzzzz").find("list --all"), std::string::npos);
     EXPECT_LE(NearestNames("camera-flashes").size(), 3u);
 }

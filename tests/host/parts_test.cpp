@@ -78,6 +78,11 @@ TEST(Converter, HandsBackWhatIsRightAlready) {
     EXPECT_NE(&converter.Convert(*view, 16, 16, AV_PIX_FMT_RGB24), view.get());
 }
 
+TEST(NewAVFrame, TellsASizeThatIsTooLargeFromAShortageOfMemory) {
+    EXPECT_THROW(NewAVFrame(16384, 16384, AV_PIX_FMT_RGB24), Failure);
+    EXPECT_EQ(NewAVFrame(16384, 2, AV_PIX_FMT_RGB24)->width, 16384);
+}
+
 TEST(Converter, KnowsTheRangesOfLuma) {
     Frame frame(16, 16, kFormatPlanar);
     std::fill_n(frame.Plane(0), 256, uint8_t{16});
@@ -133,6 +138,14 @@ TEST(ProgressLine, TellsFramesRateAndTimeLeft) {
     EXPECT_EQ(ProgressLine(0, 120, 0), "[..............................] 0/120 frames, 0.0 fps");
 }
 
+TEST(ProgressLine, FitsIntoTheTerminal) {
+    const std::string whole = ProgressLine(60, 120, 2);
+    EXPECT_EQ(ProgressLine(60, 120, 2, whole.size()), whole);
+    EXPECT_EQ(ProgressLine(60, 120, 2, whole.size() - 1), "60/120 frames, 30.0 fps, 0:02 left");
+    EXPECT_EQ(ProgressLine(60, 120, 2, 13), "60/120 frames");
+    EXPECT_EQ(ProgressLine(60, 0, 2, 9), "60 frames");
+}
+
 TEST(Y4m, BeginsWithTheStream) {
     StreamInfo stream;
     stream.size = {320, 240};
@@ -141,8 +154,8 @@ TEST(Y4m, BeginsWithTheStream) {
 }
 
 TEST(EvenSize, RoundsDownButNotToNothing) {
-    EXPECT_EQ(EvenSize({641, 480}), (Size{640, 480}));
-    EXPECT_EQ(EvenSize({1, 3}), (Size{2, 2}));
+    EXPECT_EQ(EvenSize({641, 480}, Notes(true)), (Size{640, 480}));
+    EXPECT_EQ(EvenSize({1, 3}, Notes(true)), (Size{2, 2}));
 }
 
 class OutputFileTest : public ProgramTest {};

@@ -140,6 +140,17 @@ TEST_F(ReportTest, BenchHasALineForEachEffect) {
     EXPECT_GT(ratio, 0);
 }
 
+TEST_F(ReportTest, BenchWritesJson) {
+    const json bench = Json({"bench", "gray-scale", "sepia", "--size", "65x48", "--json"});
+    ASSERT_EQ(bench.size(), 2u);
+    EXPECT_EQ(bench[1]["effect"], "sepia");
+    EXPECT_EQ(bench[1]["width"], 64);
+    EXPECT_EQ(bench[1]["height"], 48);
+    const double milliseconds = bench[1]["milliseconds"], copy = bench[1]["memcpyMilliseconds"];
+    EXPECT_GT(milliseconds, 0);
+    EXPECT_DOUBLE_EQ(bench[1]["ratio"], milliseconds / copy);
+}
+
 TEST_F(ReportTest, BenchTakesProperties) {
     ExpectSuccess(RunFake({"bench", "fire:Level=2", "--size", "64x48"}));
     ExpectError(RunFake({"bench", "fire:Nothing=2", "--size", "64x48"}), 2, "has no property \"Nothing\"");
@@ -156,6 +167,16 @@ TEST_F(ReportTest, HelpAndVersionAreAnswers) {
         EXPECT_NE(outcome.out, "");
         EXPECT_EQ(outcome.error, "");
     }
+}
+
+TEST_F(ReportTest, ListEndsQuietlyWhenTheReaderGoes) {
+    const Outcome outcome = Child({"/bin/bash", "-c",
+                                   "(sleep 0.3; exec '" SE_PROGRAM "' list --module '" SE_FAKE_MODULE
+                                   "') | true; exit ${PIPESTATUS[0]}"},
+                                  directory_)
+                                .Wait();
+    ExpectSuccess(outcome);
+    EXPECT_EQ(outcome.error, "");
 }
 
 TEST_F(ReportTest, TheProgramFindsTheModuleByItself) {
