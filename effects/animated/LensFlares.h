@@ -6,7 +6,7 @@
 #include "effects/animated/AnimationObjects.h"
 
 /// The types of flare; another number makes a flare with empty frames, which nobody sees.
-enum FlareType : int32_t {
+enum FlareLook : int32_t {
     kPlainGlow = 1,     ///< plain round glow
     kGlare = 2,         ///< sharp point with a wide halo
     kRaggedStar = 3,    ///< a random spike count at each degree

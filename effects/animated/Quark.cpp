@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr uint32_t kSlots = 16;
+
 /// Pixels that are picked together while the slots pass by.
 constexpr size_t kBlock = 128;
 
@@ -18,7 +20,7 @@ SE_MULTIVERSION void PickSlots(const uint8_t* SE_RESTRICT history, const uint8_t
     for (; start + kBlock <= count; start += kBlock) {
         const uint8_t* const past = history + start;
         uint8_t pixel[kBlock] = {};
-        for (size_t k = 0; k < 16; ++k) {
+        for (size_t k = 0; k < kSlots; ++k) {
             for (size_t i = 0; i < kBlock; ++i) {
                 const uint8_t mask = slot[start + i] == static_cast<uint8_t>(k) ? 255 : 0;
                 pixel[i] = static_cast<uint8_t>(pixel[i] | (past[k * count + i] & mask));
@@ -40,7 +42,7 @@ void CQuarkSpecialEffectFilter::Prepare() {
     HistoryU.assign(kSlots * chroma, 0);
     HistoryV.assign(kSlots * chroma, 0);
     Noise.resize(2 * luma);
-    for (uint8_t& slot : Noise) slot = static_cast<uint8_t>(std::rand() % 16);
+    for (uint8_t& slot : Noise) slot = static_cast<uint8_t>(std::rand() % int{kSlots});
     HalfNoise.resize(luma / 2);
     for (size_t i = 0; i < HalfNoise.size(); ++i) HalfNoise[i] = Noise[4 * i];
 }

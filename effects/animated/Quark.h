@@ -18,7 +18,6 @@ class CQuarkSpecialEffectFilter final : public PlanarEffect<CQuarkSpecialEffectF
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    static constexpr uint32_t kSlots = 16;
     /// 16 planes, one behind the other.
     using History = std::vector<uint8_t>;
 

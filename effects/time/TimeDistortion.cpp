@@ -29,16 +29,15 @@ SE_MULTIVERSION uint8_t Differences(const uint8_t* SE_RESTRICT a, const uint8_t*
     return largest;
 }
 
-/// Calls `reach(i, frame)` for every pixel that has changed, with the number of the frame that it reaches
-/// back to. A delay of 32 and more wraps round the ring.
+/// Calls `reach(i, delay)` for every pixel that has changed, with the number of frames that it reaches back.
 template <class Reach>
-void ForEachChange(const CPlane8u& average, const CPlane8u& luma, uint32_t frameCount, Reach reach) {
+void ForEachChange(const CPlane8u& average, const CPlane8u& luma, Reach reach) {
     uint8_t difference[kBlock];
     for (size_t start = 0; start < luma.Size(); start += kBlock) {
         const size_t count = std::min(kBlock, luma.Size() - start);
         if (Differences(average.data + start, luma.data + start, difference, count) <= kStill) continue;
         for (size_t k = 0; k < count; ++k) {
-            if (difference[k] > kStill) reach(start + k, (frameCount - difference[k] / 4U) % 32U);
+            if (difference[k] > kStill) reach(start + k, difference[k] / 4U);
         }
     }
 }
@@ -85,11 +84,12 @@ void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     }
     ResizePlane(y, SmallLuma);
     ResizePlane(Average, SmallAverage);
-    ForEachChange(Average, y, FrameCount,
-                  [&](size_t i, uint32_t past) { y.data[i] = HistoryY[past].data[i]; });
-    ForEachChange(SmallAverage, SmallLuma, FrameCount, [&](size_t i, uint32_t past) {
-        u.data[i] = HistoryU[past].data[i];
-        v.data[i] = HistoryV[past].data[i];
+    // Delays that are longer than the ring wrap round it.
+    const auto past = [now = FrameCount](uint32_t delay) { return (now - delay) % kRing; };
+    ForEachChange(Average, y, [&](size_t i, uint32_t delay) { y.data[i] = HistoryY[past(delay)].data[i]; });
+    ForEachChange(SmallAverage, SmallLuma, [&](size_t i, uint32_t delay) {
+        u.data[i] = HistoryU[past(delay)].data[i];
+        v.data[i] = HistoryV[past(delay)].data[i];
     });
     ++FrameCount;
 }
