@@ -121,6 +121,14 @@ TEST(MovingTwirl, TurnsBackWhereThePhasePassesPi) {
     }
     EXPECT_EQ(FirstDifference(results[21], results[23]), "");
     EXPECT_NE(FirstDifference(results[22], results[23]), "");
+
+    // On its way back, `Configure` sets it forth again: one frame alone could not tell.
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    for (size_t i = 0; i < 2; ++i) {
+        TestFrame again = scene;
+        ASSERT_EQ(effect.Process(again), kSuccess);
+        EXPECT_EQ(FirstDifference(again, results[i]), "") << i;
+    }
 }
 
 TEST(MovingTwirl, LeavesWhatLiesOutsideTheDisc) {

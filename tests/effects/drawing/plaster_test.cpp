@@ -179,6 +179,28 @@ TEST(Plaster, ShadesNothingButTheSlope) {
     }
 }
 
+/// The limit of 40 stays where it is while the dark part covers 15 to 70 percent, both included. Of 50 by 24
+/// pixels one dark column makes 20, after the mean, which makes a dark block two columns smaller at each
+/// side.
+TEST(Plaster, MovesTheLimitBeyondFifteenAndSeventyPercent) {
+    struct Case {
+        int darkColumns;
+        uint8_t probe;  // a grey that the next frame shows dark or flat, according to the limit
+        int shade;
+    };
+    for (const auto& [darkColumns, probe, shade] :
+         {Case{8, 41, 30}, {9, 41, 66}, {9, 40, 30}, {42, 41, 66}, {42, 40, 30}, {43, 40, 66}}) {
+        EffectDriver effect(kGuid);
+        ASSERT_EQ(effect.Configure(50, 24), kSuccess);
+        TestFrame frame(50, 24), next(50, 24);
+        for (int i = 0; i < 50 * 24; ++i) frame.y()[i] = i % 50 < darkColumns + 4 ? 0 : 255;
+        ASSERT_EQ(effect.Process(frame), kSuccess);
+        next.Fill(probe, 1, 2);
+        ASSERT_EQ(effect.Process(next), kSuccess);
+        EXPECT_EQ(next.y()[12 * 50 + 25], shade) << darkColumns << " columns, then " << int{probe};
+    }
+}
+
 /// The limit starts anew at every `Configure`.
 TEST(Plaster, ForgetsTheLimitAtConfigure) {
     EffectDriver effect(kGuid);
