@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "effects/distortion/HallwayVision.h"
 #include "imaging/Prim.h"
 #include "tests/support/SideBySide.h"
 
@@ -160,6 +161,13 @@ TEST_P(HallwayVision, KeepsAFlatPictureFlat) {
     TestFrame frame = TestFrame(64, 48).Fill(77, 88, 99);
     ASSERT_EQ(effect.Process(frame), kSuccess);
     EXPECT_EQ(FirstDifference(frame, TestFrame(64, 48).Fill(77, 88, 99)), "");
+}
+
+TEST(HallwayVisionVariants, AreTheSmoothOneAndAnyOther) {
+    for (const int variant : {1, 2, 0, 7, -1}) {
+        EffectDriver effect = EffectDriver::Of<CHallwayVisionSpecialEffectFilter>(variant);
+        ExpectEqualsModel(effect, [=](int w, int h) { return HallwayModel(variant != 1, w, h); }, {{64, 48}});
+    }
 }
 
 TEST_P(HallwayVision, RebuildsItsTablesForAnotherSize) {

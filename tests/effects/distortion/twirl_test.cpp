@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "effects/distortion/Twirl.h"
 #include "tests/support/SideBySide.h"
 
 namespace {
@@ -9,9 +10,10 @@ namespace {
 constexpr const char* kDiscGuid = "{31C0857C-39B7-47C5-A30D-5E7EA39D66A6}";
 constexpr const char* kWholeGuid = "{D4BD349A-13D3-45F2-8C4C-880E9D2E6280}";
 
+constexpr double kAngle = 1.15;  // of both effects in the catalogue
+
 /// The source of each pixel of one plane. `mode` 0 is the disc, 1 the whole frame.
-std::vector<int> TwirlMap(int mode, int w, int h) {
-    constexpr double kAngle = 1.15;
+std::vector<int> TwirlMap(int mode, int w, int h, double angle) {
     std::vector<int> map;
     const int hw = w / 2, hh = h / 2;
     for (int y = 0; y < h; ++y) {
@@ -22,14 +24,14 @@ std::vector<int> TwirlMap(int mode, int w, int h) {
             if (mode == 0) {
                 const double R = hh;
                 if (r < R) {
-                    const double t = atan2(dy, dx) + (R - r) * kAngle / R;
+                    const double t = atan2(dy, dx) + (R - r) * angle / R;
                     index = static_cast<int>(trunc(sin(t) * r + R)) * w +
                             static_cast<int>(trunc(cos(t) * r + hw));
                 }
             } else {
                 const double R = sqrt(static_cast<double>(hw) * hw + static_cast<double>(hh) * hh);
                 if (R > 0) {
-                    const double t = atan2(dy, dx) + (R - r) * kAngle / R;
+                    const double t = atan2(dy, dx) + (R - r) * angle / R;
                     index = static_cast<int>(trunc(sin(t) * r + hh)) * w +
                             static_cast<int>(trunc(cos(t) * r + hw));
                 }
@@ -43,7 +45,8 @@ std::vector<int> TwirlMap(int mode, int w, int h) {
 struct TwirlModel {
     std::vector<int> luma, chroma;
 
-    TwirlModel(int mode, int w, int h) : luma(TwirlMap(mode, w, h)), chroma(TwirlMap(mode, w / 2, h / 2)) {}
+    TwirlModel(int mode, int w, int h, double angle = kAngle)
+        : luma(TwirlMap(mode, w, h, angle)), chroma(TwirlMap(mode, w / 2, h / 2, angle)) {}
     void operator()(TestFrame& frame) const {
         const TestFrame before = frame;
         for (int p = 0; p < 3; ++p) {
@@ -107,6 +110,16 @@ TEST_P(Twirl, RebuildsItsTablesForAnotherSize) {
     }
 }
 
+TEST(TwirlVariants, AreTheDiscAndAnyOtherWithTheirOwnAngles) {
+    for (const auto& [variant, mode] : {std::pair{1, 0}, {2, 1}, {0, 1}, {7, 1}, {-1, 1}}) {
+        for (const double angle : {0.0, 0.4, -3.0}) {
+            EffectDriver effect = EffectDriver::Of<CTwirlSpecialEffectFilter>(variant, angle);
+            ExpectEqualsModel(
+                effect, [&, mode = mode](int w, int h) { return TwirlModel(mode, w, h, angle); }, {{64, 48}});
+        }
+    }
+}
+
 TEST(TwirlDisc, LeavesWhatLiesOutside) {
     EffectDriver effect(kDiscGuid);
     ASSERT_EQ(effect.Configure(320, 240), kSuccess);
@@ -128,7 +141,7 @@ TEST(TwirlDisc, LeavesWhatLiesOutside) {
 }
 
 TEST(TwirlWhole, HardlyTurnsTheCorners) {
-    const std::vector<int> map = TwirlMap(1, 320, 240);
+    const std::vector<int> map = TwirlMap(1, 320, 240, kAngle);
     EffectDriver effect(kWholeGuid);
     ASSERT_EQ(effect.Configure(320, 240), kSuccess);
     const TestFrame before = TestFrame(320, 240).Randomize(2);

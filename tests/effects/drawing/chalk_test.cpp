@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "effects/drawing/Chalk.h"
 #include "tests/effects/drawing/DrawingModels.h"
 
 namespace {
@@ -82,6 +83,14 @@ TEST(Chalk, EqualsItsModelOnTinyFrames) {
     EffectDriver inked(kInked), outline(kOutline);
     ExpectEqualsModel(inked, EveryFrame([](TestFrame& frame) { TonesModel(frame, true); }), kTinySizes);
     ExpectEqualsModel(outline, EveryFrame(OutlineModel), kTinySizes);
+}
+
+TEST(Chalk, AnyOtherVariantIsTheFirst) {
+    for (const int variant : {0, 4, -1}) {
+        EffectDriver effect = EffectDriver::Of<CChalkSpecialEffectFilter>(variant);
+        EXPECT_EQ(effect.Get("DrawEdges"), "FALSE");
+        ExpectEqualsModel(effect, EveryFrame([](TestFrame& frame) { TonesModel(frame, false); }), {{64, 48}});
+    }
 }
 
 /// The property, whenever it is set, makes either of the two tone variants the other one; on the outline it

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "effects/drawing/GraphicPen.h"
 #include "tests/effects/drawing/TonePageModel.h"
 
 namespace {
@@ -118,6 +119,13 @@ TEST(GraphicPen, EqualsItsModelOnTinyFramesWithoutColour) {
         ExpectEqualsModel(
             effect, ModelOf(variant, false),
             {{1, 1}, {1, 40}, {40, 1}, {2, 2}, {2, 9}, {3, 3}, {4, 5}, {5, 3}, {64, 2}, {127, 3}, {129, 5}});
+    }
+}
+
+TEST(GraphicPen, AnyOtherVariantIsTheFirst) {
+    for (const int variant : {0, 5, -1}) {
+        EffectDriver effect = EffectDriver::Of<CGraphicPenSpecialEffectFilter>(variant);
+        ExpectEqualsModel(effect, ModelOf(1), {{64, 48}});
     }
 }
 

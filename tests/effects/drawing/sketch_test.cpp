@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "effects/drawing/Sketch.h"
 #include "tests/effects/drawing/TonePageModel.h"
 
 namespace {
@@ -90,6 +91,13 @@ TEST(Sketch, EqualsItsModelOnTinyFrames) {
         ExpectEqualsModel(
             effect, ModelOf(variant),
             {{1, 1}, {1, 40}, {40, 1}, {2, 2}, {2, 9}, {3, 3}, {4, 5}, {5, 3}, {64, 2}, {127, 3}, {129, 5}});
+    }
+}
+
+TEST(Sketch, AnyOtherVariantIsTheFirst) {
+    for (const int variant : {0, 4, -1}) {
+        EffectDriver effect = EffectDriver::Of<CSketchSpecialEffectFilter>(variant);
+        ExpectEqualsModel(effect, ModelOf(1), {{64, 48}});
     }
 }
 
