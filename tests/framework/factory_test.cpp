@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <thread>
 #include <vector>
 
 #include "framework/Catalogue.h"
@@ -88,22 +87,6 @@ TEST(Factory, CountsReferencesFromZero) {
     uint32_t count = 0;
     EXPECT_EQ(two->EnumerateEffects(nullptr, &count), kSuccess);
     EXPECT_EQ(two->Release(), 0U);
-}
-
-TEST(Factory, IsFreedOnceByThreadsThatShareIt) {
-    // A second deletion shows under AddressSanitizer.
-    constexpr int kRounds = 100, kThreads = 4, kReferences = 64;
-    for (int round = 0; round < kRounds; ++round) {
-        ISpecialEffectFactory* const factory = CreateSpecialEffectFactory();
-        for (int i = 0; i < kThreads * kReferences; ++i) factory->AddRef();
-        std::vector<std::thread> threads;
-        for (int t = 0; t < kThreads; ++t) {
-            threads.emplace_back([factory] {
-                for (int i = 0; i < kReferences; ++i) factory->Release();
-            });
-        }
-        for (std::thread& thread : threads) thread.join();
-    }
 }
 
 TEST(Factory, EffectsOutliveIt) {
