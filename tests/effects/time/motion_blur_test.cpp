@@ -102,18 +102,23 @@ TEST(MotionBlurModes, AnotherModeChangesNothing) {
 }
 
 TEST(MotionBlurTrails, ABrightSpotStaysLit) {
-    // In the mode that keeps trails a spot that was there for a moment fades more slowly than a plain mean
-    // would let it: the brightest of three past frames counts three times.
+    // A flash of one frame: 4 parts of it, then 3 + 3 parts of what came out, then 3 of the frame before and
+    // 3 + 1 of the flash, which is brightest still. It lasts half as long again as without the brightest.
     EffectDriver effect(kTrails);
     ASSERT_EQ(effect.Configure(4, 4), kSuccess);
-    int lit = 0;
+    std::vector<int> shown;
     for (int i = 0; i < 40; ++i) {
         TestFrame frame(4, 4);
         frame.Fill(i == 6 ? 255 : 0, 128, 128);
         ASSERT_EQ(effect.Process(frame), kSuccess);
-        lit += i > 6 && frame.y()[0] > 0 ? 1 : 0;
+        shown.push_back(frame.y()[0]);
     }
-    EXPECT_GE(lit, 8);
+    EXPECT_EQ(shown[6], 4 * 255 / 13);
+    EXPECT_EQ(shown[7], 6 * 78 / 13);
+    EXPECT_EQ(shown[8], (3 * 36 + 4 * 78) / 13);
+    EXPECT_EQ(shown[9], (3 * 32 + 5 * 78 + 36) / 13);
+    EXPECT_GT(shown[27], 0);
+    EXPECT_EQ(shown[28], 0);
 }
 
 }  // namespace
