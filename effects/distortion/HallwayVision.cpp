@@ -101,7 +101,7 @@ void CHallwayVisionSpecialEffectFilter::Release() {
 }
 
 void CHallwayVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    GatherInPlace(IndexFull, frame.y, Scratch);
+    GatherInPlace(IndexFull, frame.y, Scratch);  // an empty map makes the copy that the warp reads
     LumaWarp.Apply(Scratch.data, frame.y.data);
     GatherInPlace(IndexHalf, frame.u, Scratch);
     GatherInPlace(IndexHalf, frame.v, Scratch);

@@ -4,14 +4,15 @@
 
 namespace {
 
-/// Turns a luma plane and its local mean into lines: the rise above the mean 16 times amplified, drawn dark,
-/// and everything paler than `kDarkLine` toned down to the colour of paper. Both planes receive the result.
+/// Turns a luma plane and its local mean into lines: the rise above the mean 16 times amplified, drawn dark.
+/// All that is not darker still is shaded a little, so that paper is not quite white. Both planes receive the
+/// result.
 SE_MULTIVERSION void DrawLines(uint8_t* SE_RESTRICT luma, uint8_t* SE_RESTRICT mean, size_t count) {
-    constexpr uint8_t kDarkLine = 30;
+    constexpr uint8_t kPaperShade = 30;
     for (size_t i = 0; i < count; ++i) {
         const auto rise = static_cast<uint8_t>(std::max(luma[i], mean[i]) - mean[i]);
         const auto line = static_cast<uint8_t>(rise < 16 ? 255 - 16 * rise : 0);
-        luma[i] = mean[i] = static_cast<uint8_t>(line > kDarkLine ? line - kDarkLine : line);
+        luma[i] = mean[i] = static_cast<uint8_t>(line > kPaperShade ? line - kPaperShade : line);
     }
 }
 
