@@ -75,7 +75,6 @@ int main(int argc, char** argv) {
         if (group == GROUPS) return usage();
         groups[group].run();
     }
-    report_missing();
     leave_scratch_directory(directory);
     free(library);
     return checks_result();

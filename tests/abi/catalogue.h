@@ -44,14 +44,8 @@ const char* start_value(const CatalogueRow* row, const PropertyRow* property);
 /* From the registry form without braces. */
 Guid parse_guid(const char* text);
 
-/*
- * Creates the effect of a row. While the row's effect is not built yet, returns null and counts the row as
- * missing; `report_missing` prints them.
- */
+/* Creates the effect of a row, or of the first row with a name. Ends the program where it does not create. */
 Effect* create_row(Factory* factory, const CatalogueRow* row);
 Effect* create_named(Factory* factory, const char* name);
-
-/* Prints what could not be created; where all effects have to be there (SE_ALL_EFFECTS) that is a failure. */
-void report_missing(void);
 
 #endif

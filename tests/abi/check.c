@@ -47,15 +47,6 @@ void end_check(void) {
     printf("\nFAILED: %s\n", name);
 }
 
-void note(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    printf("note: ");
-    vprintf(format, arguments);
-    printf("\n");
-    va_end(arguments);
-}
-
 int checks_result(void) {
     printf("%d checks, %d failed\n", checks, failed_checks);
     return failed_checks == 0 && checks > 0 ? 0 : 1;

@@ -15,9 +15,6 @@ void end_check(void);
 /* `expect` for a result that is one number, printed as a code. */
 bool expect_code(unsigned long long got, unsigned long long wanted, const char* what);
 
-/* A line that says what was not checked and why. */
-__attribute__((format(printf, 1, 2))) void note(const char* format, ...);
-
 /* Prints the totals; the program's exit code. */
 int checks_result(void);
 

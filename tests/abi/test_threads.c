@@ -64,8 +64,7 @@ static void run_wide_texts(Factory* factory, Random* random) {
 /* Every effect there is; what the pictures look like depends on the other threads' random numbers. */
 static void run_all_effects(Factory* factory, Random* random) {
     for (int i = 0; i < ROWS; ++i) {
-        Effect* effect = NULL;
-        if (create_effect(factory, parse_guid(catalogue[i].guid), 0, &effect) != SUCCESS) continue;
+        Effect* effect = create_row(factory, &catalogue[i]);
         Stream stream = {0, WIDTH, HEIGHT, PLANAR};
         expect_here(configure(effect, &stream) == SUCCESS);
         Planes planes;
