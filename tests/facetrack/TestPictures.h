@@ -2,12 +2,14 @@
 #ifndef SPECIALEFFECTS_TESTS_FACETRACK_TESTPICTURES_H
 #define SPECIALEFFECTS_TESTS_FACETRACK_TESTPICTURES_H
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "facetrack/FaceDetector.h"
 #include "imaging/Plane8u.h"
 #include "tests/support/TestFrame.h"
 
@@ -29,6 +31,19 @@ inline const CPlane8u& Portrait() {
 struct FacePlace {
     double x, y, size;
 };
+
+/// Whether a face that the detector saw in a picture turned upside down is the one at `place`: its centre is
+/// no further off than a fifth of its size.
+inline bool IsAt(const CFaceRect& face, const FacePlace& place, int32_t height) {
+    const double x = face.x + face.width / 2.0, y = height - (face.y + face.height / 2.0);
+    return face.width > 0 && std::hypot(x - place.x, y - place.y) <= place.size / 5;
+}
+
+/// Whether one of the faces of the detector's last cycle is the one at `place`.
+inline bool Holds(const CFaceDetector& detector, const FacePlace& place, int32_t height) {
+    return std::any_of(detector.Faces().begin(), detector.Faces().end(),
+                       [&](const CFaceRect& face) { return IsAt(face, place, height); });
+}
 
 /// The portrait on a canvas: scaled, mirrored left to right if asked, its middle moved by (dx, dy) of the
 /// canvas, edges repeated. `place` receives where the face then is.
