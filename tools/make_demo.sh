@@ -16,6 +16,8 @@ frames=90      # of each clip
 reel_start=1.4 # the part of each clip that the showreel takes, in seconds
 reel_frames=42 # and in frames
 made_from=("$build/libspecialeffects.so" "$program" "$portrait" "$source/tools/make_demo.sh")
+cascade=$build/share/specialeffects/haar.txt  # not there without opencv-data
+[ ! -e "$cascade" ] || made_from+=("$cascade")
 mkdir -p "$out/pictures" "$out/clips" "$out/work"
 out=$(realpath "$out")
 
