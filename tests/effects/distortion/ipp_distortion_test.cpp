@@ -65,8 +65,9 @@ TEST(IppDistortion, MovesFramesByTheTable) {
 }
 
 TEST(IppDistortion, TakesTheNearestPixelUpToTheLast) {
-    const float sources[] = {-0.001F, 0.0F, 0.49F, 0.5F, 1.49999F, 2.0F, 2.001F};
-    const uint8_t results[] = {0, 10, 10, 20, 20, 30, 0};
+    const float belowHalf = std::nextafter(0.5F, 0.0F);  // plus one half it is 1 in single precision
+    const float sources[] = {-0.001F, 0.0F, 0.49F, belowHalf, 0.5F, 1.49999F, 2.0F, 2.001F};
+    const uint8_t results[] = {0, 10, 10, 10, 20, 20, 30, 0};
     for (size_t i = 0; i < std::size(sources); ++i) {
         TableMaker maker = [&](float* xMap, float* yMap, int width, int height) {
             IdentityTable(xMap, yMap, width, height);
