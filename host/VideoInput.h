@@ -75,7 +75,8 @@ struct InputOptions {
 };
 
 /// `name` is a file, a camera (/dev/video0), "-" for standard input, "test:" for the built-in scene or
-/// "still:FILE" for a picture as seen by a hand-held camera. Throws Failure.
+/// "still:FILE" for a picture as seen by a hand-held camera. Throws Failure, and UsageError when standard
+/// input is a terminal.
 std::unique_ptr<VideoInput> OpenInput(const std::string& name, const InputOptions& options,
                                       const Notes& notes);
 

@@ -36,7 +36,8 @@ class VideoOutput {
     virtual void Finish() = 0;
 };
 
-/// Opens what `name` says for the frames of `input`. Throws Failure.
+/// Opens what `name` says for the frames of `input`. Throws Failure, and UsageError when standard output is a
+/// terminal.
 std::unique_ptr<VideoOutput> OpenOutput(const std::string& name, const VideoInput& input, const Notes& notes);
 
 }  // namespace host
