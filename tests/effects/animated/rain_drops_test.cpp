@@ -253,6 +253,42 @@ TEST(RainDrops, ARunnerThatLeavesTheGlassTakesItsWaterAlong) {
     }
 }
 
+TEST(RainDrops, BetweenEqualsARunnerGoesRightToWaterAndLeftToDryGlass) {
+    // A runner in the middle of the upper row of two, above water on either side.
+    WaterGrid grid;
+    int attempts = 0;
+    std::srand(1);
+    do {
+        ASSERT_LT(++attempts, 5000000);
+        grid.Prepare(3, 2);
+        for (int i = 0; i < 3; ++i) grid.AddRain();
+    } while (!(grid.water(1, 0) > 1.5 && grid.water(0, 1) > 0.5 && grid.water(0, 1) == grid.water(2, 1) &&
+               grid.water(0, 1) <= 1.5));
+    double left = grid.water(0, 1);
+    left -= left / 100;
+    grid.Run();
+    EXPECT_EQ(grid.water(0, 1), left);
+    EXPECT_GT(grid.water(2, 1), left);
+
+    // The same above dry cells, of which the outer two cling alike and the middle one less.
+    double stickiness[6];
+    unsigned seed = 0;
+    do {
+        ASSERT_LT(++seed, 500000U);
+        std::srand(seed);
+        for (double& s : stickiness) s = std::rand() % 1000 / 1000.0;
+        if (stickiness[3] != stickiness[5] || stickiness[3] * 0.7 <= stickiness[4] * 0.8) continue;
+        std::srand(seed);
+        grid.Prepare(3, 2);
+        grid.AddRain();
+        if (grid.water(1, 0) > 1.5) break;
+    } while (true);
+    grid.Run();
+    EXPECT_GT(grid.water(0, 1), 0.0);
+    EXPECT_EQ(grid.water(1, 1), 0.0);
+    EXPECT_EQ(grid.water(2, 1), 0.0);
+}
+
 TEST(RainDrops, AGridWithoutCellsGetsNoRain) {
     EffectDriver effect(kGuid);
     ASSERT_EQ(effect.Configure(11, 40), kSuccess);

@@ -33,11 +33,11 @@ class MotionDetector : public testing::Test {
     EffectDriver effect{kGuid};
 };
 
-/// Its clock runs with the frames: 33 ms each from 5 s on.
+/// Its clock runs with the frames: 33 ms each from `start` on.
 class Model {
   public:
-    Model(int width, int height, int blurDelay, uint32_t color)
-        : width_(width), height_(height), blurDelay_(blurDelay), color_(color) {}
+    Model(int width, int height, int blurDelay, uint32_t color, int64_t start = 5000)
+        : width_(width), height_(height), blurDelay_(blurDelay), color_(color), clock_(start) {}
 
     void operator()(TestFrame& frame) {
         clock_ += 33;
@@ -77,7 +77,7 @@ class Model {
   private:
     int width_, height_, blurDelay_;
     uint32_t color_;
-    int64_t clock_ = 5000;
+    int64_t clock_;
     bool first_ = true;
     PlainPlane background_;
     std::vector<float> history_;
@@ -108,6 +108,10 @@ TEST_F(MotionDetector, EqualsItsModel) {
             EXPECT_EQ(effect.Set("BlurDelay", "-4"), kSuccess);
             EXPECT_EQ(effect.Set("BlurColor", "nothing"), kSuccess);
         });
+    // After half a day a time stamp is good for 4 milliseconds only, which shows.
+    constexpr int64_t kLate = 43'200'001;
+    ExpectEqualsModel(
+        effect, [](int w, int h) { return Model(w, h, 50, 255, kLate); }, [] { now = kLate; }, 40);
 }
 
 TEST_F(MotionDetector, TheFirstFrameIsDark) {
