@@ -282,6 +282,12 @@ TEST_F(PictureMe, LaysOutWhatFits) {
         EXPECT_EQ(effect.Get(name), "1");
     }
     EXPECT_EQ(effect.Set("Pace", "1"), kInvalidArgument);
+
+    // Four of 4 pixels fit in 20 rows; three are usual.
+    ASSERT_EQ(effect.Configure(64, 20), kSuccess);
+    EXPECT_EQ(effect.Get("Textures Number"), "3");
+    EXPECT_EQ(effect.Set("Textures Number", "99"), kSuccess);
+    EXPECT_EQ(effect.Get("Textures Number"), "4");
 }
 
 TEST_F(PictureMe, KeepsTheContract) {
