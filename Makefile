@@ -4,6 +4,7 @@
 #   make check    all tests: release build, sanitizers, and the same frames from both compilers
 #   make bench    times of every primitive and effect
 #   make build    the module and the host program in build/release
+#   make lint     clang-format, clang-tidy and cppcheck over the whole tree
 #   make install  PREFIX=/usr/local by default
 
 PREFIX ?= /usr/local
@@ -13,7 +14,7 @@ JOBS := $(shell nproc)
 PROCESSORS := baseline $(shell grep -qw avx2 /proc/cpuinfo && echo avx2) \
     $(shell grep -qw avx512vbmi /proc/cpuinfo && echo avx512)
 
-.PHONY: build demo check bench docs install setup clean
+.PHONY: build demo check bench docs lint install setup clean
 
 build: setup
 	cmake --preset release
@@ -50,9 +51,10 @@ endef
 
 bench: setup
 	cmake --preset release
-	cmake --build --preset release --target bench_primitives bench_effects
+	cmake --build --preset release --target bench_primitives bench_effects bench_faces
 	build/release/bench/bench_primitives --benchmark_counters_tabular=true
 	build/release/bench/bench_effects --benchmark_counters_tabular=true
+	build/release/bench/bench_faces --benchmark_counters_tabular=true
 
 # After `make demo`: a page for each effect, with its picture and its time.
 docs: setup
@@ -61,6 +63,16 @@ docs: setup
 	build/release/bench/bench_effects --benchmark_format=csv > build/effects.csv
 	build/release/tools/make_docs build/release/host/specialeffects docs/texts.json build/demo build/effects.csv docs
 	cp build/demo/contact-sheet.jpg docs/images/contact-sheet.jpg
+
+lint:
+	@tools/setup.sh clang-format clang-tidy cppcheck
+	cmake --preset clang
+	git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
+	run-clang-tidy -quiet -p build/clang -j $(JOBS) "$(CURDIR)/.*" > build/clang-tidy.txt 2> /dev/null || \
+	    { grep -A3 'error:' build/clang-tidy.txt; false; }
+	cppcheck --std=c++20 --library=googletest --enable=warning,performance,portability --quiet -I . -j $(JOBS) \
+	    --suppressions-list=.cppcheck-suppressions --error-exitcode=1 \
+	    framework imaging effects facetrack host tools bench tests
 
 install: build
 	cmake --install build/release --prefix $(PREFIX)

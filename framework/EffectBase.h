@@ -40,12 +40,13 @@ class EffectBase : public Interface {
 
     void* DeletingDestructor(uint32_t flags) override {
         Effect* const effect = &Self();
+        void* const address = effect;
         if ((flags & 1U) != 0) {
             delete effect;
         } else {
             effect->~Effect();
         }
-        return effect;
+        return address;
     }
 
     ResultCode GetFilterFlags(uint32_t* flags) override {

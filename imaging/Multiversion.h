@@ -5,8 +5,8 @@
 // results. Where one generation was asked for at build time, and in sanitizer builds, there is one version.
 //
 // Use it on free functions that hold a frame-sized loop. What the loop calls must be inlined into it: helpers
-// are SE_INLINE. A lambda may be left out of line, compiled once, for the baseline, and shared by all versions:
-// do not hand a loop over as a lambda, and keep those that a loop calls to an expression.
+// are SE_INLINE. A lambda may be left out of line, compiled once, for the baseline, and shared by all
+// versions: do not hand a loop over as a lambda, and keep those that a loop calls to an expression.
 #ifndef SPECIALEFFECTS_IMAGING_MULTIVERSION_H
 #define SPECIALEFFECTS_IMAGING_MULTIVERSION_H
 

@@ -36,7 +36,7 @@ int64_t BufferEntries(int32_t width, int32_t height) {
 }
 
 constexpr int64_t kEntrySize = sizeof(uint32_t);
-constexpr int64_t kAlign = alignof(uint32_t);
+constexpr size_t kAlign = alignof(uint32_t);
 
 /// The smallest squared magnitude whose root is above the threshold.
 uint32_t FirstSquareAbove(float threshold) {
@@ -129,11 +129,11 @@ PrimStatus PrimCannyGetBufferSize(int32_t width, int32_t height, int32_t* size) 
         return status;
     }
     const int64_t entries = BufferEntries(width, height);
-    constexpr int64_t kMostEntries = (std::numeric_limits<int32_t>::max() - kAlign) / kEntrySize;
+    constexpr int64_t kMostEntries = (std::numeric_limits<int32_t>::max() - int64_t{kAlign}) / kEntrySize;
     if (entries > kMostEntries) {
         return kPrimSizeError;
     }
-    *size = static_cast<int32_t>(entries * kEntrySize + kAlign - 1);
+    *size = static_cast<int32_t>(entries * kEntrySize + int64_t{kAlign} - 1);
     return kPrimOk;
 }
 
@@ -148,8 +148,8 @@ PrimStatus PrimCanny16s8u(const int16_t* dx, int32_t dxStep, const int16_t* dy, 
         return status;
     }
     // Row y of the magnitudes is line (y + 3) % 3. Outside the region they are 0.
-    auto* const entries = reinterpret_cast<uint32_t*>((reinterpret_cast<uintptr_t>(buffer) + kAlign - 1) &
-                                                      ~static_cast<uintptr_t>(kAlign - 1));
+    const size_t upToAligned = (0 - reinterpret_cast<uintptr_t>(buffer)) & (kAlign - 1);
+    auto* const entries = reinterpret_cast<uint32_t*>(buffer + upToAligned);
     const ptrdiff_t line = ptrdiff_t{width} + 2;
     uint32_t* const stack = entries + 3 * line;
     std::fill(entries, stack, 0);

@@ -1,11 +1,12 @@
 #!/bin/sh
-# Installs what building, testing and the demo need on Debian 12. Does nothing, at once, when all is there.
+# Installs what building, testing and the demo need on Debian 12, and the packages named as arguments. Does
+# nothing, at once, when all is there.
 set -eu
 
 packages="build-essential clang cmake ninja-build ccache pkg-config git
     libgtest-dev libbenchmark-dev libcli11-dev libfmt-dev nlohmann-json3-dev
     libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev
-    opencv-data libpugixml-dev imagemagick ffmpeg"
+    opencv-data libpugixml-dev imagemagick ffmpeg $*"
 
 missing=""
 for package in $packages; do

@@ -11,7 +11,7 @@ namespace {
 constexpr auto kToneTable = [] {
     constexpr uint8_t kTones[8] = {15, 47, 95, 127, 174, 206, 238, 255};
     std::array<uint8_t, 256> table{};
-    for (size_t luma = 0; luma < table.size(); ++luma) table[luma] = kTones[luma / 32];
+    for (size_t luma = 0; luma < 256; ++luma) table[luma] = kTones[luma / 32];
     return table;
 }();
 

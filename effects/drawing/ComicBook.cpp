@@ -45,9 +45,9 @@ SE_INLINE void PrintBlock(uint8_t* SE_RESTRICT luma, ptrdiff_t step, uint8_t& u,
     const PrintLimits limits = LimitsOf(u, v);
     InkCount count;
     PrintPixel(luma[0], limits, count);
-    if (Columns == 2) PrintPixel(luma[1], limits, count);
-    if (Rows == 2) PrintPixel(luma[step], limits, count);
-    if (Columns == 2 && Rows == 2) PrintPixel(luma[step + 1], limits, count);
+    if constexpr (Columns == 2) PrintPixel(luma[1], limits, count);
+    if constexpr (Rows == 2) PrintPixel(luma[step], limits, count);
+    if constexpr (Columns * Rows == 4) PrintPixel(luma[step + 1], limits, count);
 
     const int32_t sum = 255 * (19595 * count.red + 38470 * count.green + 7471 * count.blue);
     const int32_t blueExcess = ((255 << 16) * count.blue - sum + kBias) >> 16;

@@ -48,6 +48,7 @@ struct BadCall {
 /// Every call is refused with its code, and nothing that a call could write changes.
 void ExpectRefused(const std::vector<BadCall>& calls, const std::vector<Bytes*>& outputs) {
     std::vector<Bytes> before;
+    before.reserve(outputs.size());
     for (const Bytes* output : outputs) before.push_back(*output);
     for (const BadCall& bad : calls) {
         EXPECT_EQ(bad.call(), bad.expected) << bad.what;
@@ -300,8 +301,10 @@ TEST(PrimRemap, ForcesNearestOnASourceOneWideOrHigh) {
 TEST(PrimRemap, ClipsTheRegionToTheSource) {
     const Picture source(5, 5, 3);
     std::vector<float> xs, ys;
-    for (float y = 0; y < 5; ++y)
-        for (float x = 0; x < 5; ++x) xs.push_back(x), ys.push_back(y);
+    for (int32_t i = 0; i < 25; ++i) {
+        xs.push_back(static_cast<float>(i % 5));
+        ys.push_back(static_cast<float>(i / 5));
+    }
     Bytes target(25, 7);
     PrimRemap8uC1(source.data(), 5, 5, 5, 2, 3, 1 << 30, std::numeric_limits<int32_t>::max(), xs.data(), 20,
                   ys.data(), 20, target.data(), 5, 5, 5, kPrimNearest);
@@ -543,7 +546,8 @@ TEST(PrimGetRotateShift, ExactAtRightAngles) {
 }
 
 TEST(PrimGetRotateShift, KeepsTheCentre) {
-    for (double angle = -400; angle < 400; angle += 7.3) {
+    for (int step = -55; step < 55; ++step) {
+        const double angle = 7.3 * step;
         double xShift = 0, yShift = 0;
         PrimGetRotateShift(12.5, -3.25, angle, &xShift, &yShift);
         const double a = angle * 3.14159265358979323846 / 180.0;

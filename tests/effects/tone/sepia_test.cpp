@@ -20,7 +20,7 @@ uint8_t Rounded(double value) {
 void SepiaPixel(uint8_t* p) {
     const float m[3][4] = {
         {0.393F, 0.769F, 0.189F, 0.0F}, {0.349F, 0.686F, 0.168F, 0.0F}, {0.272F, 0.534F, 0.131F, 1.0F}};
-    uint8_t out[3];
+    uint8_t out[3] = {};
     for (int c = 0; c < 3; ++c) {
         out[c] = Rounded(double{m[c][0]} * p[0] + double{m[c][1]} * p[1] + double{m[c][2]} * p[2] +
                          double{m[c][3]});
