@@ -84,13 +84,13 @@ if ! is_fresh "$sheet"; then
     mv "$out/work/sheet.jpg" "$sheet"
 fi
 
-# A scene of the showreel, as raw frames with a caption: reel_scene TITLE NAME FFMPEG_INPUT...
+# A scene of the showreel, as raw frames with a caption: reel_scene TITLE SUBTITLE FFMPEG_INPUT...
 reel_scene() {
-    local title=$1 name=$2 caption
+    local title=$1 subtitle=${2//:/\\:} caption
     shift 2
     caption="drawbox=y=ih-74:h=74:color=black@0.55:t=fill"
-    caption+=",drawtext=font=DejaVu Sans:text=$title:fontsize=28:fontcolor=white:x=18:y=h-64"
-    caption+=",drawtext=font=DejaVu Sans Mono:text=$name:fontsize=15:fontcolor=white@0.8:x=18:y=h-26"
+    caption+=",drawtext=font=DejaVu Sans:text='$title':fontsize=28:fontcolor=white:x=18:y=h-64"
+    caption+=",drawtext=font=DejaVu Sans Mono:text='$subtitle':fontsize=15:fontcolor=white@0.8:x=18:y=h-26"
     ffmpeg -v error -nostdin "$@" -frames:v $reel_frames -vf "setpts=N/30/TB,$caption" -r 30 \
         -f rawvideo -pix_fmt yuv420p -
 }
@@ -101,7 +101,7 @@ if ! is_fresh "$reel"; then
     {
         reel_scene "Before" "what the camera sees" -loop 1 -i "$portrait"
         for i in "${!names[@]}"; do
-            reel_scene "${titles[i]}" "-e ${names[i]}" -ss $reel_start -i "$out/clips/${names[i]}.mp4"
+            reel_scene "${titles[i]}" "-e $(request_of "${names[i]}")" -ss $reel_start -i "$out/clips/${names[i]}.mp4"
         done
     } | ffmpeg -v error -nostdin -y -f rawvideo -pix_fmt yuv420p -video_size 640x480 -framerate 30 -i - \
         -c:v libx264 -preset veryfast -crf 25 -movflags +faststart "$out/work/reel.mp4"
