@@ -156,11 +156,11 @@ std::optional<Command> ParseCommandLine(int argc, const char* const* argv) {
     CLI::App app("Runs video through the special effects module.", "specialeffects");
     app.set_version_flag("--version", SE_VERSION);
     app.require_subcommand(1);
-    app.footer(kFooter);
     AddList(app, list);
     AddInfo(app, info);
     AddApply(app, apply, texts);
     AddBench(app, bench, texts);
+    app.footer(kFooter);  // now, or the commands would inherit it
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -169,6 +169,12 @@ TEST_F(ReportTest, HelpAndVersionAreAnswers) {
     }
 }
 
+TEST_F(ReportTest, HelpOfACommandIsItsOwn) {
+    EXPECT_NE(Child({SE_PROGRAM, "--help"}, directory_).Wait().out.find("specialeffects info rain"),
+              std::string::npos);
+    EXPECT_EQ(Child({SE_PROGRAM, "bench", "--help"}, directory_).Wait().out.find("info"), std::string::npos);
+}
+
 TEST_F(ReportTest, ListEndsQuietlyWhenTheReaderGoes) {
     const Outcome outcome = Child({"/bin/bash", "-c",
                                    "(sleep 0.3; exec '" SE_PROGRAM "' list --module '" SE_FAKE_MODULE
