@@ -30,7 +30,7 @@ class MovieModel {
     void operator()(TestFrame& frame) {
         std::ranges::fill(frame.plane(1), uint8_t{128});
         std::ranges::fill(frame.plane(2), uint8_t{128});
-        ModelPlane y(w_, h_, frame.plane(0));
+        PlainPlane y(w_, h_, frame.plane(0));
         Damage(y);
         Equalize(y);
 
@@ -47,13 +47,13 @@ class MovieModel {
             for (int x = 0; x < w_; ++x) y(x, row) = y(x, row + jitter);
         }
         if (sepia_) Tint(y, frame);
-        y.CopyTo(frame.plane(0));
+        y.WriteTo(frame.plane(0));
     }
 
     int jitter = 1;
 
   private:
-    void Damage(ModelPlane& y) {
+    void Damage(PlainPlane& y) {
         for (int hair = 0; hair < 2 && w_ > 64 && h_ > 64; ++hair) Hair(y);
         for (int speck = 0; speck < 50; ++speck) {
             const int x = std::rand() % w_;
@@ -75,10 +75,10 @@ class MovieModel {
         }
     }
 
-    static void Hair(ModelPlane& y) {
+    static void Hair(PlainPlane& y) {
         const int left = std::rand() % (y.width - 64) + 5;
         const int top = std::rand() % (y.height - 64) + 5;
-        ModelPlane hair(32, 32, uint8_t{255});
+        PlainPlane hair(32, 32, uint8_t{255});
         double px[4], py[4];
         for (int i = 0; i < 4; ++i) {
             px[i] = std::rand() % 32;
@@ -98,7 +98,7 @@ class MovieModel {
         }
     }
 
-    void Equalize(ModelPlane& y) const {
+    void Equalize(PlainPlane& y) const {
         int64_t cumulated[256];
         for (int level = 0; level < 256; ++level) {
             cumulated[level] = std::ranges::count_if(y.pixels, [=](uint8_t p) { return p <= level; });
@@ -106,7 +106,7 @@ class MovieModel {
         for (uint8_t& p : y.pixels) p = static_cast<uint8_t>(cumulated[p] * 255 / (w_ * h_));
     }
 
-    void Vignette(ModelPlane& y) const {
+    void Vignette(PlainPlane& y) const {
         const double cx = w_ / 2, cy = h_ / 2, d = std::sqrt(double{1} * w_ * w_ + double{1} * h_ * h_);
         for (int row = 0; row < h_; ++row) {
             for (int x = 0; x < w_; ++x) {
@@ -125,8 +125,8 @@ class MovieModel {
         }
     }
 
-    static void Tint(ModelPlane& y, TestFrame& frame) {
-        ModelPlane half(y.width / 2, y.height / 2);
+    static void Tint(PlainPlane& y, TestFrame& frame) {
+        PlainPlane half(y.width / 2, y.height / 2);
         ModelResize(y, 0, half);
         for (uint8_t& p : y.pixels) p = Clamped(static_cast<int>(p * 1.216 - 11.0));
         for (size_t i = 0; i < half.pixels.size(); ++i) {
@@ -137,7 +137,7 @@ class MovieModel {
     int w_, h_;
     bool sepia_, vignetting_;
     int drift_ = 0;
-    ModelPlane grain_;
+    PlainPlane grain_;
 };
 
 TEST(AntiquatedMovie, KeepsTheContract) {

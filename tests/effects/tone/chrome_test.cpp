@@ -32,14 +32,14 @@ class ChromeModel {
 
     void operator()(TestFrame& frame) {
         const int w = frame.width();
-        ModelPlane smooth = Masked5({w, frame.height(), frame.plane(0)}, model::PrimFilterLowpass8uC1);
+        PlainPlane smooth = Masked5({w, frame.height(), frame.plane(0)}, model::PrimFilterLowpass8uC1);
         for (size_t i = 0; i < smooth.pixels.size(); ++i) {
             uint8_t& now = smooth.pixels[i];
             if (std::abs(now - previous_.pixels[i]) < 3) now = previous_.pixels[i];
         }
         previous_ = smooth;
         // What the second pass does not reach is the raw picture, not the smoothed one.
-        const ModelPlane twice = Masked5(smooth, model::PrimFilterLowpass8uC1);
+        const PlainPlane twice = Masked5(smooth, model::PrimFilterLowpass8uC1);
         for (int y = 0; y < frame.height(); ++y) {
             for (int x = 0; x < w; ++x) {
                 uint8_t& luma = frame.y()[y * w + x];
@@ -53,7 +53,7 @@ class ChromeModel {
 
   private:
     int variant_;
-    ModelPlane previous_;
+    PlainPlane previous_;
 };
 
 class Chrome : public testing::TestWithParam<int> {

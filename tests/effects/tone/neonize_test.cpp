@@ -27,8 +27,8 @@ class Kernel {
     }
 
     /// One pass along (stepX, stepY); pixels whose neighbours are missing stay as they are.
-    ModelPlane Filtered(const ModelPlane& src, int stepX, int stepY) const {
-        ModelPlane dst = src;
+    PlainPlane Filtered(const PlainPlane& src, int stepX, int stepY) const {
+        PlainPlane dst = src;
         for (int y = stepY * half_; y < src.height - stepY * half_; ++y) {
             for (int x = stepX * half_; x < src.width - stepX * half_; ++x) {
                 int sum = 0;
@@ -61,9 +61,9 @@ class Kernel {
 using EdgeLevel = std::function<int(int dx, int dy)>;
 
 /// Smooths the plane and replaces each pixel by what `level` makes of its two gradients.
-void DrawEdges(ModelPlane& plane, const EdgeLevel& level) {
+void DrawEdges(PlainPlane& plane, const EdgeLevel& level) {
     const Kernel kernel(plane.width < 320 ? 0.8 : 1.5);
-    const ModelPlane p = kernel.Filtered(kernel.Filtered(plane, 1, 0), 0, 1);
+    const PlainPlane p = kernel.Filtered(kernel.Filtered(plane, 1, 0), 0, 1);
     for (int y = 0; y < plane.height; ++y) {
         for (int x = 0; x < plane.width; ++x) {
             int dx = 0, dy = 0;
@@ -91,24 +91,24 @@ int ChromaLevel(int dx, int dy) {
 
 void NeonizeModel(TestFrame& frame) {
     int w = frame.width(), h = frame.height();
-    ModelPlane luma(w, h, frame.plane(0));
+    PlainPlane luma(w, h, frame.plane(0));
     const int halfW = w / 2, halfH = h / 2;
     if (w > 512) {
         w /= 2;
         h /= 2;
     }
-    ModelPlane work(w, h);
+    PlainPlane work(w, h);
     ModelResize(luma, 0, work);
     DrawEdges(work, LumaLevel);
     ModelResize(work, 6, luma);
-    luma.CopyTo(frame.plane(0));
+    luma.WriteTo(frame.plane(0));
     for (int p = 1; p < 3; ++p) {
-        ModelPlane chroma(halfW, halfH, frame.plane(p)), small(w / 2, h / 2);
+        PlainPlane chroma(halfW, halfH, frame.plane(p)), small(w / 2, h / 2);
         if (chroma.pixels.empty()) continue;
         ModelResize(chroma, 0, small);
         DrawEdges(small, ChromaLevel);
         ModelResize(Masked5(small, model::PrimFilterGauss8uC1), 3, chroma);
-        chroma.CopyTo(frame.plane(p));
+        chroma.WriteTo(frame.plane(p));
     }
 }
 

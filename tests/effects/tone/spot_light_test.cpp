@@ -69,11 +69,11 @@ class SpotLightModel {
         }
     }
 
-    const ModelPlane& luma() const { return luma_; }
-    const ModelPlane& chroma() const { return chroma_; }
+    const PlainPlane& luma() const { return luma_; }
+    const PlainPlane& chroma() const { return chroma_; }
 
   private:
-    ModelPlane luma_, chroma_;
+    PlainPlane luma_, chroma_;
 };
 
 class SpotLight : public testing::TestWithParam<int> {};
@@ -174,7 +174,7 @@ TEST(SpotLightMask, RoundLightFadesFromTheCentreToTheUpperCorners) {
 TEST(SpotLightMask, TheComparedMasksHoldEveryValue) {
     // The round light leaves out 0, which the beams have.
     const SpotLightModel model(0, 640, 480);
-    for (const ModelPlane* mask : {&model.luma(), &model.chroma()}) {
+    for (const PlainPlane* mask : {&model.luma(), &model.chroma()}) {
         for (int m = 1; m < 256; ++m) {
             ASSERT_NE(std::ranges::find(mask->pixels, static_cast<uint8_t>(m)), mask->pixels.end()) << m;
         }
