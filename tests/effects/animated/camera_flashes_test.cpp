@@ -315,6 +315,23 @@ TEST(CameraFlashes, PropertiesTakeHoldWithTheNextFrame) {
     }
 }
 
+TEST(CameraFlashes, ConfigureBuildsTheFieldThatRan) {
+    // A mode set beforehand waits for the first frame too.
+    auto effect = EffectDriver::Of<CCameraFlashesSpecialEffectFilter>(9);
+    EXPECT_EQ(effect.Set("Mode", "3"), kSuccess);
+    std::srand(6);
+    ASSERT_EQ(effect.Configure(200, 150), kSuccess);
+    EXPECT_EQ(effect.Get("Mode"), "9");
+    TestFrame frame = StreamPicture(200, 150, 0), expected = frame;
+    ASSERT_EQ(effect.Process(frame), kSuccess);
+    EXPECT_EQ(effect.Get("Mode"), "3");
+    std::srand(6);
+    Model model(200, 150, 9);
+    model.Build(3);
+    model(expected);
+    EXPECT_EQ(FirstDifference(frame, expected), "");
+}
+
 TEST(CameraFlashes, HasThreeSwitches) {
     auto effect = EffectDriver::Of<CCameraFlashesSpecialEffectFilter>(1);
     for (const char* name : {"Moving", "Colorizing", "Animation"}) ExpectBooleanProperty(effect, name, true);

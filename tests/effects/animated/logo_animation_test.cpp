@@ -231,6 +231,13 @@ TEST_F(LogoAnimation, FollowsItsProperties) {
     EXPECT_EQ(effect.Set("Color 5", "90,0,255"), kSuccess);
     EXPECT_EQ(effect.Set("Colorize", "TRUE"), kSuccess);
     run(10);
+    // One at a time: of these only the first leaves the logos as they are.
+    EXPECT_EQ(effect.Set("Colorize", "FALSE"), kSuccess);
+    run(2);
+    EXPECT_EQ(effect.Set("Color 1", "0,0,0"), kSuccess);
+    run(2);
+    EXPECT_EQ(effect.Set("Random Colors", "TRUE"), kSuccess);
+    run(2);
     const int next = std::rand();
 
     Fields fields(320, 240);
@@ -257,6 +264,12 @@ TEST_F(LogoAnimation, FollowsItsProperties) {
     fields.text.Keep(0);
     for (int i = 0; i < 4; ++i) fields.text.Add(InkOf("+44"), false, colors);
     expect(10, fields.text, true, true);
+    expect(2, fields.text, true, false);
+    for (const bool randomColors : {false, true}) {
+        fields.text.Keep(0);
+        for (int i = 0; i < 4; ++i) fields.text.Add(InkOf("+44"), randomColors, colors);
+        expect(2, fields.text, true, false);
+    }
     EXPECT_EQ(next, std::rand());
 }
 

@@ -63,6 +63,11 @@ class Model {
         y.WriteTo(frame.plane(0));
     }
 
+    void SetSize(int size) {
+        size_ = size;
+        stamp_->ready = false;
+    }
+
   private:
     size_t At(int x, int y) const { return static_cast<size_t>(y * w_ + x); }
 
@@ -150,6 +155,27 @@ TEST(Rain, EqualsItsModelOverAHundredFrames) {
     }
 }
 
+TEST(Rain, ANewSizeTakesHoldWithTheNextDrop) {
+    EffectDriver effect(kGuid);
+    Stamp stamp;
+    std::srand(1);
+    ASSERT_EQ(effect.Configure(64, 64), kSuccess);
+    std::vector<TestFrame> results;
+    for (int i = 0; i < 9; ++i) {
+        if (i % 3 == 0) effect.Set("DropSize", i == 0 ? "3" : i == 3 ? "9" : "5");
+        results.push_back(StreamPicture(64, 64, i));
+        ASSERT_EQ(effect.Process(results.back()), kSuccess);
+    }
+    std::srand(1);
+    Model model(64, 64, 1, 3, &stamp);
+    for (int i = 0; i < 9; ++i) {
+        if (i % 3 == 0) model.SetSize(i == 0 ? 3 : i == 3 ? 9 : 5);
+        TestFrame expected = StreamPicture(64, 64, i);
+        model(expected);
+        ASSERT_EQ(FirstDifference(results[static_cast<size_t>(i)], expected), "") << i;
+    }
+}
+
 TEST(Rain, AStampOutlivesConfigure) {
     // Built for 16, used for 3.
     EffectDriver effect(kGuid);
@@ -157,6 +183,7 @@ TEST(Rain, AStampOutlivesConfigure) {
     std::srand(1);
     ASSERT_EQ(effect.Configure(64, 64), kSuccess);
     ASSERT_EQ(effect.Set("DropSize", "16"), kSuccess);
+    ASSERT_EQ(effect.Set("DropPeriod", "9"), kSuccess);
     TestFrame frame(64, 64);
     ASSERT_EQ(effect.Process(frame), kSuccess);
     ASSERT_EQ(effect.Configure(64, 64), kSuccess);

@@ -136,6 +136,23 @@ TEST(FourSquare, OddSizesKeepTheLastColumnAndRow) {
     for (size_t x = 0; x < 33; ++x) EXPECT_EQ(frame.plane(0)[24 * 33 + x], before.plane(0)[24 * 33 + x]);
 }
 
+TEST(FourSquare, ConfigureForgetsTheLastFrame) {
+    // A drift from 1 upward is held back at every other level: at the even ones, unless something was there
+    // before it.
+    EffectDriver effect(kGuid);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(effect.Configure(32, 32), kSuccess);
+        for (int level = 1; level <= 101; ++level) {
+            TestFrame frame(32, 32);
+            frame.Fill(static_cast<uint8_t>(level), 128, 128);
+            ASSERT_EQ(effect.Process(frame), kSuccess);
+            if (level >= 100) {
+                EXPECT_EQ(frame.y()[8 * 32 + 8], level == 100 ? 99 : 101) << round;
+            }
+        }
+    }
+}
+
 TEST(FourSquare, HoldsBackADriftOfOneLevel) {
     EffectDriver effect(kGuid);
     ASSERT_EQ(effect.Configure(32, 32), kSuccess);
