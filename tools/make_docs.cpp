@@ -140,7 +140,7 @@ void Make(const std::string& program, const std::string& textsPath, const fs::pa
     for (const json& effect : json::parse(Output(program + " list --all --json"))) {
         const auto name = effect["name"].get<std::string>();
         classes[effect["displayName"].get<std::string>()].push_back(
-            json::parse(Output(program + " info " + name + " --json")));
+            json::parse(Output(fmt::format("{} info {} --json", program, name))));
     }
     fs::create_directories(docs / "effects");
     fs::create_directories(docs / "images");
