@@ -42,7 +42,7 @@ inline Table TableOf(EffectDriver& effect, int width, int height) {
     Table table(width, height, -77.0F);
     using Slot19 = void (*)(CSpecialEffectFilter*, float*, float*, int32_t, int32_t);
     void* const* const slots = *reinterpret_cast<void* const* const*>(&*effect);
-    Slot19 build;
+    Slot19 build = nullptr;
     std::memcpy(&build, &slots[19], sizeof build);
     build(&*effect, table.x.data(), table.y.data(), width, height);
     return table;
