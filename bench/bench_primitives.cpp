@@ -410,19 +410,20 @@ std::function<Action(Workshop&)> Resize(double factor, int32_t interpolation) {
 
 void AddGeometry(std::vector<Operation>& list) {
     for (const auto& [name, interpolation] : {std::pair{"nearest", kPrimNearest}, {"linear", kPrimLinear}}) {
-        list.push_back({std::string("PrimRemap8uC1/") + name, [=](Workshop& w) -> Action {
-                            Picture<uint8_t>& src = w.Bytes(0);
-                            Picture<uint8_t>& dst = w.Bytes(1);
-                            Picture<float>& xMap = w.Map(false);
-                            Picture<float>& yMap = w.Map(true);
-                            return [&, interpolation] {
-                                PrimRemap8uC1(src.data, w.width, w.height, src.step(), 0, 0, w.width,
-                                              w.height, xMap.data, xMap.step(), yMap.data, yMap.step(),
-                                              dst.data, dst.step(), w.width, w.height, interpolation);
-                            };
-                        }});
+        list.push_back(
+            {std::string("PrimRemap8uC1/") + name, [interpolation = interpolation](Workshop& w) -> Action {
+                 Picture<uint8_t>& src = w.Bytes(0);
+                 Picture<uint8_t>& dst = w.Bytes(1);
+                 Picture<float>& xMap = w.Map(false);
+                 Picture<float>& yMap = w.Map(true);
+                 return [&, interpolation] {
+                     PrimRemap8uC1(src.data, w.width, w.height, src.step(), 0, 0, w.width, w.height,
+                                   xMap.data, xMap.step(), yMap.data, yMap.step(), dst.data, dst.step(),
+                                   w.width, w.height, interpolation);
+                 };
+             }});
         list.push_back({std::string("PrimRemap8uC3/") + name,
-                        [=](Workshop& w) -> Action {
+                        [interpolation = interpolation](Workshop& w) -> Action {
                             Picture<uint8_t>& src = w.Bytes(0, 3);
                             Picture<uint8_t>& dst = w.Bytes(1, 3);
                             Picture<float>& xMap = w.Map(false);
@@ -443,18 +444,19 @@ void AddGeometry(std::vector<Operation>& list) {
          {std::pair{"nearest", uint32_t{kPrimNearest}},
           {"linear", uint32_t{kPrimLinear}},
           {"cubic, smooth edge", uint32_t{kPrimCubic} | kPrimSmoothEdge}}) {
-        list.push_back({std::string("PrimRotate8uC1/") + name, [=](Workshop& w) -> Action {
-                            Picture<uint8_t>& src = w.Bytes(0);
-                            Picture<uint8_t>& dst = w.Bytes(1);
-                            return [&, interpolation] {
-                                double xShift = 0;
-                                double yShift = 0;
-                                PrimGetRotateShift(w.width * 0.5, w.height * 0.5, 10, &xShift, &yShift);
-                                PrimRotate8uC1(src.data, w.width, w.height, src.step(), 0, 0, w.width,
-                                               w.height, dst.data, dst.step(), 0, 0, w.width, w.height, 10,
-                                               xShift, yShift, interpolation);
-                            };
-                        }});
+        list.push_back(
+            {std::string("PrimRotate8uC1/") + name, [interpolation = interpolation](Workshop& w) -> Action {
+                 Picture<uint8_t>& src = w.Bytes(0);
+                 Picture<uint8_t>& dst = w.Bytes(1);
+                 return [&, interpolation] {
+                     double xShift = 0;
+                     double yShift = 0;
+                     PrimGetRotateShift(w.width * 0.5, w.height * 0.5, 10, &xShift, &yShift);
+                     PrimRotate8uC1(src.data, w.width, w.height, src.step(), 0, 0, w.width, w.height,
+                                    dst.data, dst.step(), 0, 0, w.width, w.height, 10, xShift, yShift,
+                                    interpolation);
+                 };
+             }});
     }
     for (const int32_t axis : {kPrimMirrorRows, kPrimMirrorColumns, kPrimMirrorBoth}) {
         list.push_back(
@@ -760,7 +762,7 @@ void AddOpenCv(std::vector<Operation>& list) {
     add("equalizeHist", CvFromTo([](Mat&, Mat& d) { cv::equalizeHist(d, d); }));
     for (const auto& [name, interpolation] :
          {std::pair{"remap, nearest", cv::INTER_NEAREST}, {"remap, linear", cv::INTER_LINEAR}}) {
-        add(name, [=](Workshop& w) -> Action {
+        add(name, [interpolation = interpolation](Workshop& w) -> Action {
             return [=, s = MatOf(w.Bytes(0)), d = MatOf(w.Bytes(1)), x = MatOf(w.Map(false)),
                     y = MatOf(w.Map(true))]() mutable {
                 cv::remap(s, d, x, y, interpolation, cv::BORDER_TRANSPARENT);
@@ -776,7 +778,7 @@ void AddOpenCv(std::vector<Operation>& list) {
     for (const auto& [name, interpolation] : {std::pair{"warpAffine, nearest", cv::INTER_NEAREST},
                                               {"warpAffine, linear", cv::INTER_LINEAR},
                                               {"warpAffine, cubic", cv::INTER_CUBIC}}) {
-        add(name, CvFromTo([=](Mat& s, Mat& d) {
+        add(name, CvFromTo([interpolation = interpolation](Mat& s, Mat& d) {
                 const cv::Point2f centre(static_cast<float>(s.cols) / 2, static_cast<float>(s.rows) / 2);
                 cv::warpAffine(s, d, cv::getRotationMatrix2D(centre, 10, 1), d.size(), interpolation,
                                cv::BORDER_TRANSPARENT);

@@ -66,7 +66,7 @@ class CSpecialEffectFactory final : public ISpecialEffectFactory {
         } else {
             std::destroy_at(this);
         }
-        return memory;  // NOLINT(clang-analyzer-cplusplus.NewDelete): the contract wants the address
+        return memory;  // NOLINT(clang-analyzer-cplusplus.NewDelete): the address alone
     }
 
   private:

@@ -13,7 +13,7 @@ void* CSpecialEffectFilter::DeletingDestructor(uint32_t flags) {
     void* const memory = this;
     this->CSpecialEffectFilter::~CSpecialEffectFilter();
     if ((flags & 1U) != 0) ::operator delete(memory);
-    return memory;
+    return memory;  // NOLINT(clang-analyzer-cplusplus.NewDelete): the address alone
 }
 
 CInternalInfo* CSpecialEffectFilter::GetInternalInfo() {

@@ -68,8 +68,8 @@ SE_INLINE void ForPixelsWide(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst
     const ptrdiff_t pairs = width / 2;
     for (; height > 0; --height, src += srcStep, dst += dstStep) {
         for (ptrdiff_t i = 0; i < pairs; ++i) {
-            uint16_t a;
-            uint16_t b;
+            uint16_t a = 0;
+            uint16_t b = 0;
             std::memcpy(&a, src + 2 * i, 2);
             std::memcpy(&b, dst + 2 * i, 2);
             const uint16_t low = op(static_cast<uint16_t>(a & 255), static_cast<uint16_t>(b & 255));
@@ -276,7 +276,7 @@ PrimStatus PrimCopy8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32
         rows = 1;
     }
     for (; rows > 0; --rows, src += srcStep, dst += dstStep) {
-        std::memcpy(dst, src, rowBytes);
+        std::memcpy(dst, src, rowBytes);  // NOLINT(clang-analyzer-core.NonNullParamChecker): checked above
     }
     return kPrimOk;
 }

@@ -13,9 +13,10 @@
 /// What slot 0 does in each class of the family.
 template <class Object>
 void* DestroyObject(Object* object, uint32_t flags) {
+    void* const memory = object;
     object->Object::~Object();
-    if ((flags & 1U) != 0) ::operator delete(static_cast<void*>(object));
-    return object;
+    if ((flags & 1U) != 0) ::operator delete(memory);
+    return memory;  // NOLINT(clang-analyzer-cplusplus.NewDelete): the address alone
 }
 
 /// Owns an object of the family, or a framework, through its slot 0.
