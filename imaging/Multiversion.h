@@ -10,11 +10,14 @@
 #ifndef SPECIALEFFECTS_IMAGING_MULTIVERSION_H
 #define SPECIALEFFECTS_IMAGING_MULTIVERSION_H
 
-#if defined(__x86_64__) && defined(__linux__) && !defined(SE_SINGLE_TARGET)
-#define SE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
-#else
+#if !defined(__x86_64__) || !defined(__linux__) || defined(SE_SINGLE_TARGET)
 /// Out of line, as versions are, so that a loop is compiled alike in all builds.
 #define SE_MULTIVERSION __attribute__((noinline))
+#elif defined(__clang__)
+/// Clang 14 takes an `arch` for one processor model, not for all that can do as much; a feature it tests.
+#define SE_MULTIVERSION __attribute__((target_clones("default", "avx2")))
+#else
+#define SE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #endif
 
 #define SE_INLINE inline __attribute__((always_inline))
