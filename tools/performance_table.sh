@@ -1,9 +1,10 @@
 #!/bin/sh
-# Turns what `bench_effects --benchmark_format=csv` printed into the table of docs/performance.md:
+# Turns what `bench_effects` or `bench_primitives` printed with --benchmark_format=csv into its table of
+# docs/performance.md:
 #
 #   tools/performance_table.sh TIMES.csv
 #
-# The bars are ratios to a memcpy of the same frame, at 1920x1080 and on one core.
+# Of primitives the table takes those at 1280x720. The bars are ratios to a memcpy of the same frame, at 1920x1080 and on one core.
 set -eu
 
 awk -F, '
@@ -19,23 +20,32 @@ BEGIN {
     row_bar[1] = 25; row_bar[2] = 40; row_bar[3] = 40; row_bar[4] = 40
     row_bar[8] = 25; row_bar[9] = 40; row_bar[10] = 40
     row_bar[15] = 150; row_bar[16] = 150; row_bar[17] = 50
-    print "| row | effect | 1280x720 ms | Mpx/s | x memcpy | 1920x1080 ms | Mpx/s | x memcpy | bar | met |"
-    print "|---|---|---|---|---|---|---|---|---|---|"
+    primitives = 1
+    head = "| row | effect | 1280x720 ms | Mpx/s | x memcpy | 1920x1080 ms | Mpx/s | x memcpy | bar | met |\n" \
+           "|---|---|---|---|---|---|---|---|---|---|"
 }
-/^name,/ || /^"?name"?,/ { for (i = 1; i <= NF; ++i) { gsub(/"/, "", $i); column[$i] = i } next }
-column["ms"] {
-    gsub(/"/, "", $1)
-    split($1, part, "/")
+# A name is quoted and may have commas in it; what comes after it has none.
+{ name = $0; if (!sub(/^"/, "", name)) sub(/,.*/, "", name); else { sub(/".*/, "", name); sub(/^"[^"]*"/, "name") } }
+/^name,iterations/ { for (i = 1; i <= NF; ++i) { gsub(/"/, "", $i); column[$i] = i } next }
+column["ms"] && name ~ /^[0-9]/ {
+    primitives = 0
+    split(name, part, "/")
     row = part[1] + 0
-    if (row == 0) next
-    name = part[1]; sub(/^[0-9]+ /, "", name)
-    names[row] = name
+    sub(/^[0-9]+ /, "", part[1])
+    names[row] = part[1]
     cell[row, part[2]] = sprintf("%.2f | %.0f | %.1f", $(column["ms"]), $(column["Mpx_per_s"]), $(column["x_memcpy"]))
     ratio[row, part[2]] = $(column["x_memcpy"])
     if (part[2] == "1280x720") { logs += log($(column["ms"])); ++rows }
     if (row > last) last = row
 }
+column["ms"] && name ~ /^[^0-9].*\/1280x720/ {
+    if (!heads++) print "| primitive | ms | x memcpy |\n|---|---|---|"
+    sub(/\/1280x720.*/, "", name)
+    printf "| %s | %.3f | %.1f |\n", name, $(column["ms"]), $(column["x_memcpy"])
+}
 END {
+    if (primitives) exit
+    print head
     for (row = 1; row <= last; ++row) {
         if (!(row in names)) continue
         limit = row in row_bar ? row_bar[row] : bar[names[row]]
