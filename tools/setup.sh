@@ -3,7 +3,7 @@
 # nothing, at once, when all is there.
 set -eu
 
-packages="build-essential clang cmake ninja-build ccache pkg-config git
+packages="build-essential clang libclang-rt-dev cmake ninja-build ccache pkg-config git
     libgtest-dev libbenchmark-dev libcli11-dev libfmt-dev nlohmann-json3-dev
     libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev
     opencv-data libpugixml-dev imagemagick ffmpeg $*"
