@@ -10,9 +10,8 @@
 PREFIX ?= /usr/local
 JOBS := $(shell nproc)
 
-# Processor generations that this machine can run.
-PROCESSORS := baseline $(shell grep -qw avx2 /proc/cpuinfo && echo avx2) \
-    $(shell grep -qw avx512vbmi /proc/cpuinfo && echo avx512)
+# The generations below the newest that this machine has, which the release build chooses by itself.
+PROCESSORS := baseline $(shell grep -qw avx512vbmi /proc/cpuinfo && echo avx2)
 
 .PHONY: build demo check bench docs lint install setup clean
 
