@@ -11,6 +11,7 @@
 #include <filesystem>
 
 #include "Clips.h"
+#include "OutputFile.h"
 #include "Program.h"
 
 namespace {
@@ -202,36 +203,50 @@ TEST_F(BadInputTest, FullPipe) {
     }
 }
 
+// Whether the current directory takes some bytes, but not a hundred kilobytes.
+bool HasLittleRoom() {
+    constexpr const char* kProbe = "probe";
+    const std::string bytes(100 * 1024, 'x');
+    const int descriptor = open(kProbe, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (descriptor < 0) return false;
+    const bool some = host::WriteAll(descriptor, bytes.data(), 1) == 0;
+    const bool all = host::WriteAll(descriptor, bytes.data(), bytes.size()) == 0;
+    close(descriptor);
+    return unlink(kProbe) == 0 && some && !all;
+}
+
 // Runs the program in a file system of its own with 64 kilobytes, which only it sees. Beside the mount point
 // stand then the files `error`, what it printed, and `left`, what it left on the disk. The result is its exit
-// code; nothing where no file system may be mounted.
+// code; nothing where no such file system can be had.
 std::optional<int> RunOnSmallDisk(const std::string& mountPoint, const std::string& outputAndOptions) {
-    constexpr int kNotPermitted = 99;
+    constexpr int kNoSmallDisk = 99;
     const pid_t pid = fork();
     if (pid == 0) {
         if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0) {
-            _exit(kNotPermitted);
+            mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0 ||
+            chdir(mountPoint.c_str()) != 0 || !HasLittleRoom()) {
+            _exit(kNoSmallDisk);
         }
         const std::string line =
-            "cd '" + mountPoint +
-            "' && '" SE_PROGRAM "' apply --module '" SE_FAKE_MODULE "' -e sepia test: " + outputAndOptions +
-            " --quiet --size 400x300 2> ../error; code=$?; ls -A > ../left; exit $code";
+            "'" SE_PROGRAM "' apply --module '" SE_FAKE_MODULE "' -e sepia test: " + outputAndOptions +
+            " --quiet --size 400x300 < /dev/null 2> ../error; code=$?; ls -A > ../left; exit $code";
         execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
-        _exit(kNotPermitted);
+        _exit(kNoSmallDisk);
     }
     int status = 0;
     waitpid(pid, &status, 0);
-    if (WEXITSTATUS(status) == kNotPermitted) return std::nullopt;
+    if (!WIFEXITED(status)) return -1;
+    if (WEXITSTATUS(status) == kNoSmallDisk) return std::nullopt;
     return WEXITSTATUS(status);
 }
 
 TEST_F(BadInputTest, FullDisk) {
     for (const std::string name : {"out.mp4", "out.mkv", "out.webm", "out.y4m", "out.png"}) {
+        SCOPED_TRACE(name);
         std::filesystem::create_directory(Path("disk"));
         const std::optional<int> exitCode =
             RunOnSmallDisk(Path("disk"), name == "out.png" ? name : name + " --frames 40");
-        if (!exitCode) GTEST_SKIP() << "no file system may be mounted here";
+        if (!exitCode) GTEST_SKIP() << "no small file system can be had here";
         ExpectError({*exitCode, 0, "", Read("error")}, 1,
                     "cannot write " + name + ": No space left on device");
         EXPECT_EQ(Read("left"), "") << "nothing is left on the disk";
