@@ -46,7 +46,7 @@ class EffectBase : public Interface {
         } else {
             effect->~Effect();
         }
-        return address;
+        return address;  // NOLINT(clang-analyzer-cplusplus.NewDelete): the address alone
     }
 
     ResultCode GetFilterFlags(uint32_t* flags) override {

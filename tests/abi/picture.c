@@ -59,11 +59,15 @@ static bool same_image(const Image* a, const Image* b) {
     return a->format == b->format && a->reserved == b->reserved;
 }
 
+static bool same_frame(const Frame* a, const Frame* b) {
+    return memcmp(a->reserved, b->reserved, sizeof a->reserved) == 0 && a->image == b->image;
+}
+
 bool picture_intact(const Picture* picture) {
     for (int i = 0; i < 3; ++i)
         if (!guarded_intact(&picture->plane[i])) return false;
     return same_image(&picture->image, &picture->image_before) &&
-           memcmp(&picture->frame, &picture->frame_before, sizeof picture->frame) == 0;
+           same_frame(&picture->frame, &picture->frame_before);
 }
 
 void picture_close(Picture* picture) {

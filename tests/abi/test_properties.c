@@ -136,7 +136,7 @@ static void bounds_of(const PropertyRow* row, int* low, int* high) {
 }
 
 static void check_integer(Effect* effect, const PropertyRow* row) {
-    int low, high;
+    int low = 0, high = 0;
     bounds_of(row, &low, &high);
     const struct {
         const char* text;
@@ -199,7 +199,7 @@ static void check_color(Effect* effect, const PropertyRow* row) {
 static const char* const* samples(const PropertyRow* row) {
     static const char *const integers[] = {"10", "2"}, *const small[] = {"2", "1"},
                              *const booleans[] = {"TRUE", "FALSE"}, *const colors[] = {"1,2,3", "200,100,50"};
-    int low, high;
+    int low = 0, high = 0;
     if (row->type == BOOLEAN) return booleans;
     if (row->type == COLOR) return colors;
     bounds_of(row, &low, &high);
@@ -253,7 +253,7 @@ static void check_long_values(Effect* effect, const PropertyRow* row) {
     if (row->type != INTEGER) return;
     memset(text, '9', LONG_TEXT);
     widen(wide, text);
-    int low, high;
+    int low = 0, high = 0;
     bounds_of(row, &low, &high);
     for (int form = 0; form < 2; ++form) {
         expect_code(form ? set_units(effect, name, wide) : set(effect, row->name, text), SUCCESS,
@@ -368,7 +368,7 @@ static void check_apply(Effect* effect, const CatalogueRow* row, const char* kno
 /* Values last through Configure and Shutdown, except those that Configure is said to overwrite. */
 static void check_lasting(Factory* factory, const CatalogueRow* row, const PropertyRow* rows, int count) {
     Effect* effect = create_row(factory, row);
-    const char* wanted[16];
+    const char* wanted[16] = {0};
     for (int i = 0; i < count; ++i) {
         if (!shows_at_once(&rows[i])) continue;
         const char* value = samples(&rows[i])[strcmp(start_value(row, &rows[i]), samples(&rows[i])[0]) == 0];
@@ -387,7 +387,7 @@ static void check_lasting(Factory* factory, const CatalogueRow* row, const Prope
 }
 
 static void check_effect_with_table(Factory* factory, const CatalogueRow* row, int number) {
-    int count;
+    int count = 0;
     const PropertyRow* rows = properties_of(row, &count);
     Effect* effect = create_row(factory, row);
 
@@ -585,7 +585,7 @@ static void check_instances_are_separate(Factory* factory) {
 void test_properties(void) {
     Factory* factory = create_factory();
     for (int i = 0; i < ROWS; ++i) {
-        int count;
+        int count = 0;
         properties_of(&catalogue[i], &count);
         if (count)
             check_effect_with_table(factory, &catalogue[i], i + 1);

@@ -162,7 +162,7 @@ void test_text(void) {
         check_absurd_name_sizes(description, row->name);
         end_check();
 
-        int count;
+        int count = 0;
         const PropertyRow* rows = properties_of(row, &count);
         for (int k = 0; k < count; ++k) {
             begin_check("text: %s, row \"%s\" into buffers of 0 to 40 characters", row->name, rows[k].name);

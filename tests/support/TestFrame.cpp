@@ -26,6 +26,7 @@ TestFrame::TestFrame(const TestFrame& other)
 }
 
 TestFrame& TestFrame::operator=(const TestFrame& other) {
+    if (this == &other) return *this;
     width_ = other.width_;
     height_ = other.height_;
     format_ = other.format_;

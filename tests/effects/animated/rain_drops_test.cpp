@@ -210,7 +210,7 @@ TEST(RainDrops, StartsDry) {
 
 TEST(RainDrops, ConfigureDrawsForPackedStreamsToo) {
     EffectDriver effect(kGuid);
-    int next[2];
+    int next[2] = {};
     for (const int32_t format : {kFormatPlanar, kFormatPacked}) {
         std::srand(17);
         ASSERT_EQ(effect.Configure(48, 36, format), kSuccess);
