@@ -172,6 +172,44 @@ TEST_P(PointStatus, OwnParametersComeLast) {
     }
 }
 
+struct Reduction {
+    int32_t noise;
+    int32_t levels;
+
+    PrimStatus operator()(const Arguments& a) const {
+        return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, noise, 0,
+                                  levels);
+    }
+};
+
+Call ReduceBitsCall(const std::string& what, Reduction good, Reduction bad, PrimStatus status) {
+    return {.name = "PrimReduceBits8uC3, " + what,
+            .run = good,
+            .srcPixelBytes = 3,
+            .dstPixelBytes = 3,
+            .runBadly = bad,
+            .badly = status};
+}
+
+struct Range {
+    float low;
+    float high;
+
+    PrimStatus operator()(const Arguments& a) const {
+        return PrimScale32f8u(static_cast<const float*>(a.src), a.srcStep, a.dst8(), a.dstStep, a.width,
+                              a.height, low, high);
+    }
+};
+
+Call ScaleCall(const std::string& what, Range good, Range bad) {
+    return {.name = "PrimScale32f8u, " + what,
+            .run = good,
+            .srcPixelBytes = 4,
+            .srcAlignment = 4,
+            .runBadly = bad,
+            .badly = kPrimRangeError};
+}
+
 std::vector<Call> AllCalls() {
     static const float kMatrix[12] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
     using A = const Arguments&;
@@ -221,90 +259,12 @@ std::vector<Call> AllCalls() {
                                                            255);
              },
          .badly = kPrimThresholdError},
-        {.name = "PrimReduceBits8uC3, noise",
-         .run =
-             [](A a) {
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, 0, 0,
-                                           2);
-             },
-         .srcPixelBytes = 3,
-         .dstPixelBytes = 3,
-         .runBadly =
-             [](A a) {  // the levels are wrong too
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, 101,
-                                           0, 1);
-             },
-         .badly = kPrimNoiseError},
-        {.name = "PrimReduceBits8uC3, negative noise",
-         .run =
-             [](A a) {
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, 100,
-                                           0, 256);
-             },
-         .srcPixelBytes = 3,
-         .dstPixelBytes = 3,
-         .runBadly =
-             [](A a) {
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, -1, 0,
-                                           2);
-             },
-         .badly = kPrimNoiseError},
-        {.name = "PrimReduceBits8uC3, few levels",
-         .run =
-             [](A a) {
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, 0, 0,
-                                           2);
-             },
-         .srcPixelBytes = 3,
-         .dstPixelBytes = 3,
-         .runBadly =
-             [](A a) {
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, 0, 0,
-                                           1);
-             },
-         .badly = kPrimLevelsError},
-        {.name = "PrimReduceBits8uC3, many levels",
-         .run =
-             [](A a) {
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, 0, 0,
-                                           2);
-             },
-         .srcPixelBytes = 3,
-         .dstPixelBytes = 3,
-         .runBadly =
-             [](A a) {
-                 return PrimReduceBits8uC3(a.src8(), a.srcStep, a.dst8(), a.dstStep, a.width, a.height, 0, 0,
-                                           257);
-             },
-         .badly = kPrimLevelsError},
-        {.name = "PrimScale32f8u",
-         .run =
-             [](A a) {
-                 return PrimScale32f8u(static_cast<const float*>(a.src), a.srcStep, a.dst8(), a.dstStep,
-                                       a.width, a.height, 0, 1);
-             },
-         .srcPixelBytes = 4,
-         .srcAlignment = 4,
-         .runBadly =
-             [](A a) {
-                 return PrimScale32f8u(static_cast<const float*>(a.src), a.srcStep, a.dst8(), a.dstStep,
-                                       a.width, a.height, 1, 1);
-             },
-         .badly = kPrimRangeError},
-        {.name = "PrimScale32f8u, not a number",
-         .run =
-             [](A a) {
-                 return PrimScale32f8u(static_cast<const float*>(a.src), a.srcStep, a.dst8(), a.dstStep,
-                                       a.width, a.height, -1, 1);
-             },
-         .srcPixelBytes = 4,
-         .srcAlignment = 4,
-         .runBadly =
-             [](A a) {
-                 return PrimScale32f8u(static_cast<const float*>(a.src), a.srcStep, a.dst8(), a.dstStep,
-                                       a.width, a.height, 0, std::numeric_limits<float>::quiet_NaN());
-             },
-         .badly = kPrimRangeError},
+        ReduceBitsCall("too much noise", {100, 256}, {101, 1}, kPrimNoiseError),  // the levels are wrong too
+        ReduceBitsCall("negative noise", {0, 2}, {-1, 2}, kPrimNoiseError),
+        ReduceBitsCall("few levels", {0, 2}, {0, 1}, kPrimLevelsError),
+        ReduceBitsCall("many levels", {100, 256}, {100, 257}, kPrimLevelsError),
+        ScaleCall("an empty range", {0, 1}, {1, 1}),
+        ScaleCall("not a number", {-1, 1}, {0, std::numeric_limits<float>::quiet_NaN()}),
         {.name = "PrimUpdateMotionHistory8u32f",
          .run =
              [](A a) {
