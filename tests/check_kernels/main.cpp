@@ -49,6 +49,12 @@ bool Parse(std::string_view text, Number& number) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
+bool Parse(std::string_view text, Size& size) {
+    const size_t cross = text.find('x');
+    return cross != text.npos && Parse(text.substr(0, cross), size.width) &&
+           Parse(text.substr(cross + 1), size.height) && size.width > 0 && size.height > 0;
+}
+
 std::optional<Options> ParseOptions(int argc, char** argv) {
     Options options;
     for (int i = 1; i < argc; ++i) {
@@ -65,19 +71,12 @@ std::optional<Options> ParseOptions(int argc, char** argv) {
             return std::nullopt;
         } else {
             const std::string_view value = argv[++i];
-            const size_t cross = value.find('x');
             if (name == "--group") {
                 options.group = value;
             } else if (name == "--filter") {
                 options.filter = value;
-            } else if (name == "--seed" && Parse(value, options.seed)) {
-                // stored
-            } else if (name == "--size" && cross != value.npos &&
-                       Parse(value.substr(0, cross), options.size.width) &&
-                       Parse(value.substr(cross + 1), options.size.height) && options.size.width > 0 &&
-                       options.size.height > 0) {
-                // stored
-            } else {
+            } else if (!(name == "--seed" && Parse(value, options.seed)) &&
+                       !(name == "--size" && Parse(value, options.size))) {
                 return std::nullopt;
             }
         }

@@ -55,6 +55,12 @@ class Source {
         return byte;
     }
 
+    // -128 to 127.
+    int32_t SignedByte() {
+        const int32_t byte = Byte();
+        return byte < 128 ? byte : byte - 256;
+    }
+
     uint32_t Word() {
         uint32_t word = 0;
         for (int i = 0; i < 4; ++i) word = word << 8 | Byte();
@@ -495,13 +501,13 @@ class Host {
         CInternalInfo* info = guest.effect->GetInternalInfo();
         info->GetName(narrow.data(), size);
         info->GetName(wide.data(), static_cast<int32_t>(size));
-        const int32_t row = static_cast<int8_t>(source_.Byte());
+        const int32_t row = source_.SignedByte();
         info->GetPropTypeInfo(row, narrow.data(), size, narrow.data(), size, narrow.data(), size);
         info->GetPropTypeInfo(row, wide.data(), size, wide.data(), size, wide.data(), size);
         guest.effect->GetPropTypeInfo(row, narrow.data(), size, narrow.data(), size, narrow.data(), size);
         uint32_t flags = 1;
         if (guest.effect->GetFilterFlags(&flags) != kSuccess || flags != 0) Fail("GetFilterFlags", flags);
-        int32_t count = static_cast<int8_t>(source_.Byte());
+        int32_t count = source_.SignedByte();
         std::vector<int32_t> list(2);
         ExpectKnown(guest.effect->GetSupportedFormats(list.data(), &count));
         if (guest.effect->Flush(source_.Word()) != kSuccess) Fail("Flush", 0);
