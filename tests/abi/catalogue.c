@@ -129,7 +129,7 @@ const char* start_value(const CatalogueRow* row, const PropertyRow* property) {
 }
 
 Guid parse_guid(const char* text) {
-    unsigned data1, data2, data3, tail[8];
+    unsigned data1 = 0, data2 = 0, data3 = 0, tail[8] = {0};
     if (sscanf(text, "%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x", &data1, &data2, &data3, &tail[0], &tail[1],
                &tail[2], &tail[3], &tail[4], &tail[5], &tail[6], &tail[7]) != 11) {
         fprintf(stderr, "abi_host: not a GUID: %s\n", text);

@@ -82,6 +82,7 @@ void module_free(void* block) {
  * operator new and operator delete under their linker names. The program is searched before every library,
  * so the module and the C++ run-time library find these.
  */
+/* NOLINTBEGIN(bugprone-reserved-identifier) */
 #define EXPORTED __attribute__((visibility("default")))
 EXPORTED void* _Znwm(size_t size);
 EXPORTED void* _Znam(size_t size);
@@ -103,6 +104,7 @@ EXPORTED void _ZdlPvSt11align_val_tRKSt9nothrow_t(void* block, size_t alignment,
 EXPORTED void _ZdaPvSt11align_val_tRKSt9nothrow_t(void* block, size_t alignment, const void* tag);
 EXPORTED void _ZdlPvmSt11align_val_t(void* block, size_t size, size_t alignment);
 EXPORTED void _ZdaPvmSt11align_val_t(void* block, size_t size, size_t alignment);
+/* NOLINTEND(bugprone-reserved-identifier) */
 
 void* _Znwm(size_t size) {
     return take(size);

@@ -76,7 +76,7 @@ static void packed_to_planar(const uint8_t* packed, uint8_t* const planes[3], in
 }
 
 void sepia_planar_model(uint8_t* const planes[3], int width, int height) {
-    uint8_t* packed = malloc((size_t)width * (size_t)height * 3);
+    uint8_t* packed = calloc((size_t)width * (size_t)height, 3);
     planar_to_packed(planes, packed, width, height);
     sepia_packed_model(packed, width, height);
     packed_to_planar(packed, planes, width, height);

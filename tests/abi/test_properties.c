@@ -98,9 +98,9 @@ static void expect_value(Effect* effect, const char* name, const char* wanted, c
     memset(value, FILL, sizeof value);
     const uint32_t result = get(effect, name, value);
     const bool terminated = memchr(value, 0, sizeof value) != NULL;
-    expect(result == SUCCESS && terminated && strcmp(value, wanted) == 0,
+    expect(result == SUCCESS && terminated && wanted != NULL && strcmp(value, wanted) == 0,
            "\"%s\" after %s: 0x%x \"%.*s\", want \"%s\"", name, after, result, terminated ? 60 : 0, value,
-           wanted);
+           wanted ? wanted : "(nothing)");
 
     Wide wide_name[TEXT_SIZE], wide_value[TEXT_SIZE] = {0};
     widen(wide_name, name);

@@ -24,7 +24,7 @@ class Model {
     }
 
   private:
-    void Step(PlainPlane p, std::vector<PlainPlane>& history, std::span<uint8_t> out) {
+    void Step(const PlainPlane& p, std::vector<PlainPlane>& history, std::span<uint8_t> out) {
         const size_t n = p.pixels.size();
         if (n == 0) return;
         const size_t offset = static_cast<size_t>(counter_) % n;

@@ -76,7 +76,7 @@ class FakeEffect : public CSpecialEffectFilter, public CInternalInfo {
   public:
     void* DeletingDestructor(uint32_t flags) override {
         if ((flags & 1) != 0) delete this;
-        return this;
+        return this;  // NOLINT(clang-analyzer-cplusplus.NewDelete): the address alone
     }
     ResultCode GetFilterFlags(uint32_t*) override { return kSuccess; }
     ResultCode GetSupportedFormats(int32_t*, int32_t*) override { return kSuccess; }
