@@ -24,27 +24,31 @@ demo: setup
 	cmake --build --preset release --target specialeffects specialeffects_program cascade
 	tools/make_demo.sh build/release build/demo
 
+# A suite of tests: its preset, and options of ctest. Those that failed run once more, so that what they print
+# stands at the end.
+run_tests = ctest --preset $(1) -j $(JOBS) $(2) || { ctest --preset $(1) --rerun-failed; false; }
+
 # Clang and the single processor generations run the golden frames alone: what they add is that they compile
 # cleanly and compute the same.
 check: setup
 	cmake --preset clang -DSE_BUILD_BENCH=OFF
 	cmake --build --preset clang
-	ctest --preset clang -j $(JOBS) -R 'Golden|check_kernels'
+	$(call run_tests,clang,-R 'Golden|check_kernels')
 	$(foreach processor,$(PROCESSORS),$(call check_processor,$(processor)))
 	cmake --preset thread
 	cmake --build --preset thread --target soak_tests
-	ctest --preset thread -R SoakThreads
+	$(call run_tests,thread,-R SoakThreads)
 	cmake --preset sanitize
 	cmake --build --preset sanitize
-	ctest --preset sanitize -j $(JOBS)
+	$(call run_tests,sanitize)
 	cmake --preset release
 	cmake --build --preset release
-	ctest --preset release -j $(JOBS)
+	$(call run_tests,release)
 
 define check_processor
 	cmake --preset $(1) -DSE_BUILD_HOST=OFF -DSE_BUILD_BENCH=OFF
 	cmake --build --preset $(1) --target golden_tests
-	ctest --preset $(1) -j $(JOBS) -R Golden
+	$(call run_tests,$(1),-R Golden)
 
 endef
 
