@@ -67,9 +67,10 @@ docs: setup
 	build/release/tools/make_docs build/release/host/specialeffects docs/texts.json build/demo build/effects.csv docs
 	cp build/demo/contact-sheet.jpg docs/images/contact-sheet.jpg
 
+# With the benchmarks, which `make check` leaves out of the same build.
 lint:
 	@tools/setup.sh clang-format clang-tidy cppcheck
-	cmake --preset clang
+	cmake --preset clang -DSE_BUILD_BENCH=ON
 	git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
 	run-clang-tidy -quiet -p build/clang -j $(JOBS) "$(CURDIR)/.*" > build/clang-tidy.txt 2> /dev/null || \
 	    { grep -A3 'error:' build/clang-tidy.txt; false; }

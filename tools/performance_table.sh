@@ -4,7 +4,8 @@
 #
 #   tools/performance_table.sh TIMES.csv
 #
-# Of primitives the table takes those at 1280x720. The bars are ratios to a memcpy of the same frame, at 1920x1080 and on one core.
+# Of primitives the table takes those at 1280x720. The bars are ratios to a memcpy of the same frame, at
+# 1920x1080 and on one core.
 set -eu
 
 awk -F, '
