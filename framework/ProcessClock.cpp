@@ -6,6 +6,7 @@
 namespace {
 
 const auto kLoaded = std::chrono::steady_clock::now();
+constexpr int64_t kMillisecondsBeforeLoading = 2000;
 std::atomic<int64_t (*)()> replacement = nullptr;
 
 }  // namespace
@@ -13,7 +14,7 @@ std::atomic<int64_t (*)()> replacement = nullptr;
 int64_t ProcessMilliseconds() {
     if (const auto milliseconds = replacement.load()) return milliseconds();
     using std::chrono::duration_cast, std::chrono::milliseconds, std::chrono::steady_clock;
-    return duration_cast<milliseconds>(steady_clock::now() - kLoaded).count();
+    return kMillisecondsBeforeLoading + duration_cast<milliseconds>(steady_clock::now() - kLoaded).count();
 }
 
 void ReplaceProcessClock(int64_t (*milliseconds)()) {

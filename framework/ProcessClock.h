@@ -4,7 +4,8 @@
 
 #include <cstdint>
 
-/// Whole milliseconds since the module was loaded, from a clock that never goes back.
+/// Whole milliseconds of the process's life, from a clock that never goes back: 2000 when the module is
+/// loaded. A host loads it some way into its life; with 2 seconds no effect looks back to before the start.
 int64_t ProcessMilliseconds();
 
 /// For tests: another source of milliseconds; null brings the real clock back.

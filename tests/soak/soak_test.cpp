@@ -176,7 +176,7 @@ Expected RunAlone(const CatalogueRow& row, const std::vector<TestFrame>& scene) 
 
 TEST(SoakThreads, EffectsOnManyThreadsComputeWhatTheyComputeAlone) {
     const SoakDirectory directory;
-    ReplaceProcessClock([] { return int64_t{1000}; });
+    ReplaceProcessClock([] { return int64_t{2000}; });
     Noise2(0.5, 0.5);  // the noise tables are drawn once
     const std::vector<TestFrame> scene = DrawScene(96, 80, 4);
     std::vector<Expected> alone;

@@ -17,7 +17,8 @@
 
 namespace {
 
-int64_t clockNow = 0;
+constexpr int64_t kClockAtLoading = 2000;  // as the module's own
+int64_t clockNow = kClockAtLoading;
 
 uint64_t Mix(uint64_t hash, uint64_t value) {
     return (hash ^ value) * 0x100000001B3ULL;
@@ -53,7 +54,7 @@ uint64_t RunGolden(int row, const GoldenSize& size) {
     Noise2(0.5, 0.5);
 
     std::srand(20040229);
-    clockNow = 1000;
+    clockNow = kClockAtLoading;
     ReplaceProcessClock([] { return clockNow; });
     EffectDriver effect(Row(row).create());
     uint64_t hash = 0xCBF29CE484222325ULL;
