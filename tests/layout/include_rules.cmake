@@ -6,14 +6,15 @@
 #   framework    framework; Catalogue.cpp alone knows all effects as well
 #   effects/*    framework without the catalogue, imaging, its own folder; never an effect's header but its own
 #   facetrack    the same
-#   host         its own folder and the two public headers
+#   sfx          sfx, framework, imaging; sfx.h nothing of the tree
+#   host         its own folder, sfx.h and the two headers of the contract
 #   tests/abi    its own folder
 #
 # The module itself includes nothing from outside but the standard library and the compiler's intrinsics.
 # Paths start at the root of the tree in the module; elsewhere they may be relative.
 cmake_minimum_required(VERSION 3.25)
 
-set(rooms framework imaging effects facetrack host tests bench tools)
+set(rooms framework imaging effects facetrack sfx host tests bench tools)
 list(JOIN rooms "|" any_room)
 set(public_headers framework/SpecialEffectFilter.h framework/SpecialEffectFactory.h)
 
@@ -46,6 +47,9 @@ function(sources out)
     set(${out} "${found}" PARENT_SCOPE)
 endfunction()
 
+# Those with a suffix: the compiler's intrinsics, and the C headers of the header for C.
+set(standard_headers immintrin.h stddef.h stdint.h)
+
 # What a file includes from the tree must match `allowed`; what it includes from elsewhere must be standard.
 function(check_module_file file allowed)
     read_includes(${file} includes)
@@ -53,7 +57,7 @@ function(check_module_file file allowed)
         string(SUBSTRING ${include} 0 1 bracket)
         string(SUBSTRING ${include} 1 -1 name)
         if(bracket STREQUAL "<" AND NOT name MATCHES "^(${any_room})/")
-            if(NOT name MATCHES "^[a-z0-9_]+$" AND NOT name STREQUAL "immintrin.h")
+            if(NOT name MATCHES "^[a-z0-9_]+$" AND NOT name IN_LIST standard_headers)
                 violation(${file} "<${name}> is not of the standard library")
             endif()
         elseif(NOT name MATCHES "${allowed}" OR bracket STREQUAL "<")
@@ -107,6 +111,16 @@ foreach(file IN LISTS files)
     endforeach()
 endforeach()
 
+# ---- libsfx ----------------------------------------------------------------------------------------
+sources(files sfx)
+foreach(file IN LISTS files)
+    if(file STREQUAL "sfx/sfx.h")
+        check_module_file(${file} "^$")
+    else()
+        check_module_file(${file} "^(sfx|framework|imaging)/")
+    endif()
+endforeach()
+
 # ---- those outside ---------------------------------------------------------------------------------
 # Checks that `file` in `room` includes, of the tree, only the room's own files and `allowed`.
 function(check_outside_file file room)
@@ -132,7 +146,7 @@ endfunction()
 
 sources(files host)
 foreach(file IN LISTS files)
-    check_outside_file(${file} host ${public_headers})
+    check_outside_file(${file} host ${public_headers} sfx/sfx.h)
 endforeach()
 
 sources(files tests/abi)
