@@ -24,21 +24,24 @@ constexpr int32_t kShadeStep = 2 * kSteepest + 1;
 constexpr int32_t kFlatIndex = kSteepest * kShadeStep + kSteepest;
 using ShadeTable = std::array<uint8_t, static_cast<size_t>(kShadeStep* kShadeStep)>;
 
-const ShadeTable& Shades() {
-    static const ShadeTable table = [] {
-        ShadeTable shades{};
-        size_t entry = 0;
-        for (int32_t ny = -kSteepest; ny <= kSteepest; ++ny) {
-            const int32_t dot = ny * kLightY + kDepth * kLightZ;
-            for (int32_t nx = -kSteepest; nx <= kSteepest; ++nx) {
-                const double length = static_cast<float>(std::sqrt(nx * nx + ny * ny + kDepth * kDepth));
-                const double shade = std::min(std::max(dot, 0) * 1.3 / length, 255.0);
-                shades[entry++] = static_cast<uint8_t>(shade);
-            }
+/// Not constexpr: these square roots take a compiler longer than the rest of this file, and a host 3 ms once.
+ShadeTable ComputeShades() {
+    ShadeTable shades;
+    size_t entry = 0;
+    for (int32_t ny = -kSteepest; ny <= kSteepest; ++ny) {
+        const int32_t dot = ny * kLightY + kDepth * kLightZ;
+        for (int32_t nx = -kSteepest; nx <= kSteepest; ++nx) {
+            const double length = static_cast<float>(std::sqrt(nx * nx + ny * ny + kDepth * kDepth));
+            const double shade = std::min(std::max(dot, 0) * 1.3 / length, 255.0);
+            shades[entry++] = static_cast<uint8_t>(shade);
         }
-        shades[kFlatIndex] = kFlatShade;
-        return shades;
-    }();
+    }
+    shades[kFlatIndex] = kFlatShade;
+    return shades;
+}
+
+const ShadeTable& Shades() {
+    static const ShadeTable table = ComputeShades();
     return table;
 }
 
