@@ -4,11 +4,10 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <nlohmann/json.hpp>
-
 #include "Commands.h"
 #include "EffectChain.h"
 #include "Interrupt.h"
+#include "Json.h"
 #include "ScratchDirectory.h"
 #include "StandardOutput.h"
 #include "TestScene.h"
@@ -90,15 +89,13 @@ void PrintRow(const std::string& effect, const Timing& timing) {
           timing.copy, timing.effect / timing.copy);
 }
 
-nlohmann::ordered_json Json(const std::string& effect, Size size, const Timing& timing) {
-    nlohmann::ordered_json json;
-    json["effect"] = effect;
-    json["width"] = size.width;
-    json["height"] = size.height;
-    json["milliseconds"] = timing.effect;
-    json["memcpyMilliseconds"] = timing.copy;
-    json["ratio"] = timing.effect / timing.copy;
-    return json;
+Json JsonOf(const std::string& effect, Size size, const Timing& timing) {
+    return Json::Object{{"effect", effect},
+                        {"width", size.width},
+                        {"height", size.height},
+                        {"milliseconds", timing.effect},
+                        {"memcpyMilliseconds", timing.copy},
+                        {"ratio", timing.effect / timing.copy}};
 }
 
 }  // namespace
@@ -112,7 +109,7 @@ void Run(const BenchOptions& options) {
     const std::vector<Frame> scene = DrawScene(size);
 
     const ScratchDirectory scratch;
-    nlohmann::ordered_json json = nlohmann::ordered_json::array();
+    Json::Array json;
     if (!options.json) PrintHead(size);
     for (const std::string& effect : effects) {
         std::srand(1);
@@ -120,12 +117,12 @@ void Run(const BenchOptions& options) {
         chain.Configure(size.width, size.height, kFormatPlanar, std::nullopt);
         const Timing timing = Measure(chain, scene);
         if (options.json) {
-            json.push_back(Json(effect, size, timing));
+            json.push_back(JsonOf(effect, size, timing));
         } else {
             PrintRow(effect, timing);
         }
     }
-    if (options.json) Print("{}\n", json.dump(2));
+    if (options.json) Print("{}\n", Json(json).Text());
 }
 
 }  // namespace host

@@ -1,11 +1,10 @@
 // `info`: one effect with its properties.
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
-
 #include "Commands.h"
 #include "EffectChain.h"
 #include "EffectReport.h"
+#include "Json.h"
 #include "ScratchDirectory.h"
 #include "StandardOutput.h"
 
@@ -32,27 +31,22 @@ Report MakeReport(const Module& module, const EffectName& name) {
     return report;
 }
 
-nlohmann::ordered_json Json(const Report& report) {
-    nlohmann::ordered_json json;
-    json["number"] = report.name->number;
-    json["name"] = report.name->shortName;
-    json["displayName"] = report.displayName;
-    json["variant"] = report.name->variant ? nlohmann::ordered_json(*report.name->variant) : nullptr;
-    json["guid"] = report.name->guid;
-    json["listed"] = !report.listedAt.empty();
-    json["listedAt"] = report.listedAt;
-    json["formats"] = report.formats;
-    json["properties"] = nlohmann::ordered_json::array();
-    for (const PropertyReport& property : report.properties) {
-        nlohmann::ordered_json row;
-        row["name"] = property.info.name;
-        row["type"] = TypeName(property.info.type);
-        row["default"] = property.info.defaultText;
-        row["range"] = property.info.range;
-        row["running"] = property.running;
-        json["properties"].push_back(std::move(row));
-    }
-    return json;
+Json JsonOf(const PropertyReport& property) {
+    return Json::Object{{"name", property.info.name},
+                        {"type", TypeName(property.info.type)},
+                        {"default", property.info.defaultText},
+                        {"range", property.info.range},
+                        {"running", property.running}};
+}
+
+Json JsonOf(const Report& report) {
+    Json::Array properties;
+    for (const PropertyReport& property : report.properties) properties.push_back(JsonOf(property));
+    return Json::Object{{"number", report.name->number},     {"name", report.name->shortName},
+                        {"displayName", report.displayName}, {"variant", report.name->variant},
+                        {"guid", report.name->guid},         {"listed", !report.listedAt.empty()},
+                        {"listedAt", report.listedAt},       {"formats", report.formats},
+                        {"properties", properties}};
 }
 
 void PrintWords(const Report& report) {
@@ -83,7 +77,7 @@ void Run(const InfoOptions& options) {
     const Module module(options.module);
     const Report report = MakeReport(module, name);
     if (options.json) {
-        Print("{}\n", Json(report).dump(2));
+        Print("{}\n", JsonOf(report).Text());
     } else {
         PrintWords(report);
     }

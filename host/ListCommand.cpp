@@ -1,10 +1,9 @@
 // `list`: the effects, in the module's order.
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
-
 #include "Commands.h"
 #include "EffectReport.h"
+#include "Json.h"
 #include "ScratchDirectory.h"
 #include "StandardOutput.h"
 
@@ -36,19 +35,17 @@ std::vector<Row> Rows(const Module& module, bool all) {
     return rows;
 }
 
-nlohmann::ordered_json Json(const Row& row) {
-    nlohmann::ordered_json json;
-    json["number"] = row.name != nullptr ? nlohmann::ordered_json(row.name->number) : nullptr;
-    json["name"] = row.name != nullptr ? nlohmann::ordered_json(row.name->shortName) : nullptr;
-    json["displayName"] = row.name != nullptr ? nlohmann::ordered_json(row.name->displayName) : nullptr;
-    const bool variant = row.name != nullptr && row.name->variant.has_value();
-    json["variant"] = variant ? nlohmann::ordered_json(*row.name->variant) : nullptr;
-    json["guid"] = GuidText(row.guid);
-    json["listed"] = !row.listedAt.empty();
-    json["listedAt"] = row.listedAt;
-    json["creatable"] = !row.formats.empty();
-    json["formats"] = row.formats;
-    return json;
+Json JsonOf(const Row& row) {
+    const bool named = row.name != nullptr;
+    return Json::Object{{"number", named ? Json(row.name->number) : nullptr},
+                        {"name", named ? Json(row.name->shortName) : nullptr},
+                        {"displayName", named ? Json(row.name->displayName) : nullptr},
+                        {"variant", named ? Json(row.name->variant) : nullptr},
+                        {"guid", GuidText(row.guid)},
+                        {"listed", !row.listedAt.empty()},
+                        {"listedAt", row.listedAt},
+                        {"creatable", !row.formats.empty()},
+                        {"formats", row.formats}};
 }
 
 void PrintRow(const Row& row) {
@@ -71,9 +68,9 @@ void Run(const ListOptions& options) {
     const Module module(options.module);
     const std::vector<Row> rows = Rows(module, options.all);
     if (options.json) {
-        nlohmann::ordered_json json = nlohmann::ordered_json::array();
-        for (const Row& row : rows) json.push_back(Json(row));
-        Print("{}\n", json.dump(2));
+        Json::Array list;
+        for (const Row& row : rows) list.push_back(JsonOf(row));
+        Print("{}\n", Json(list).Text());
         return;
     }
     Print("{:>3}  {:<18} {:<20} {:>7}  {:<38}  {:<6}  {}\n", "no.", "name", "display name", "variant", "GUID",
