@@ -1,10 +1,55 @@
 #include "facetrack/Cascade.h"
 
 #include <algorithm>
+#include <clocale>
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <locale>
+#include <limits>
 #include <system_error>
+
+namespace {
+
+/// Makes scanf read numbers with a decimal point in this thread, whatever locale the process has set.
+class ClassicNumbers {
+  public:
+    ClassicNumbers(const ClassicNumbers&) = delete;
+    ClassicNumbers& operator=(const ClassicNumbers&) = delete;
+#ifdef _WIN32
+    ClassicNumbers() : mode_(_configthreadlocale(_ENABLE_PER_THREAD_LOCALE)) {
+        if (const char* const name = std::setlocale(LC_NUMERIC, nullptr)) former_ = name;
+        std::setlocale(LC_NUMERIC, "C");
+    }
+    ~ClassicNumbers() {
+        std::setlocale(LC_NUMERIC, former_.c_str());
+        _configthreadlocale(mode_);
+    }
+
+  private:
+    int mode_;
+    std::string former_ = "C";
+#else
+    ClassicNumbers() : classic_(newlocale(LC_ALL_MASK, "C", locale_t{})), former_(uselocale(classic_)) {}
+    ~ClassicNumbers() {
+        uselocale(former_);
+        if (classic_ != locale_t{}) freelocale(classic_);
+    }
+
+  private:
+    locale_t classic_, former_;
+#endif
+};
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+/// True when all the numbers of the format were there.
+template <class... Numbers>
+bool Scan(std::FILE* file, const char* format, Numbers*... numbers) {
+    return std::fscanf(file, format, numbers...) == static_cast<int>(sizeof...(numbers));
+}
+
+}  // namespace
 
 int32_t Cascade::Load(const std::string& path) {
     Clear();
@@ -18,12 +63,19 @@ bool Cascade::Read(const std::string& path) {
     // Only a regular file: opening a pipe could block for ever.
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) return false;
-    std::ifstream file(path);
-    file.imbue(std::locale::classic());
+    const std::unique_ptr<std::FILE, CloseFile> opened(std::fopen(path.c_str(), "r"));
+    std::FILE* const file = opened.get();
+    if (file == nullptr) return false;
+    const ClassicNumbers classic;
+
     int32_t stageCount = 0, classifierCount = 0, rectCount = 0;
-    if (!(file >> windowWidth >> windowHeight >> stageCount >> classifierCount >> rectCount)) return false;
-    if (windowWidth < kSmallestWindow || windowHeight < kSmallestWindow || stageCount < 0 ||
-        classifierCount < 0 || rectCount < 0) {
+    if (!Scan(file, "%d %d %d %d %d", &windowWidth, &windowHeight, &stageCount, &classifierCount,
+              &rectCount)) {
+        return false;
+    }
+    const auto isCount = [](int32_t count) { return count >= 0 && count <= kMostEntries; };
+    if (windowWidth < kSmallestWindow || windowHeight < kSmallestWindow || !isCount(stageCount) ||
+        !isCount(classifierCount) || !isCount(rectCount)) {
         return false;
     }
     const auto allClassifiers = static_cast<size_t>(classifierCount),
@@ -32,23 +84,24 @@ bool Cascade::Read(const std::string& path) {
     for (int32_t s = 0; s < stageCount; ++s) {
         int32_t inStage = 0;
         float stageThreshold = 0;
-        if (!(file >> inStage >> stageThreshold) || inStage < 0) return false;
+        if (!Scan(file, "%d %g", &inStage, &stageThreshold) || inStage < 0) return false;
         stages.push_back(
             {classifierRectCount.size(), static_cast<size_t>(inStage), rects.size(), stageThreshold, {}});
         for (int32_t c = 0; c < inStage; ++c) {
             int32_t inClassifier = 0;
-            if (!(file >> inClassifier) || inClassifier < 0) return false;
+            if (!Scan(file, "%d", &inClassifier) || inClassifier < 0) return false;
             if (classifierRectCount.size() == allClassifiers) return false;
             for (int32_t r = 0; r < inClassifier; ++r) {
                 PrimRect rect{};
                 float weight = 0;
-                if (!(file >> rect.x >> rect.y >> rect.width >> rect.height >> weight)) return false;
+                if (!Scan(file, "%d %d %d %d %g", &rect.x, &rect.y, &rect.width, &rect.height, &weight))
+                    return false;
                 if (rects.size() == allRects) return false;
                 rects.push_back(rect);
                 weights.push_back(weight);
             }
             float threshold = 0, below = 0, above = 0;
-            if (!(file >> threshold >> below >> above)) return false;
+            if (!Scan(file, "%g %g %g", &threshold, &below, &above)) return false;
             classifierRectCount.push_back(inClassifier);
             classifierThreshold.push_back(threshold);
             valueBelow.push_back(below);
@@ -59,15 +112,22 @@ bool Cascade::Read(const std::string& path) {
 }
 
 PrimStatus Cascade::Prepare(int32_t border, double bias) {
+    if (stages.empty()) return kPrimSizeError;
     const auto scale = static_cast<float>(1.0 / (static_cast<double>(windowWidth - 2 * border) *
                                                  static_cast<double>(windowHeight - 2 * border)));
     for (float& weight : weights) weight *= scale;
     for (PrimRect& rect : rects) {
-        const int64_t right = int64_t{rect.x} + rect.width;
         const int64_t turned = int64_t{windowHeight} - rect.height - rect.y;
-        if (right > windowWidth || turned + rect.height > windowHeight || turned < 0) return kPrimSizeError;
+        if (turned < 0 || turned > std::numeric_limits<int32_t>::max()) return kPrimSizeError;
         rect.y = static_cast<int32_t>(turned);
     }
+    // A cascade of empty stages only still needs arrays that are not null.
+    rects.reserve(1);
+    weights.reserve(1);
+    classifierThreshold.reserve(1);
+    valueBelow.reserve(1);
+    valueAbove.reserve(1);
+    classifierRectCount.reserve(1);
     featureWidth = windowWidth - 2;
     featureHeight = windowHeight - 2;
     for (Stage& stage : stages) {

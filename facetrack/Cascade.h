@@ -17,21 +17,27 @@
 ///         for each rectangle:  x, y, width, height, weight
 ///         classifier threshold, value below it, value at or above it
 ///
+/// Numbers are what scanf reads with "%d" and "%g", "inf" and hexadecimal forms included, always with a
+/// decimal point.
+///
 /// y is counted from the window's bottom: `Prepare` turns every rectangle over. A file whose y is counted
 /// from the top therefore suits a detector that is shown pictures upside down.
 class Cascade {
   public:
     static constexpr int32_t kLoaded = 0;
     static constexpr int32_t kBadFile = -5;
+    /// The most stages, classifiers or rectangles of a cascade: some hundred times what trained ones have.
+    static constexpr int32_t kMostEntries = 1 << 20;
 
     /// Reads a file. kBadFile, with the cascade empty, when it cannot be read, ends early, holds something
-    /// that is no number, has a window below 3 by 3 or counts that do not agree. Memory grows with what the
-    /// file really holds, not with what it promises.
+    /// that is not a number, has a window below 3 by 3, more than kMostEntries of anything, or counts that do
+    /// not agree. Memory grows with what the file really holds, not with what its header says.
     int32_t Load(const std::string& path);
 
     /// Scales the weights to the window less `border` on each side, lowers the stage thresholds by `bias`,
-    /// turns the rectangles over and builds the stages. 0, or the status of the primitive that failed; a
-    /// rectangle that leaves the window is refused as a primitive refuses one with negative numbers.
+    /// turns the rectangles over and builds the stages. 0, or the status of the primitive that failed;
+    /// kPrimSizeError without any stage. Turned over, a rectangle must not begin at a negative coordinate,
+    /// but it may reach past the window's far edges.
     PrimStatus Prepare(int32_t border, double bias);
 
     void Clear();

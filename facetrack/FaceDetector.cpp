@@ -297,11 +297,12 @@ CFaceRect CFaceDetector::GetFace() const {
 void CFaceDetector::DrawFaces(CPlane8u& plane) const {
     constexpr uint8_t kWhite = 255;
     if (plane.Empty()) return;
+    const int32_t lastX = plane.width - 1, lastY = plane.height - 1;
     for (const CFaceRect& face : faces) {
-        const int32_t left = std::clamp(face.x, 0, plane.width - 1);
-        const int32_t right = std::clamp(face.x + face.width - 1, 0, plane.width - 1);
-        const int32_t top = std::clamp(face.y, 0, plane.height - 1);
-        const int32_t bottom = std::clamp(face.y + face.height - 1, 0, plane.height - 1);
+        const int32_t faceRight = face.x + face.width - 1, faceBottom = face.y + face.height - 1;
+        if (face.x > lastX || face.y > lastY || faceRight < 0 || faceBottom < 0) continue;
+        const int32_t left = std::max(face.x, 0), right = std::min(faceRight, lastX);
+        const int32_t top = std::max(face.y, 0), bottom = std::min(faceBottom, lastY);
         for (const int32_t y : {top, bottom}) {
             std::fill(plane.Row(y) + left, plane.Row(y) + right + 1, kWhite);
         }

@@ -50,7 +50,8 @@ class CFaceDetector {
     /// none either.
     CFaceRect GetFace() const;
 
-    /// Outlines every face in white, with all four sides clamped to the plane.
+    /// Outlines every face in white, with all four sides clamped to the plane. A face wholly outside the
+    /// plane is left out.
     void DrawFaces(CPlane8u& plane) const;
 
     /// One pass at one scale, its hits collected. 0, or -1 when a primitive failed.

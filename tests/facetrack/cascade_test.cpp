@@ -6,7 +6,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <bit>
+#include <clocale>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -61,16 +64,27 @@ TEST_F(CascadeFile, IsPreparedForTheClassifier) {
 TEST_F(CascadeFile, BadOnesAreRefused) {
     const std::string good = kSmall;
     for (const char* text :
-         {"", "8", "8 6 1 1", "no numbers at all", "8 6 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n",
+         {"",
+          "8",
+          "8 6 1 1",
+          "no numbers at all",
+          "8 6 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n",
           "8 6 1 1 3\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer rectangles than told
           "8 6 1 1 1\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // more
           "8 6 1 2 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer classifiers
           "8 6 2 1 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer stages
           "8 6 1 0 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // more classifiers
           "2 6 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // a window below 3 by 3
-          "0 0 0 0 0\n", "-8 6 1 1 2\n", "8 6 -1 -1 -1\n", "8 6 1000000 1 1\n1 0.5\n",
-          "8 6 1 2147483647 2147483647\n2147483647 0.5\n2147483647\n", "99999999999 6 1 1 2\n",
-          "8 6 1 1 2\n1 nan\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",
+          "0 0 0 0 0\n",
+          "-8 6 1 1 2\n",
+          "8 6 -1 -1 -1\n",
+          "8 6 1000000 1 1\n1 0.5\n",
+          "8 6 1 2147483647 2147483647\n2147483647 0.5\n2147483647\n",
+          "99999999999 6 1 1 2\n",
+          "6 2 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",
+          "8 6 1048577 0 0\n",
+          "8 6 1 1048577 0\n",
+          "8 6 1 0 1048577\n",  // more than any cascade has
           "8 6 1 1 2\n1 0.5\n2\n1 2 4 3 x\n0 0 2 6 2.5\n0.25 -1 1.5\n"}) {
         EXPECT_EQ(Load(text), -5) << text;
         EXPECT_TRUE(cascade.stages.empty() && cascade.rects.empty()) << text;
@@ -84,12 +98,118 @@ TEST_F(CascadeFile, BadOnesAreRefused) {
     EXPECT_EQ(Load(good), 0);
 }
 
-TEST_F(CascadeFile, RectanglesThatLeaveTheWindowAreIllegal) {
-    for (const char* rect : {"-1 2 4 3", "1 -1 4 3", "1 2 8 3", "1 4 4 3", "1 2 0 3", "1 2 4 0", "1 2 4 -3",
-                             "2147483647 2 2147483647 3", "1 2147483647 4 2147483647"}) {
+TEST_F(CascadeFile, NumbersAreThoseOfScanf) {
+    // The same text read by the C library itself, from a process with a decimal point.
+    for (const char* number : {"0.5",
+                               "+.5",
+                               "5.",
+                               "1e60",
+                               "-1e60",
+                               "1e-60",
+                               "1e-40",
+                               "inf",
+                               "-INF",
+                               "Infinity",
+                               "nan",
+                               "0x1.8p3",
+                               "-0X.8",
+                               "0x1.000001p0",
+                               "0x1.0000010000000001p0",
+                               "3.4028236e38",
+                               "16777217",
+                               "1.17549428e-38",
+                               "0.00000000000000000000000000000000000000000000140129846",
+                               "1.00000017881393432617187499",
+                               "1.00000017881393432617187500",
+                               "0x",
+                               "e5",
+                               ".",
+                               "--1",
+                               "infinit",
+                               "1e",
+                               "1,5",
+                               ""}) {
+        const std::string text = std::string("8 6 1 0 0\n0 ") + number + "\n";
+        float expected = 0;
+        const bool good = std::sscanf(text.c_str(), "8 6 1 0 0\n0 %g", &expected) == 1;
+        EXPECT_EQ(Load(text), good ? 0 : -5) << number;
+        if (!good) continue;
+        ASSERT_EQ(cascade.stages.size(), 1U) << number;
+        EXPECT_EQ(std::bit_cast<uint32_t>(cascade.stages[0].threshold), std::bit_cast<uint32_t>(expected))
+            << number;
+    }
+    // A number ends where it cannot go on, with or without space.
+    ASSERT_EQ(Load("\v8\f6\r1\t1 1 1.5 1 0 0 2 3-1 .25-1+1e0"), 0);
+    EXPECT_EQ(cascade.stages[0].threshold, 0.5F);
+    EXPECT_EQ(cascade.rects[0].height, 3);
+    EXPECT_EQ(cascade.weights[0], -1.0F);
+    EXPECT_EQ(cascade.classifierThreshold[0], 0.25F);
+    EXPECT_EQ(cascade.valueBelow[0], -1.0F);
+    EXPECT_EQ(cascade.valueAbove[0], 1.0F);
+}
+
+/// While it lives the process has a decimal comma, as far as this system can have one.
+class DecimalComma {
+  public:
+    DecimalComma() : before_(std::setlocale(LC_ALL, nullptr)) {
+        if (std::system("localedef --no-archive -i de_DE -f UTF-8 ./de_DE.UTF-8 >log 2>&1") != 0) return;
+        setenv("LOCPATH", std::filesystem::current_path().c_str(), 1);
+        std::setlocale(LC_ALL, "de_DE.UTF-8");
+    }
+    DecimalComma(const DecimalComma&) = delete;
+    DecimalComma& operator=(const DecimalComma&) = delete;
+    ~DecimalComma() {
+        std::setlocale(LC_ALL, before_.c_str());
+        unsetenv("LOCPATH");
+    }
+    static bool Holds() {
+        float value = 0;
+        return std::sscanf("1,5", "%g", &value) == 1 && value == 1.5F;
+    }
+
+  private:
+    std::string before_;
+};
+
+TEST_F(CascadeFile, IsReadWithAPointWhereTheProcessHasAComma) {
+    const DecimalComma comma;
+    if (!DecimalComma::Holds()) GTEST_SKIP() << "no locale with a decimal comma can be made";
+    ASSERT_EQ(Load(kSmall), 0);
+    EXPECT_EQ(cascade.stages[0].threshold, 0.5F);
+    EXPECT_EQ(cascade.weights[1], 2.5F);
+    EXPECT_EQ(Load("8 6 1 0 0\n0 0,5\n"), 0);
+    EXPECT_EQ(cascade.stages[0].threshold, 0.0F);
+    EXPECT_TRUE(DecimalComma::Holds()) << "reading changed the process's own locale";
+}
+
+TEST_F(CascadeFile, RectanglesWithNegativeNumbersAreIllegal) {
+    // The last ones begin at a negative y when they have been turned over.
+    for (const char* rect :
+         {"-1 2 4 3", "1 2 0 3", "1 2 4 0", "1 2 -4 3", "1 2 4 -3", "1 4 4 3", "2147483647 2 2147483647 3",
+          "1 2147483647 4 2147483647", "1 -2147483648 4 2147483647"}) {
         ASSERT_EQ(Load("8 6 1 1 1\n1 0.5\n1\n" + std::string(rect) + " -1\n0.25 -1 1.5\n"), 0) << rect;
         EXPECT_NE(cascade.Prepare(1, 0.0001), kPrimOk) << rect;
     }
+    ASSERT_EQ(Load("8 6 1 1 0\n1 0.5\n0\n0.25 -1 1.5\n"), 0);  // a classifier needs a rectangle
+    EXPECT_NE(cascade.Prepare(1, 0.0001), kPrimOk);
+}
+
+TEST_F(CascadeFile, RectanglesMayReachPastTheFarEdges) {
+    ASSERT_EQ(Load("8 6 1 2 2\n2 0.5\n1\n5 1 4 3 -1\n0.25 -1 1.5\n1\n1 -3 4 3 1\n0.25 -1 1.5\n"), 0);
+    ASSERT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    EXPECT_EQ(cascade.rects[1].y, 6);
+    EXPECT_EQ(cascade.featureWidth, 9);
+    EXPECT_EQ(cascade.featureHeight, 9);
+}
+
+TEST_F(CascadeFile, NeedsAStageButNotAClassifier) {
+    ASSERT_EQ(Load("8 6 0 0 0\n"), 0);
+    EXPECT_NE(cascade.Prepare(1, 0.0001), kPrimOk);
+    ASSERT_EQ(Load("8 6 1 0 0\n0 0\n"), 0);
+    EXPECT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    // Before, between and after others.
+    ASSERT_EQ(Load("8 6 4 1 1\n0 0\n0 0\n1 0.5\n1\n1 2 4 3 -1\n0.25 -1 1.5\n0 0\n"), 0);
+    EXPECT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
 }
 
 TEST_F(CascadeFile, AHundredMegabytesCostNoMoreThanTheyHold) {
@@ -125,11 +245,15 @@ TEST_F(Detector, SaysWhatIsWrong) {
     detector.SetCascadePath(nullptr);
     EXPECT_EQ(Complaint(7, 240), "ERROR: face size and image size are invalid\n");
     EXPECT_EQ(Complaint(0, 0), "ERROR: face size and image size are invalid\n");
-    std::ofstream("bad.txt") << "8 6 1 1 1\n1 0.5\n1\n7 0 3 3 -1\n0.25 -1 1.5\n";
-    detector.SetCascadePath("bad.txt");
-    EXPECT_EQ(Complaint(320, 240), "ERROR: cascade is illegal\n");
-    EXPECT_FALSE(initialized);
-    std::ofstream("wide.txt") << "10000 10000 0 0 0\n";
+    for (const char* bad :
+         {"8 6 1 1 1\n1 0.5\n1\n-7 0 3 3 -1\n0.25 -1 1.5\n", "8 6 0 0 0\n", "1000 500 0 0 0"}) {
+        std::ofstream("bad.txt") << bad;
+        detector.SetCascadePath("bad.txt");
+        EXPECT_EQ(Complaint(1920, 1080), "ERROR: cascade is illegal\n") << bad;
+        EXPECT_FALSE(initialized) << bad;
+        EXPECT_EQ(detector.Hits(), nullptr) << bad;
+    }
+    std::ofstream("wide.txt") << "10000 10000 1 0 0\n0 0\n";
     detector.SetCascadePath("wide.txt");
     EXPECT_EQ(Complaint(320, 240), "ERROR: face size and image size are invalid\n");
     EXPECT_EQ(Complaint(16384, 16384), "ERROR: face size and image size are invalid\n");
@@ -142,7 +266,7 @@ TEST_F(Detector, SaysWhatIsWrong) {
 }
 
 TEST_F(Detector, CutsTheScalesIntoGroups) {
-    std::ofstream("haar.txt") << "20 20 0 0 0\n";
+    std::ofstream("haar.txt") << "20 20 1 0 0\n0 0\n";
     std::vector<std::pair<int32_t, int32_t>> sizes = {{320, 240}, {1920, 1080}, {64, 48}, {4000, 64}};
     for (int32_t height = 150; height <= 640; height += 5) sizes.push_back({640, height});
     size_t opening = 0, closing = 0, late = 0;
@@ -303,12 +427,18 @@ TEST(Faces, OfEqualSizeTheEarlierCounts) {
 TEST(Faces, AreOutlinedWithinThePlane) {
     CFaceDetector detector;
     CHitStore store(5.0F, 1.3F);
-    store.Add({10, 10, 60});    // reaches out at the upper left
-    store.Add({90, 70, 30});    // ends beyond the lower right
-    store.Add({500, 500, 20});  // lies outside altogether
+    store.Add({10, 10, 60});  // reaches out at the upper left
+    store.Add({90, 70, 30});  // ends beyond the lower right
+    // These lie outside altogether: left, right, above and below, by one pixel and by many.
+    for (const Hit hit : {Hit{-10, 60, 20}, {110, 40, 20}, {70, -10, 20}, {60, 90, 20}, {500, 500, 20}}) {
+        store.Add(hit);
+    }
     detector.MergeFaces(store);
+    ASSERT_EQ(detector.Faces().size(), 7U);
     CPlane8u plane(100, 80);
     detector.DrawFaces(plane);
+    // Squares of 40 and 25 are left of the two others, with sides that are outside drawn on the edge.
+    EXPECT_EQ(SumPixels(plane), 255U * (4 * 40 - 4 + 4 * 25 - 4));
     EXPECT_EQ(plane.Row(0)[39], 255);
     EXPECT_EQ(plane.Row(39)[0], 255);
     EXPECT_EQ(plane.Row(39)[39], 255);

@@ -205,7 +205,7 @@ class Model {
 
 class PictureMe : public testing::Test {
   protected:
-    PictureMe() { std::ofstream("haar.txt") << "20 20 0 0 0\n"; }
+    PictureMe() { std::ofstream("haar.txt") << "20 20 1 0 0\n0 0\n"; }
 
     CROISpecialEffectFilter& Region() { return static_cast<CROISpecialEffectFilter&>(*effect); }
 
@@ -375,7 +375,7 @@ TEST_F(PictureMe, GoesWithoutACascade) {
 }
 
 TEST_F(PictureMe, ForgetsTheFacesOfAnEarlierStream) {
-    // The cascade of this fixture has no stages: to it every edge is a face.
+    // The cascade of this fixture has no classifiers: to it every edge is a face.
     const auto processed = [&](int frames, int32_t format) {
         TestFrame frame(160, 120, format);
         for (int i = 0; i < frames; ++i) effect.Process(frame.DrawScene(i));
