@@ -64,12 +64,12 @@ void Effect::ReleaseWorkspace() {
 }
 
 void Effect::Layout(bool keepCount) {
-    constexpr int32_t kUsualCount = 3;
-    if (!IsServed(Stream)) return;  // a stream that was refused has no frames to lay anything over
+    constexpr int32_t kUsualCount = 3;  // half of what fits where fewer fit
+    if (!IsServed(Stream)) return;      // a stream that was refused has no frames to lay anything over
     const int32_t size = AppliedPictureSize * Stream.Height / 100;
     ThumbWidth = ThumbHeight = (size - 2) / 4 * 4;
     MaxTextures = Stream.Height / (ThumbHeight + 1);
-    if (!keepCount) TexturesNumber = kUsualCount;
+    if (!keepCount) TexturesNumber = MaxTextures < kUsualCount ? MaxTextures / 2 : kUsualCount;
     TexturesNumber = std::min(TexturesNumber, MaxTextures);
     SetTextureCount(TexturesNumber);
     CurrentTexture = 0;

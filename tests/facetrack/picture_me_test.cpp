@@ -70,7 +70,7 @@ class Model {
         const int t = applied_ * h_ / 100;
         side_ = (t - 2) / 4 * 4;
         maxTextures = h_ / (side_ + 1);
-        if (!keep) texturesNumber = 3;
+        if (!keep) texturesNumber = maxTextures < 3 ? maxTextures / 2 : 3;
         texturesNumber = std::min(texturesNumber, maxTextures);
         SetCount(texturesNumber);
         current_ = 0;
@@ -288,6 +288,17 @@ TEST_F(PictureMe, LaysOutWhatFits) {
     EXPECT_EQ(effect.Get("Textures Number"), "3");
     EXPECT_EQ(effect.Set("Textures Number", "99"), kSuccess);
     EXPECT_EQ(effect.Get("Textures Number"), "4");
+
+    // Two of half the height fit: as many as are there already, or half of them from the start.
+    ASSERT_EQ(effect.Configure(320, 240), kSuccess);
+    EXPECT_EQ(effect.Set("Picture Size", "50"), kSuccess);
+    TestFrame frame = TestFrame(320, 240).DrawScene(1);
+    RegionRect face{10, 60, 10, 60};
+    RegionRecord region{0, &face};
+    ASSERT_EQ(Region().ProcessRegion(frame.record(), &region), kSuccess);
+    EXPECT_EQ(effect.Get("Textures Number"), "2");
+    ASSERT_EQ(effect.Configure(320, 240), kSuccess);
+    EXPECT_EQ(effect.Get("Textures Number"), "1");
 }
 
 TEST_F(PictureMe, KeepsTheContract) {
