@@ -1,88 +1,121 @@
-# The commands that people type. Each installs what is missing (Debian 12) and builds what it needs.
-#
-#   make demo     every effect over a clip: pictures, clips, a showreel and a page to look at them
-#   make check    all tests: release build, sanitizers, and the same frames from both compilers
-#   make bench    times of every primitive and effect
-#   make build    the module and the host program in build/release
-#   make lint     clang-format, clang-tidy and cppcheck over the whole tree
-#   make install  PREFIX=/usr/local by default
+# The commands that people type. `make help` lists them. Each installs what it needs (Debian 12) and builds the rest.
 
 PREFIX ?= /usr/local
-JOBS := $(shell nproc)
+JOBS ?= $(shell nproc)
+RELEASE := build/release
+INSTALLED ?= build/installed.txt
 
-# The generations below the newest that this machine has, which the release build chooses by itself.
-PROCESSORS := baseline $(shell grep -qw avx512vbmi /proc/cpuinfo && echo avx2)
+# What `make check-all` consists of. A part is one word here and its rule check-WORD below.
+PARTS ?= install clang sanitize thread fuzz slow
 
-.PHONY: build demo check bench docs lint install setup clean
+.PHONY: build install uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
-build: setup
-	cmake --preset release
-	cmake --build --preset release
+## build      the library and the program, in build/release
+build:
+	@tools/setup.sh build
+	cmake --preset release -DCMAKE_INSTALL_PREFIX=$(PREFIX)
+	cmake --build --preset release --target product
 
-demo: setup
-	cmake --preset release
-	cmake --build --preset release --target specialeffects specialeffects_program cascade
-	tools/make_demo.sh build/release build/demo
+## install    into PREFIX (/usr/local); DESTDIR=FOLDER puts that folder in front of it
+install: build
+	cmake --install $(RELEASE)
+	cp $(RELEASE)/install_manifest.txt $(INSTALLED)
 
-# A suite of tests: its preset, and options of ctest. Those that failed run once more, so that what they print
-# stands at the end.
+## uninstall  what the last `make install` installed, with the same DESTDIR
+uninstall:
+	@tools/uninstall.sh $(INSTALLED)
+
+## demo       every effect over a clip: pictures, clips, a showreel and build/demo/index.html
+demo: build
+	@tools/setup.sh demo
+	tools/make_demo.sh $(RELEASE) build/demo
+
+# Builds a preset's targets, and runs tests: preset, options of ctest. Tests that fail run once more, so that what
+# they print stands at the end.
+build_tests = cmake --preset $(1) -DSE_BUILD_TESTS=ON && cmake --build --preset $(1) --target $(2)
 run_tests = ctest --preset $(1) -j $(JOBS) $(2) || { ctest --preset $(1) --rerun-failed; false; }
 
-# Clang and the single processor generations run the golden frames alone: what they add is that they compile
-# cleanly and compute the same.
-check: setup
-	cmake --preset clang -DSE_BUILD_BENCH=OFF
-	cmake --build --preset clang
+## check      the quick proof: all tests of the release build but the slow ones
+check:
+	@tools/setup.sh build check
+	$(call build_tests,release,all)
+	$(call run_tests,release,-LE slow)
+
+## check-all  what takes longer; `make check-NAME` runs one part: $(PARTS)
+check-all:
+	@tools/check_all.sh $(PARTS)
+
+# Installation into a folder, as a packager does it, and back.
+check-install:
+	tests/layout/make_install.sh
+
+# The other compiler: no warning, the same frames and kernels.
+check-clang:
+	@tools/setup.sh build check clang
+	$(call build_tests,clang,all)
 	$(call run_tests,clang,-R 'Golden|check_kernels')
-	$(foreach processor,$(PROCESSORS),$(call check_processor,$(processor)))
-	cmake --preset thread
-	cmake --build --preset thread --target soak_tests
+
+# Address and undefined-behaviour sanitizers.
+check-sanitize:
+	@tools/setup.sh build check
+	$(call build_tests,sanitize,all)
+	$(call run_tests,sanitize,-LE slow)
+
+# All effects at once on many threads under the thread sanitizer.
+check-thread:
+	@tools/setup.sh build check clang
+	$(call build_tests,thread,soak_tests)
 	$(call run_tests,thread,-R SoakThreads)
-	cmake --preset sanitize
-	cmake --build --preset sanitize
-	$(call run_tests,sanitize)
-	cmake --preset release
-	cmake --build --preset release
-	$(call run_tests,release)
 
-define check_processor
-	cmake --preset $(1) -DSE_BUILD_HOST=OFF -DSE_BUILD_BENCH=OFF
-	cmake --build --preset $(1) --target golden_tests
-	$(call run_tests,$(1),-R Golden)
+# A minute of guided fuzzing on every core, from the inputs on record. What it discovers stays in build/fuzz/corpus.
+FUZZ_SECONDS ?= 60
+check-fuzz:
+	@tools/setup.sh build check clang
+	$(call build_tests,fuzz,fuzz_contract)
+	mkdir -p build/fuzz/corpus
+	cd build/fuzz && tests/fuzz/fuzz_contract -fork=$(JOBS) -max_total_time=$(FUZZ_SECONDS) corpus \
+	    $(CURDIR)/tests/fuzz/inputs
 
-endef
+# Long runs and wide sweeps of the release build.
+check-slow:
+	@tools/setup.sh build check
+	$(call build_tests,release,all)
+	$(call run_tests,release,-L slow)
 
-bench: setup
-	cmake --preset release
+## bench      times of every primitive and effect
+bench:
+	@tools/setup.sh build bench
+	cmake --preset release -DSE_BUILD_BENCH=ON
 	cmake --build --preset release --target bench_primitives bench_effects bench_faces
-	build/release/bench/bench_primitives --benchmark_counters_tabular=true
-	build/release/bench/bench_effects --benchmark_counters_tabular=true
-	build/release/bench/bench_faces --benchmark_counters_tabular=true
+	$(RELEASE)/bench/bench_primitives --benchmark_counters_tabular=true
+	$(RELEASE)/bench/bench_effects --benchmark_counters_tabular=true
+	$(RELEASE)/bench/bench_faces --benchmark_counters_tabular=true
 
-# After `make demo`: a page for each effect, with its picture and its time.
-docs: setup
-	cmake --preset release
-	cmake --build --preset release --target make_docs bench_effects specialeffects_program
-	build/release/bench/bench_effects --benchmark_format=csv > build/effects.csv
-	build/release/tools/make_docs build/release/host/specialeffects docs/texts.json build/demo build/effects.csv docs
+## docs       a page for each effect with its picture and its time, after `make demo`
+docs: build
+	@tools/setup.sh bench
+	cmake --preset release -DSE_BUILD_BENCH=ON
+	cmake --build --preset release --target make_docs bench_effects
+	$(RELEASE)/bench/bench_effects --benchmark_format=csv > build/effects.csv
+	$(RELEASE)/tools/make_docs $(RELEASE)/host/specialeffects docs/texts.json build/demo build/effects.csv docs
 	cp build/demo/contact-sheet.jpg docs/images/contact-sheet.jpg
 
-# With the benchmarks, which `make check` leaves out of the same build.
+## lint       clang-format, clang-tidy, cppcheck and shellcheck over the whole tree
 lint:
-	@tools/setup.sh clang-format clang-tidy cppcheck
-	cmake --preset clang -DSE_BUILD_BENCH=ON
+	@tools/setup.sh build lint
+	cmake --preset clang -DSE_BUILD_TESTS=ON -DSE_BUILD_BENCH=ON
 	git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
+	git ls-files '*.sh' .ci/run | xargs shellcheck
 	run-clang-tidy -quiet -p build/clang -j $(JOBS) "$(CURDIR)/.*" > build/clang-tidy.txt 2> /dev/null || \
 	    { grep -A3 'error:' build/clang-tidy.txt; false; }
 	cppcheck --std=c++20 --library=googletest --enable=warning,performance,portability --quiet -I . -j $(JOBS) \
 	    --suppressions-list=.cppcheck-suppressions --error-exitcode=1 \
 	    framework imaging effects facetrack host tools bench tests
 
-install: build
-	cmake --install build/release --prefix $(PREFIX)
-
-setup:
-	@tools/setup.sh
-
+## clean      removes build/
 clean:
 	rm -rf build
+
+help:
+	@echo "make TARGET, where TARGET is"
+	@sed -n 's/^## /  /p' $(MAKEFILE_LIST) | sed 's/[$$](PARTS)/$(PARTS)/'

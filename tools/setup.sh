@@ -1,16 +1,35 @@
 #!/bin/sh
-# Installs what building, testing and the demo need on Debian 12, and the packages named as arguments. Does
-# nothing, at once, when all is there.
+# Installs what the named groups need on Debian 12:
+#
+#   tools/setup.sh GROUP...
+#
+# Does nothing, at once, when all is there. A group is one line of the table: its name and its packages.
 set -eu
 
-packages="build-essential clang libclang-rt-dev cmake ninja-build ccache pkg-config git
-    libgtest-dev libbenchmark-dev libcli11-dev libfmt-dev nlohmann-json3-dev
-    libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev
-    opencv-data libpugixml-dev imagemagick ffmpeg $*"
+groups='
+build        build-essential cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev
+build        libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev libpugixml-dev opencv-data
+check        ccache libgtest-dev
+clang        clang libclang-rt-dev
+demo         ffmpeg imagemagick
+bench        libbenchmark-dev
+lint         git clang clang-format clang-tidy cppcheck shellcheck libbenchmark-dev libgtest-dev
+'
 
+packages=""
+for group in "$@"; do
+    found=$(echo "$groups" | awk -v group="$group" '$1 == group { $1 = ""; print }')
+    [ -n "$found" ] || { echo "tools/setup.sh: there is no group $group" >&2; exit 2; }
+    packages="$packages $found"
+done
+
+if ! command -v dpkg-query > /dev/null; then
+    echo "Not a Debian system; it should have what these packages hold: $packages"
+    exit 0
+fi
 missing=""
 for package in $packages; do
-    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
+    dpkg-query -W -f='${Status}' "$package" 2> /dev/null | grep -q '^install ok installed$' ||
         missing="$missing $package"
 done
 [ -n "$missing" ] || exit 0
@@ -18,6 +37,10 @@ done
 echo "Installing:$missing"
 as_root=""
 [ "$(id -u)" -eq 0 ] || as_root="sudo"
-$as_root apt-get update -qq
+export DEBIAN_FRONTEND=noninteractive
 # shellcheck disable=SC2086  # a list of words is meant
-DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends $missing
+if $as_root apt-get update -qq && $as_root apt-get install -y -qq --no-install-recommends $missing; then
+    exit 0
+fi
+echo "Cannot be installed:$missing" >&2
+exit 1
