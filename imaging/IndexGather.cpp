@@ -5,6 +5,7 @@
 #include <cstring>
 #include <optional>
 
+#include "imaging/ReleaseMemory.h"
 #include "imaging/Simd.h"
 
 // A map is compiled into blocks, each a few 32-bit words:
@@ -333,8 +334,7 @@ void CGatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t sr
 }
 
 void CGatherMap::Release() {
-    runs_ = {};
-    words_ = {};
+    ReleaseMemory(runs_, words_);
     width_ = 0;
 }
 

@@ -6,6 +6,7 @@
 
 #include "effects/animated/TextRenderer.h"
 #include "framework/ProcessClock.h"
+#include "imaging/ReleaseMemory.h"
 #include "imaging/ScalarColor.h"
 
 using Effect = CLogoAnimationSpecialEffectFilter;
@@ -66,8 +67,7 @@ void Effect::Release() {
     CurrentField = nullptr;
     PictureField.reset();
     TextField.reset();
-    Text = {};
-    LogoPath = {};
+    ReleaseMemory(Text, LogoPath);
 }
 
 /// Brings the current field to the wanted number: the oldest copies go first, new ones come last.

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "imaging/Multiversion.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -48,7 +49,7 @@ void CQuarkSpecialEffectFilter::Prepare() {
 }
 
 void CQuarkSpecialEffectFilter::Release() {
-    for (std::vector<uint8_t>* buffer : {&HistoryY, &HistoryU, &HistoryV, &Noise, &HalfNoise}) *buffer = {};
+    ReleaseMemory(HistoryY, HistoryU, HistoryV, Noise, HalfNoise);
 }
 
 void CQuarkSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {

@@ -7,6 +7,7 @@
 
 #include "imaging/Multiversion.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -55,9 +56,7 @@ void CRainSpecialEffectFilter::Prepare() {
 }
 
 void CRainSpecialEffectFilter::Release() {
-    Output = {};
-    TargetWaves = {};
-    SourceWaves = {};
+    ReleaseMemory(Output, TargetWaves, SourceWaves);
 }
 
 /// A drop stands 192 high in its middle and falls off with the distance.

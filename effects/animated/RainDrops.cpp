@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "imaging/ReleaseMemory.h"
+
 namespace {
 
 constexpr int32_t kCell = 12;   ///< pixels a cell
@@ -146,10 +148,7 @@ void CRainDropsSpecialEffectFilter::Prepare() {
 }
 
 void CRainDropsSpecialEffectFilter::Release() {
-    BumpMap.Release();
-    Source.Release();
-    JitterX = {};
-    JitterY = {};
+    ReleaseMemory(BumpMap, Source, Grid, JitterX, JitterY);
 }
 
 void CRainDropsSpecialEffectFilter::DrawBumpMap() {

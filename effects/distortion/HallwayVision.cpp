@@ -5,6 +5,7 @@
 
 #include "effects/distortion/Gather.h"
 #include "effects/distortion/RemapTable.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -94,10 +95,7 @@ void CHallwayVisionSpecialEffectFilter::Prepare() {
 }
 
 void CHallwayVisionSpecialEffectFilter::Release() {
-    Scratch.Release();
-    IndexFull.Release();
-    IndexHalf.Release();
-    LumaWarp = {};
+    ReleaseMemory(Scratch, IndexFull, IndexHalf, LumaWarp);
 }
 
 void CHallwayVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {

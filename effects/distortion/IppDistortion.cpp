@@ -7,6 +7,7 @@
 #include "effects/distortion/Gather.h"
 #include "effects/distortion/RemapTable.h"
 #include "framework/StreamRules.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -26,12 +27,16 @@ ResultCode CSpecialEffectFilter_IppDistortion::Configure(StreamDescription* desc
     const size_t pixels = PixelCount(Stream.Width, Stream.Height);
     const size_t chromaPixels = PixelCount(Stream.Width / 2, Stream.Height / 2);
     // Pixels without a source are never written, so they show forever what stands here at the start: black.
-    std::vector<uint8_t> scratch(planar ? pixels : 3 * pixels);
+    std::vector<uint8_t> scratch;
+    scratch.reserve(planar ? pixels + 2 * chromaPixels : 3 * pixels);
+    scratch.resize(planar ? pixels : 3 * pixels);
+    CGatherMap halfMap;
     if (planar) {
         scratch.resize(pixels + 2 * chromaPixels, 128);
-        HalfMap = BuildMap(Stream.Width / 2, Stream.Height / 2, 1);
+        halfMap = BuildMap(Stream.Width / 2, Stream.Height / 2, 1);
     }
     FullMap = BuildMap(Stream.Width, Stream.Height, planar ? 1 : 3);
+    HalfMap = std::move(halfMap);
     Scratch = std::move(scratch);
     return kSuccess;
 }
@@ -79,8 +84,6 @@ void CSpecialEffectFilter_IppDistortion::ProcessPacked(uint8_t* pixels) {
 }
 
 ResultCode CSpecialEffectFilter_IppDistortion::Shutdown() {
-    HalfMap.Release();
-    FullMap.Release();
-    Scratch = {};
+    ReleaseMemory(HalfMap, FullMap, Scratch);
     return kSuccess;
 }

@@ -8,6 +8,7 @@
 #include "imaging/GradientNoise.h"
 #include "imaging/Lookup.h"
 #include "imaging/Prim.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -66,10 +67,7 @@ void CLiquefySpecialEffectFilter::Prepare() {
 }
 
 void CLiquefySpecialEffectFilter::Release() {
-    TempPlane.Release();
-    HeightMap.Release();
-    ScrollPlane.Release();
-    Frames.clear();
+    ReleaseMemory(TempPlane, HeightMap, ScrollPlane, Frames);
 }
 
 /// A wave along each axis, 100 pixels long, that moves on by one period within the cycle.

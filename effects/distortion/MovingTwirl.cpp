@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "imaging/Multiversion.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -96,11 +97,7 @@ void CMovingTwirlSpecialEffectFilter::Prepare() {
 }
 
 void CMovingTwirlSpecialEffectFilter::Release() {
-    Scratch.Release();
-    SinCosTable = {};
-    Luma = Chroma = {};
-    Turn = {};
-    Sources = {};
+    ReleaseMemory(Scratch, SinCosTable, Luma, Chroma, Turn, Sources);
 }
 
 /// The phase is not clamped at its limits: the next frame brings it back.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "imaging/Plane8u.h"
+#include "imaging/ReleaseMemory.h"
 
 class TonePages {
   public:
@@ -29,7 +30,7 @@ class TonePages {
         }
     }
 
-    void Release() { drawn_.clear(); }
+    void Release() { ReleaseMemory(drawn_); }
 
     /// Replaces each of `count` tones by what the page of that tone shows. The tones are laid on the pixels
     /// from number `first` on, row after row; past their last pixel the pages start again. For pages that

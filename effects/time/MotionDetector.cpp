@@ -4,6 +4,7 @@
 #include "imaging/ExactDivision.h"
 #include "imaging/Multiversion.h"
 #include "imaging/Prim.h"
+#include "imaging/ReleaseMemory.h"
 #include "imaging/ScalarColor.h"
 
 namespace {
@@ -48,9 +49,7 @@ void CMotionDetectorSpecialEffectFilter::Prepare() {
 }
 
 void CMotionDetectorSpecialEffectFilter::Release() {
-    Smoothed.Release();
-    Background.Release();
-    History = {};
+    ReleaseMemory(Smoothed, Background, History);
 }
 
 void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {

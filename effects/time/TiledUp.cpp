@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "imaging/Multiversion.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -44,9 +45,7 @@ void CTiledUpSpecialEffectFilter::Prepare() {
 }
 
 void CTiledUpSpecialEffectFilter::Release() {
-    Shade.Release();
-    GridStorage.Release();
-    GroutMap = {};
+    ReleaseMemory(Shade, GridStorage, GroutMap);
 }
 
 void CTiledUpSpecialEffectFilter::SetTileSize(int32_t size) {

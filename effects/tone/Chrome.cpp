@@ -6,6 +6,7 @@
 
 #include "imaging/Lookup.h"
 #include "imaging/Multiversion.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -58,9 +59,7 @@ void CChromeSpecialEffectFilter::Prepare() {
 }
 
 void CChromeSpecialEffectFilter::Release() {
-    PreviousPlane.Release();
-    SmoothPlane.Release();
-    Slant = {};
+    ReleaseMemory(PreviousPlane, SmoothPlane, Slant);
 }
 
 void CChromeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {

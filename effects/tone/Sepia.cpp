@@ -1,6 +1,7 @@
 #include "effects/tone/Sepia.h"
 
 #include "imaging/Prim.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ void CSepiaSpecialEffectFilter::Prepare() {
 }
 
 void CSepiaSpecialEffectFilter::Release() {
-    Workspace = {};
+    ReleaseMemory(Workspace);
 }
 
 ResultCode CSepiaSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {

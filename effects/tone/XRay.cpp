@@ -5,6 +5,7 @@
 
 #include "imaging/Multiversion.h"
 #include "imaging/PrimDivide.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -43,8 +44,7 @@ void CXRaySpecialEffectFilter::Prepare() {
 }
 
 void CXRaySpecialEffectFilter::Release() {
-    Workspace.Release();
-    ColumnSums = {};
+    ReleaseMemory(Workspace, ColumnSums);
 }
 
 void CXRaySpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
