@@ -19,6 +19,7 @@
 #define SPECIALEFFECTS_FRAMEWORK_EFFECTBASE_H
 
 #include <algorithm>
+#include <new>
 #include <span>
 #include <type_traits>
 
@@ -76,9 +77,14 @@ class EffectBase : public Interface {
     }
 
     ResultCode SetProperty(PropertyRecord* record) override {
-        return WithProperty(record, [&](const Property<Effect>& row) {
-            row.set(Self(), ParseProperty(row.type, record->Value, row.lowest, row.highest));
-        });
+        try {
+            return WithProperty(record, [&](const Property<Effect>& row) {
+                row.set(Self(), ParseProperty(row.type, record->Value, row.lowest, row.highest));
+            });
+        } catch (const std::bad_alloc&) {
+            this->Shutdown();
+            return kOutOfMemory;
+        }
     }
     ResultCode SetProperty(WidePropertyRecord* wide) override {
         return Narrowed(wide, [&](PropertyRecord* narrow) { return this->SetProperty(narrow); });
@@ -236,11 +242,16 @@ class PlanarEffect : public EffectBase<Effect> {
         if (Effect::NeedsWorkspace && !hasWorkspace_) return kFailure;
 
         const PlanarFrame planes(image, stream_);
-        if constexpr (std::is_void_v<decltype(Self().ProcessPlanar(planes))>) {
-            Self().ProcessPlanar(planes);
-            return kSuccess;
-        } else {
-            return Self().ProcessPlanar(planes);
+        try {
+            if constexpr (std::is_void_v<decltype(Self().ProcessPlanar(planes))>) {
+                Self().ProcessPlanar(planes);
+                return kSuccess;
+            } else {
+                return Self().ProcessPlanar(planes);
+            }
+        } catch (const std::bad_alloc&) {
+            ReleaseWorkspace();
+            return kOutOfMemory;
         }
     }
 

@@ -30,7 +30,11 @@ class CSpecialEffectFactory final : public ISpecialEffectFactory {
         if (effect == nullptr) return kInvalidArgument;
         for (const CatalogueRow& row : EffectCatalogue()) {
             if (SameGuid(row.id, id)) {
-                *effect = row.create();
+                try {
+                    *effect = row.create();
+                } catch (const std::bad_alloc&) {
+                    *effect = nullptr;
+                }
                 return kSuccess;
             }
         }

@@ -28,6 +28,8 @@ inline constexpr ResultCode kInvalidArgument = 0x80070057;
 inline constexpr ResultCode kFailure = 0x80004005;
 /// A format that the effect advertises but does not process.
 inline constexpr ResultCode kNotImplemented = 0x80004001;
+/// Memory ran out in `SetProperty`, `LoadSettings` or `ProcessFrame`. The effect has released its workspace,
+/// unless settings were only to be read: frames give kFailure until `Configure` succeeds.
 inline constexpr ResultCode kOutOfMemory = 0x8007000E;
 /// A text was cut to fit its buffer.
 inline constexpr ResultCode kTextTruncated = 0x8007007A;

@@ -135,9 +135,9 @@ void CPlane8u::CopyRegion(const CPlane8u& src, int32_t x, int32_t y) {
 
 void CPlane8u::ResizeRegion(const CPlane8u& src, int32_t regionWidth, int32_t regionHeight, int32_t x,
                             int32_t y) {
-    PrimResize8uC1(src.data, src.width, src.height, src.width, x, y, regionWidth, regionHeight, data, width,
-                   width, height, static_cast<double>(width) / regionWidth,
-                   static_cast<double>(height) / regionHeight, kPrimLinear);
+    Require(PrimResize8uC1(src.data, src.width, src.height, src.width, x, y, regionWidth, regionHeight, data,
+                           width, width, height, static_cast<double>(width) / regionWidth,
+                           static_cast<double>(height) / regionHeight, kPrimLinear) != kPrimMemoryError);
 }
 
 void CPlane8u::ReplicateBorder(int32_t border) {
@@ -184,13 +184,10 @@ bool CPlane8u::LoadBmp(const char* path) {
     if (fileSize < kFileHeaderSize + kInfoHeaderSize + kPaletteSize + count) return false;
 
     // Read aside first: a read that fails after all must not have changed this plane.
-    CPlane8u bottomUp(fileWidth, fileHeight);
-    if (bottomUp.Empty() || !ReadExactly(file, bottomUp.data, count)) return false;
-    if (data == nullptr || width != fileWidth || height != fileHeight) {
-        CPlane8u fresh(fileWidth, fileHeight);
-        if (fresh.Empty()) return false;
-        Swap(fresh);
-    }
+    CPlane8u bottomUp = NewPlane(fileWidth, fileHeight);
+    if (!ReadExactly(file, bottomUp.data, count)) return false;
+    if (data == nullptr || width != fileWidth || height != fileHeight)
+        *this = NewPlane(fileWidth, fileHeight);
     for (int32_t y = 0; y < height; ++y)
         std::memcpy(Row(y), bottomUp.Row(height - 1 - y), static_cast<size_t>(width));
     return true;

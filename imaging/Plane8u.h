@@ -98,7 +98,8 @@ class CPlane8u {
     /// Reads an uncompressed bitmap of 8 bits a pixel. The pixel bytes are taken as grey levels, the palette
     /// is skipped, rows are taken without padding, and the file's last row becomes row 0. A plane of another
     /// size than the bitmap's is allocated anew. False, with the plane untouched, for a file that cannot be
-    /// read, is no such bitmap, is wider or higher than 16384 or holds fewer pixels than it says.
+    /// read, is no such bitmap, is wider or higher than 16384 or holds fewer pixels than it says. Throws
+    /// std::bad_alloc, with the plane untouched, when the memory cannot be had.
     bool LoadBmp(const char* path);
 
     uint8_t* data = nullptr;

@@ -52,14 +52,15 @@ void FilterBoxInPlace(CPlane8u& plane, int32_t maskSize) {
     const int32_t r = maskSize / 2;
     FilterInterior(plane, plane, r,
                    [=](const uint8_t*, int32_t, uint8_t* data, int32_t step, int32_t width, int32_t height) {
-                       PrimFilterBox8uC1(data, step, width, height, maskSize, maskSize, r, r);
+                       Require(PrimFilterBox8uC1(data, step, width, height, maskSize, maskSize, r, r) !=
+                               kPrimMemoryError);
                    });
 }
 
 void Dilate3(CPlane8u& plane) {
     FilterInterior(plane, plane, 1,
                    [](const uint8_t*, int32_t, uint8_t* data, int32_t step, int32_t width, int32_t height) {
-                       PrimDilate3x38uC1(data, step, width, height);
+                       Require(PrimDilate3x38uC1(data, step, width, height) != kPrimMemoryError);
                    });
 }
 

@@ -43,22 +43,31 @@ void DrawPicture(CPlane8u& picture, double t) {
     }
 }
 
+/// A file that is removed with the object, if it is still there.
+struct TemporaryFile {
+    const std::filesystem::path path;
+    ~TemporaryFile() {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+};
+
 /// Makes perlin.dat, whole or not at all.
 void WritePictures(int count) {
     Noise3(0, 0, 0);  // the noise tables are drawn whether the file can be written or not
-    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-    const std::string temporary = std::string(kFile) + "." + std::to_string(now) + ".tmp";
-    std::ofstream file(temporary, std::ios::binary);
-    if (!file) return;
     CPlane8u picture = NewPlane(kPictureWidth, kPictureHeight);
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    const TemporaryFile temporary{std::string(kFile) + "." + std::to_string(now) + ".tmp"};
+    const std::filesystem::path whole(kFile);
+    std::ofstream file(temporary.path, std::ios::binary);
+    if (!file) return;
     for (int i = 0; i < count; ++i) {
         DrawPicture(picture, static_cast<double>(i) / count);
         file.write(reinterpret_cast<const char*>(picture.data), static_cast<std::streamsize>(picture.Size()));
     }
     file.close();
-    std::error_code error;
-    if (file) std::filesystem::rename(temporary, kFile, error);
-    if (!file || error) std::filesystem::remove(temporary, error);
+    std::error_code ignored;
+    if (file) std::filesystem::rename(temporary.path, whole, ignored);
 }
 
 SE_MULTIVERSION void BlendPictures(const uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT next,

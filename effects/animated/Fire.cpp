@@ -86,7 +86,8 @@ void CFireSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     PrimCopyReplicateBorder8uC1(frame.y.data, width, width, height, Padded.get(), PaddedStep,
                                 width + 2 * Border, height + 2 * Border, Border, Border);
     // Refused on frames no larger than the mask; the copy then serves as it is.
-    PrimFilterBox8uC1(inner, PaddedStep, width, height, mask, mask, Border, Border);
+    Require(PrimFilterBox8uC1(inner, PaddedStep, width, height, mask, mask, Border, Border) !=
+            kPrimMemoryError);
 
     CPlane8u y = CPlane8u::Over(frame.y.data, width, height);
     for (int32_t row = 0; row < height; ++row) {

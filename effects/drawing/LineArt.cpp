@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <locale>
+#include <new>
 #include <system_error>
 
 #include "effects/drawing/Edges.h"
@@ -44,10 +45,18 @@ std::span<const Property<CLineArtSpecialEffectFilter>> CLineArtSpecialEffectFilt
 
 ResultCode CLineArtSpecialEffectFilter::LoadSettings(SettingsRecord* settings) {
     if (settings == nullptr || settings->Path == nullptr) return kFailure;
+    try {
+        return ReadBackgroundColor(settings->Path);
+    } catch (const std::bad_alloc&) {
+        return kOutOfMemory;
+    }
+}
+
+ResultCode CLineArtSpecialEffectFilter::ReadBackgroundColor(const char* path) {
     // Only a regular file: opening a pipe could block for ever.
     std::error_code error;
-    if (!std::filesystem::is_regular_file(settings->Path, error)) return kFailure;
-    std::ifstream file(settings->Path);
+    if (!std::filesystem::is_regular_file(path, error)) return kFailure;
+    std::ifstream file(path);
     if (!file.is_open()) return kFailure;
     file.imbue(std::locale::classic());
 

@@ -18,7 +18,7 @@ class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEff
     /// Reads the background colour from the text file that `settings` names: red, green and blue in decimal,
     /// with blanks between. Each is clamped to 0..255; from the first one that is not there on they are 0.
     /// kFailure, and nothing changed, for a null record or path, for what is no regular file and for a file
-    /// that cannot be opened.
+    /// that cannot be opened; kOutOfMemory, and nothing changed, when memory runs out.
     ResultCode LoadSettings(SettingsRecord* settings) override;
     using PlanarEffect::LoadSettings;
 
@@ -27,6 +27,8 @@ class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEff
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
+    ResultCode ReadBackgroundColor(const char* path);
+
     uint32_t BackgroundColor = 0xFF8000;
     int32_t EdgeThreshold = 25;
     CGaussKernel1D Blur;
