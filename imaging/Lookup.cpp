@@ -1,6 +1,6 @@
 #include "imaging/Lookup.h"
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Simd.h"
 
 namespace {
@@ -94,7 +94,7 @@ SE_TARGET_AVX512VBMI void LookupAvx512Vbmi(const uint8_t* table, const uint8_t* 
 
 void LookupBytes(const uint8_t* table, const uint8_t* src, uint8_t* dst, size_t count) {
 #if SE_AVX2
-    if (simd::HasAvx512Vbmi()) {
+    if (cpu::HasVbmi()) {
         LookupAvx512Vbmi(table, src, dst, count);
         return;
     }

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Plane8u.h"
 
 namespace {
@@ -25,8 +25,7 @@ struct BumpStretch {
 
 /// Where the pixels of a stretch come from: offsets from the plane's first pixel. False when the ground is
 /// level all along, so that each pixel comes from its own place.
-SE_MULTIVERSION
-bool Refract(const BumpStretch& bump, ptrdiff_t count, int32_t* SE_RESTRICT sources) {
+SE_INLINE bool Refract(const BumpStretch& bump, ptrdiff_t count, int32_t* SE_RESTRICT sources) {
     const uint8_t* SE_RESTRICT const here = bump.here;
     const uint8_t* SE_RESTRICT const above = here - bump.width;
     const uint8_t* SE_RESTRICT const below = here + bump.width;
@@ -44,9 +43,8 @@ bool Refract(const BumpStretch& bump, ptrdiff_t count, int32_t* SE_RESTRICT sour
 }
 
 /// out = fetched plus the slope to the right, saturated.
-SE_MULTIVERSION
-void Brighten(const uint8_t* SE_RESTRICT fetched, const uint8_t* SE_RESTRICT bump, ptrdiff_t count,
-              uint8_t* SE_RESTRICT out) {
+SE_INLINE void Brighten(const uint8_t* SE_RESTRICT fetched, const uint8_t* SE_RESTRICT bump, ptrdiff_t count,
+                        uint8_t* SE_RESTRICT out) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const auto sum = static_cast<int16_t>(fetched[i] + bump[i - 1] - bump[i + 1]);
         out[i] = static_cast<uint8_t>(std::clamp<int16_t>(sum, 0, 255));
@@ -72,9 +70,8 @@ const std::array<uint8_t, kRim + 1>& BallShades() {
 
 /// Squared distances from the middle of the ball, kRim at most, for a stretch of pixels of one row.
 /// `level` is what a slope of 0 stands for.
-SE_MULTIVERSION
-void Steepness(const uint8_t* here, ptrdiff_t width, int16_t level, ptrdiff_t count,
-               uint16_t* SE_RESTRICT distances) {
+SE_INLINE void Steepness(const uint8_t* here, ptrdiff_t width, int16_t level, ptrdiff_t count,
+                         uint16_t* SE_RESTRICT distances) {
     const auto component = [level](uint8_t low, uint8_t high) {
         const auto g = static_cast<int16_t>(high - low + level);
         // A slope off the scale counts as the steepest one downwards.
@@ -107,12 +104,12 @@ void DisplaceByGradient(const CPlane8u& bump, const CPlane8u& src, CPlane8u& dst
             const ptrdiff_t count = std::min<ptrdiff_t>(kStretch, width - 1 - x);
             const uint8_t* const here = bump.Row(y) + x;
             uint8_t* const out = dst.Row(y) + x;
-            if (!Refract({here, static_cast<int32_t>(x), y, width, height}, count, sources.data())) {
+            if (!AtLevel<Refract>({here, static_cast<int32_t>(x), y, width, height}, count, sources.data())) {
                 std::memcpy(out, src.Row(y) + x, static_cast<size_t>(count));
                 continue;
             }
             for (size_t i = 0; i < static_cast<size_t>(count); ++i) fetched[i] = src.data[sources[i]];
-            Brighten(fetched.data(), here, count, out);
+            AtLevel<Brighten>(fetched.data(), here, count, out);
         }
     const auto columns = static_cast<size_t>(width - 1);
     std::memcpy(dst.Row(0), dst.Row(1), columns);
@@ -132,7 +129,7 @@ void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias) {
     for (int32_t y = 1; y < height - 1; ++y)
         for (ptrdiff_t x = 1; x < width - 1; x += kStretch) {
             const ptrdiff_t count = std::min<ptrdiff_t>(kStretch, width - 1 - x);
-            Steepness(src.Row(y) + x, width, level, count, distances.data());
+            AtLevel<Steepness>(src.Row(y) + x, width, level, count, distances.data());
             uint8_t* const out = dst.Row(y) + x;
             for (size_t i = 0; i < static_cast<size_t>(count); ++i) out[i] = shades[distances[i]];
         }

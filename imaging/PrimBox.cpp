@@ -7,7 +7,7 @@
 #include <memory>
 #include <new>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimDivide.h"
@@ -121,14 +121,6 @@ SE_INLINE void FilterBox(const Box& box, const Buffers<uint32_t>& buffers) {
     });
 }
 
-SE_MULTIVERSION void FilterBoxSingle(const Box& box, const Buffers<uint32_t>& buffers) {
-    FilterBox<float>(box, buffers);
-}
-
-SE_MULTIVERSION void FilterBoxDouble(const Box& box, const Buffers<uint32_t>& buffers) {
-    FilterBox<double>(box, buffers);
-}
-
 /// For masks whose sums pass 32 bits.
 void FilterBoxWide(const Box& box, const Buffers<uint64_t>& buffers) {
     const auto area = static_cast<uint64_t>(box.area());
@@ -166,10 +158,10 @@ PrimStatus PrimFilterBox8uC1(uint8_t* data, int32_t step, int32_t width, int32_t
     }
     const Box box = {data - anchorX, step, width, height, maskWidth, maskHeight, anchorX, anchorY};
     if (box.area() <= Mean<float>::kMaxCount) {
-        return Filter(box, FilterBoxSingle);
+        return Filter(box, AtLevel<FilterBox<float>>);
     }
     if (box.area() <= Mean<double>::kMaxCount) {
-        return Filter(box, FilterBoxDouble);
+        return Filter(box, AtLevel<FilterBox<double>>);
     }
     return Filter(box, FilterBoxWide);
 }

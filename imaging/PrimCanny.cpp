@@ -10,7 +10,7 @@
 #include <limits>
 #include <span>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRow.h"
@@ -59,8 +59,8 @@ SE_INLINE uint32_t Magnitude(int16_t v) {
     return static_cast<uint32_t>(v < 0 ? -v : v);
 }
 
-SE_MULTIVERSION void SquaredMagnitudes(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
-                                       uint32_t* SE_RESTRICT squares, ptrdiff_t width) {
+SE_INLINE void SquaredMagnitudes(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
+                                 uint32_t* SE_RESTRICT squares, ptrdiff_t width) {
     for (ptrdiff_t x = 0; x < width; ++x) {
         squares[x] = static_cast<uint32_t>(dx[x] * dx[x]) + static_cast<uint32_t>(dy[x] * dy[x]);
     }
@@ -69,10 +69,10 @@ SE_MULTIVERSION void SquaredMagnitudes(const int16_t* SE_RESTRICT dx, const int1
 /// Keeps the pixels of a row that exceed the neighbour on one side of the gradient's sector and are not below
 /// that on the other. The sectors meet where one component is the tangent of 22.5 degrees, root 2 - 1, times
 /// the other: b <= (root 2 - 1) * a is the same as b * (2 * a + b) <= a * a.
-SE_MULTIVERSION void ThinRow(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
-                             const uint32_t* SE_RESTRICT above, const uint32_t* SE_RESTRICT at,
-                             const uint32_t* SE_RESTRICT below, uint8_t* SE_RESTRICT map, ptrdiff_t width,
-                             uint32_t weak, uint32_t strong) {
+SE_INLINE void ThinRow(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
+                       const uint32_t* SE_RESTRICT above, const uint32_t* SE_RESTRICT at,
+                       const uint32_t* SE_RESTRICT below, uint8_t* SE_RESTRICT map, ptrdiff_t width,
+                       uint32_t weak, uint32_t strong) {
     for (ptrdiff_t x = 0; x < width; ++x) {
         const uint32_t a = Magnitude(dx[x]);
         const uint32_t b = Magnitude(dy[x]);
@@ -97,7 +97,7 @@ SE_MULTIVERSION void ThinRow(const int16_t* SE_RESTRICT dx, const int16_t* SE_RE
     }
 }
 
-SE_MULTIVERSION void DropWeak(uint8_t* map, ptrdiff_t width) {
+SE_INLINE void DropWeak(uint8_t* map, ptrdiff_t width) {
     for (ptrdiff_t x = 0; x < width; ++x) {
         map[x] = map[x] == kEdge ? kEdge : kNone;
     }
@@ -156,7 +156,7 @@ PrimStatus PrimCanny16s8u(const int16_t* dx, int32_t dxStep, const int16_t* dy, 
     const auto squares = [&](ptrdiff_t y) { return entries + (y + 3) % 3 * line + 1; };
     const auto enter = [&](ptrdiff_t y) {
         if (y < height) {
-            SquaredMagnitudes(Row(dx, dxStep, y), Row(dy, dyStep, y), squares(y), width);
+            AtLevel<SquaredMagnitudes>(Row(dx, dxStep, y), Row(dy, dyStep, y), squares(y), width);
         } else {
             std::fill_n(squares(y), width, 0);
         }
@@ -169,8 +169,8 @@ PrimStatus PrimCanny16s8u(const int16_t* dx, int32_t dxStep, const int16_t* dy, 
     for (ptrdiff_t y = 0; y < height; ++y) {
         enter(y + 1);
         uint8_t* const map = Row(dst, dstStep, y);
-        ThinRow(Row(dx, dxStep, y), Row(dy, dyStep, y), squares(y - 1), squares(y), squares(y + 1), map,
-                width, weak, strong);
+        AtLevel<ThinRow>(Row(dx, dxStep, y), Row(dy, dyStep, y), squares(y - 1), squares(y), squares(y + 1),
+                         map, width, weak, strong);
         const auto first = static_cast<uint32_t>(y * width);
         for (uint32_t x = 0; x < static_cast<uint32_t>(width); ++x) {
             if (map[x] == kEdge) {
@@ -180,7 +180,7 @@ PrimStatus PrimCanny16s8u(const int16_t* dx, int32_t dxStep, const int16_t* dy, 
     }
     FollowEdges(dst, dstStep, static_cast<uint32_t>(width), static_cast<uint32_t>(height), stack, depth);
     for (ptrdiff_t y = 0; y < height; ++y) {
-        DropWeak(Row(dst, dstStep, y), width);
+        AtLevel<DropWeak>(Row(dst, dstStep, y), width);
     }
     return kPrimOk;
 }

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/Simd.h"

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace prim {
 

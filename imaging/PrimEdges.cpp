@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimMask.h"
@@ -21,46 +21,46 @@ namespace {
 using Operator = void (*)(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
                           ptrdiff_t width, ptrdiff_t height, Surround surround);
 
-SE_MULTIVERSION void SobelHoriz3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
-                                   ptrdiff_t width, ptrdiff_t height, Surround surround) {
+SE_INLINE void SobelHoriz3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
+                             ptrdiff_t width, ptrdiff_t height, Surround surround) {
     FilterSeparable<int16_t, 1>(
         src, srcStep, dst, dstStep, width, height, surround, [](int a, int, int c) { return c - a; },
         [](const int16_t* line) { return line[0] + 2 * line[1] + line[2]; });
 }
 
-SE_MULTIVERSION void SobelVert3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
-                                  ptrdiff_t width, ptrdiff_t height, Surround surround) {
+SE_INLINE void SobelVert3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
+                            ptrdiff_t width, ptrdiff_t height, Surround surround) {
     FilterSeparable<int16_t, 1>(
         src, srcStep, dst, dstStep, width, height, surround,
         [](int a, int b, int c) { return a + 2 * b + c; },
         [](const int16_t* line) { return line[0] - line[2]; });
 }
 
-SE_MULTIVERSION void SobelHoriz5x5(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
-                                   ptrdiff_t width, ptrdiff_t height, Surround surround) {
+SE_INLINE void SobelHoriz5x5(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
+                             ptrdiff_t width, ptrdiff_t height, Surround surround) {
     FilterSeparable<int16_t, 2>(
         src, srcStep, dst, dstStep, width, height, surround,
         [](int a, int b, int, int d, int e) { return e - a + 2 * (d - b); },
         [](const int16_t* line) { return line[0] + line[4] + 4 * (line[1] + line[3]) + 6 * line[2]; });
 }
 
-SE_MULTIVERSION void SobelVert5x5(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
-                                  ptrdiff_t width, ptrdiff_t height, Surround surround) {
+SE_INLINE void SobelVert5x5(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
+                            ptrdiff_t width, ptrdiff_t height, Surround surround) {
     FilterSeparable<int16_t, 2>(
         src, srcStep, dst, dstStep, width, height, surround,
         [](int a, int b, int c, int d, int e) { return a + e + 4 * (b + d) + 6 * c; },
         [](const int16_t* line) { return line[0] - line[4] + 2 * (line[1] - line[3]); });
 }
 
-SE_MULTIVERSION void ScharrHoriz3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
-                                    ptrdiff_t width, ptrdiff_t height, Surround surround) {
+SE_INLINE void ScharrHoriz3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
+                              ptrdiff_t width, ptrdiff_t height, Surround surround) {
     FilterSeparable<int16_t, 1>(
         src, srcStep, dst, dstStep, width, height, surround, [](int a, int, int c) { return c - a; },
         [](const int16_t* line) { return 3 * (line[0] + line[2]) + 10 * line[1]; });
 }
 
-SE_MULTIVERSION void ScharrVert3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
-                                   ptrdiff_t width, ptrdiff_t height, Surround surround) {
+SE_INLINE void ScharrVert3x3(const uint8_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep,
+                             ptrdiff_t width, ptrdiff_t height, Surround surround) {
     FilterSeparable<int16_t, 1>(
         src, srcStep, dst, dstStep, width, height, surround,
         [](int a, int b, int c) { return 3 * (a + c) + 10 * b; },
@@ -106,14 +106,14 @@ PrimStatus BufferSize(int32_t width, int32_t height, PrimStatus maskStatus, int3
 
 PrimStatus PrimFilterSobelHoriz8u16s(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
                                      int32_t width, int32_t height, int32_t mask) {
-    return Sobel(SobelHoriz3x3, SobelHoriz5x5, src, srcStep, dst, dstStep, width, height, mask,
-                 Surround::kAsMaskReaches);
+    return Sobel(AtLevel<SobelHoriz3x3>, AtLevel<SobelHoriz5x5>, src, srcStep, dst, dstStep, width, height,
+                 mask, Surround::kAsMaskReaches);
 }
 
 PrimStatus PrimFilterSobelVert8u16s(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
                                     int32_t width, int32_t height, int32_t mask) {
-    return Sobel(SobelVert3x3, SobelVert5x5, src, srcStep, dst, dstStep, width, height, mask,
-                 Surround::kAsMaskReaches);
+    return Sobel(AtLevel<SobelVert3x3>, AtLevel<SobelVert5x5>, src, srcStep, dst, dstStep, width, height,
+                 mask, Surround::kAsMaskReaches);
 }
 
 PrimStatus PrimSobelHorizBorderGetBufferSize(int32_t width, int32_t height, int32_t mask, int32_t* size) {
@@ -138,8 +138,8 @@ PrimStatus PrimSobelHorizBorder8u16s(const uint8_t* src, int32_t srcStep, int16_
     if (const PrimStatus status = CheckPointers(buffer)) {
         return status;
     }
-    return Sobel(SobelHoriz3x3, SobelHoriz5x5, src, srcStep, dst, dstStep, width, height, mask,
-                 Surround::kNone);
+    return Sobel(AtLevel<SobelHoriz3x3>, AtLevel<SobelHoriz5x5>, src, srcStep, dst, dstStep, width, height,
+                 mask, Surround::kNone);
 }
 
 PrimStatus PrimSobelVertBorder8u16s(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
@@ -148,8 +148,8 @@ PrimStatus PrimSobelVertBorder8u16s(const uint8_t* src, int32_t srcStep, int16_t
     if (const PrimStatus status = CheckPointers(buffer)) {
         return status;
     }
-    return Sobel(SobelVert3x3, SobelVert5x5, src, srcStep, dst, dstStep, width, height, mask,
-                 Surround::kNone);
+    return Sobel(AtLevel<SobelVert3x3>, AtLevel<SobelVert5x5>, src, srcStep, dst, dstStep, width, height,
+                 mask, Surround::kNone);
 }
 
 PrimStatus PrimScharrHorizBorder8u16s(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
@@ -158,7 +158,7 @@ PrimStatus PrimScharrHorizBorder8u16s(const uint8_t* src, int32_t srcStep, int16
     if (const PrimStatus status = CheckPointers(buffer)) {
         return status;
     }
-    return Scharr(ScharrHoriz3x3, src, srcStep, dst, dstStep, width, height);
+    return Scharr(AtLevel<ScharrHoriz3x3>, src, srcStep, dst, dstStep, width, height);
 }
 
 PrimStatus PrimScharrVertBorder8u16s(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
@@ -167,5 +167,5 @@ PrimStatus PrimScharrVertBorder8u16s(const uint8_t* src, int32_t srcStep, int16_
     if (const PrimStatus status = CheckPointers(buffer)) {
         return status;
     }
-    return Scharr(ScharrVert3x3, src, srcStep, dst, dstStep, width, height);
+    return Scharr(AtLevel<ScharrVert3x3>, src, srcStep, dst, dstStep, width, height);
 }

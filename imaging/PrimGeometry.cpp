@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRow.h"
@@ -19,8 +19,7 @@ void FlipRows(uint8_t* data, int32_t step, int32_t width, int32_t height) {
 }
 
 /// Swaps the `count` bytes from `left` on upwards with those from `right` on downwards. They do not overlap.
-SE_MULTIVERSION
-void SwapReversed(uint8_t* SE_RESTRICT left, uint8_t* SE_RESTRICT right, ptrdiff_t count) {
+SE_INLINE void SwapReversed(uint8_t* SE_RESTRICT left, uint8_t* SE_RESTRICT right, ptrdiff_t count) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         const uint8_t byte = left[i];
         left[i] = right[-i];
@@ -31,13 +30,13 @@ void SwapReversed(uint8_t* SE_RESTRICT left, uint8_t* SE_RESTRICT right, ptrdiff
 void FlipColumns(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     for (int32_t y = 0; y < height; ++y) {
         uint8_t* const row = Row(data, step, y);
-        SwapReversed(row, row + width - 1, width / 2);
+        AtLevel<SwapReversed>(row, row + width - 1, width / 2);
     }
 }
 
 void FlipBoth(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     for (int32_t top = 0, bottom = height - 1; top < bottom; ++top, --bottom)
-        SwapReversed(Row(data, step, top), Row(data, step, bottom) + width - 1, width);
+        AtLevel<SwapReversed>(Row(data, step, top), Row(data, step, bottom) + width - 1, width);
     if (height % 2 != 0) FlipColumns(Row(data, step, height / 2), step, width, 1);
 }
 

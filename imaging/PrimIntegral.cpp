@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRow.h"
@@ -26,9 +26,9 @@ namespace {
 constexpr ptrdiff_t kSquares = 32768;
 
 /// One row of the two tables, behind its first column: the row above plus the running sums of the pixels.
-SE_MULTIVERSION void IntegralRow(const uint8_t* SE_RESTRICT src, const uint32_t* SE_RESTRICT sumAbove,
-                                 uint32_t* SE_RESTRICT sum, const double* SE_RESTRICT sqrAbove,
-                                 double* SE_RESTRICT sqr, ptrdiff_t width) {
+SE_INLINE void IntegralRow(const uint8_t* SE_RESTRICT src, const uint32_t* SE_RESTRICT sumAbove,
+                           uint32_t* SE_RESTRICT sum, const double* SE_RESTRICT sqrAbove,
+                           double* SE_RESTRICT sqr, ptrdiff_t width) {
     using Bytes = uint8_t __attribute__((vector_size(4)));
     using Signed = int32_t __attribute__((vector_size(16)));
     using Doubles = double __attribute__((vector_size(32)));
@@ -74,8 +74,8 @@ struct Corners {
     SE_INLINE T sum(ptrdiff_t x) const { return bottom[x + width] - bottom[x] - top[x + width] + top[x]; }
 };
 
-SE_MULTIVERSION void VarianceRow(Corners<uint32_t> sum, Corners<double> sqr, double area,
-                                 float* SE_RESTRICT dst, ptrdiff_t width) {
+SE_INLINE void VarianceRow(Corners<uint32_t> sum, Corners<double> sqr, double area, float* SE_RESTRICT dst,
+                           ptrdiff_t width) {
     for (ptrdiff_t x = 0; x < width; ++x) {
         const double mean = static_cast<int32_t>(sum.sum(x)) / area;
         const double variance = sqr.sum(x) / area - mean * mean;
@@ -104,8 +104,8 @@ PrimStatus PrimSqrIntegral8u32s64f(const uint8_t* src, int32_t srcStep, int32_t*
         double* const sqrRow = Row(sqr, sqrStep, y + 1);
         sumRow[0] = static_cast<uint32_t>(val);
         sqrRow[0] = valSqr;
-        IntegralRow(Row(src, srcStep, y), Row(wrapping, sumStep, y) + 1, sumRow + 1, Row(sqr, sqrStep, y) + 1,
-                    sqrRow + 1, width);
+        AtLevel<IntegralRow>(Row(src, srcStep, y), Row(wrapping, sumStep, y) + 1, sumRow + 1,
+                             Row(sqr, sqrStep, y) + 1, sqrRow + 1, width);
     }
     return kPrimOk;
 }
@@ -127,9 +127,9 @@ PrimStatus PrimRectStdDev32s32f(const int32_t* sum, int32_t sumStep, const doubl
         const ptrdiff_t top = y + rectY;
         const ptrdiff_t bottom = top + rectHeight;
         float* const out = Row(dst, dstStep, y);
-        VarianceRow({Row(wrapping, sumStep, top) + rectX, Row(wrapping, sumStep, bottom) + rectX, rectWidth},
-                    {Row(sqr, sqrStep, top) + rectX, Row(sqr, sqrStep, bottom) + rectX, rectWidth}, area, out,
-                    width);
+        AtLevel<VarianceRow>(
+            {Row(wrapping, sumStep, top) + rectX, Row(wrapping, sumStep, bottom) + rectX, rectWidth},
+            {Row(sqr, sqrStep, top) + rectX, Row(sqr, sqrStep, bottom) + rectX, rectWidth}, area, out, width);
         std::transform(out, out + width, out, [](float variance) { return std::sqrt(variance); });
     }
     return kPrimOk;

@@ -9,7 +9,7 @@
 #include <optional>
 #include <span>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimDivide.h"
@@ -77,14 +77,6 @@ SE_INLINE void FilterPlainly(const Region& region, const Kernel& kernel, double 
             }
         }
     }
-}
-
-SE_MULTIVERSION void FilterWith32BitSums(const Region& region, const Kernel& kernel, double reciprocal) {
-    FilterPlainly<int32_t>(region, kernel, reciprocal);
-}
-
-SE_MULTIVERSION void FilterWith64BitSums(const Region& region, const Kernel& kernel, double reciprocal) {
-    FilterPlainly<int64_t>(region, kernel, reciprocal);
 }
 
 // ---- AVX2 ------------------------------------------------------------------------------------------------
@@ -206,7 +198,8 @@ PrimStatus Filter(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dst
         return kPrimOk;
     }
     const bool fits32Bits = kernel.reach() <= std::numeric_limits<int32_t>::max();
-    (fits32Bits ? FilterWith32BitSums : FilterWith64BitSums)(region, kernel, prim::SingleReciprocal(divisor));
+    (fits32Bits ? AtLevel<FilterPlainly<int32_t>>
+                : AtLevel<FilterPlainly<int64_t>>)(region, kernel, prim::SingleReciprocal(divisor));
     return kPrimOk;
 }
 

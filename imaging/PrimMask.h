@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/PrimRow.h"
 
 namespace prim {

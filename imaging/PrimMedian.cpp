@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRow.h"
@@ -79,8 +79,8 @@ SE_INLINE std::array<uint8_t, 25> WindowAt(const RankedColumns& ranked, ptrdiff_
 }
 
 /// `src` is the middle of the first window.
-SE_MULTIVERSION void Median5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                               ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Median5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                         ptrdiff_t width, ptrdiff_t height) {
     for (const auto [begin, end] : prim::Strips(width)) {
         const ptrdiff_t count = end - begin;
         RankedColumns ranked;
@@ -180,7 +180,7 @@ PrimStatus PrimFilterMedian8uC1(const uint8_t* src, int32_t srcStep, uint8_t* ds
     }
     const uint8_t* const corner = Row(src, srcStep, -anchorY) - anchorX;
     if (maskWidth == 5 && maskHeight == 5) {
-        Median5x5(Row(corner, srcStep, 2) + 2, srcStep, dst, dstStep, width, height);
+        AtLevel<Median5x5>(Row(corner, srcStep, 2) + 2, srcStep, dst, dstStep, width, height);
     } else {
         MedianAnySize(corner, srcStep, dst, dstStep, width, height, maskWidth, maskHeight);
     }

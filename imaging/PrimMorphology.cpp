@@ -5,7 +5,7 @@
 #include <memory>
 #include <new>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimMask.h"
@@ -30,8 +30,8 @@ PrimStatus CheckMorphologyStep(int32_t step, int32_t width) {
     return step < 1 ? kPrimStepError : step < int64_t{width} + 2 ? kPrimMorphologyStepError : kPrimOk;
 }
 
-SE_MULTIVERSION void Erode(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                           ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Erode(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
+                     ptrdiff_t height) {
     prim::FilterSeparable<uint8_t, 1>(
         src, srcStep, dst, dstStep, width, height, prim::Surround::kAsMaskReaches,
         [](uint8_t a, uint8_t b, uint8_t c) { return Min(a, Min(b, c)); },
@@ -40,8 +40,8 @@ SE_MULTIVERSION void Erode(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, 
 
 /// A ring of three lines holds the maxima along the rows above, at and below y. The row below is still as it
 /// was when it enters the ring.
-SE_MULTIVERSION void Dilate(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                            std::array<uint8_t*, 3> ring) {
+SE_INLINE void Dilate(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                      std::array<uint8_t*, 3> ring) {
     const auto enter = [&](ptrdiff_t y) {
         const uint8_t* const from = Row(data, step, y) - 1;
         uint8_t* SE_RESTRICT const line = ring[static_cast<size_t>((y + 1) % 3)];
@@ -70,7 +70,7 @@ PrimStatus PrimErode3x38uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, i
                        CheckMorphologyStep(srcStep, width), CheckMorphologyStep(dstStep, width))) {
         return status;
     }
-    Erode(src, srcStep, dst, dstStep, width, height);
+    AtLevel<Erode>(src, srcStep, dst, dstStep, width, height);
     return kPrimOk;
 }
 
@@ -84,6 +84,6 @@ PrimStatus PrimDilate3x38uC1(uint8_t* data, int32_t step, int32_t width, int32_t
     if (!lines) {
         return kPrimMemoryError;
     }
-    Dilate(data, step, width, height, {lines.get(), lines.get() + line, lines.get() + 2 * line});
+    AtLevel<Dilate>(data, step, width, height, {lines.get(), lines.get() + line, lines.get() + 2 * line});
     return kPrimOk;
 }

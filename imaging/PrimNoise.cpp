@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/Simd.h"
@@ -166,8 +166,7 @@ SE_TARGET_AVX2 ptrdiff_t StretchAvx2(const Points& points, ptrdiff_t count, cons
 
 #endif
 
-SE_MULTIVERSION void AddSamples(uint8_t* SE_RESTRICT data, const int32_t* SE_RESTRICT samples,
-                                ptrdiff_t count) {
+SE_INLINE void AddSamples(uint8_t* SE_RESTRICT data, const int32_t* SE_RESTRICT samples, ptrdiff_t count) {
     for (ptrdiff_t i = 0; i < count; ++i) {
         data[i] = static_cast<uint8_t>(std::clamp(data[i] + samples[i], 0, 255));
     }
@@ -211,7 +210,7 @@ PrimStatus PrimAddGaussNoise8uC1(uint8_t* data, int32_t step, int32_t width, int
                 missing -= made;
             }
             const ptrdiff_t count = std::min(made - next, width - x);
-            AddSamples(data + x, samples + next, count);
+            AtLevel<AddSamples>(data + x, samples + next, count);
             x += count;
             next += count;
         }

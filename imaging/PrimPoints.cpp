@@ -10,7 +10,7 @@
 
 #include "imaging/ByteSum.h"
 #include "imaging/Lookup.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRow.h"
@@ -142,52 +142,52 @@ SE_INLINE T DifferenceDownTo0(T a, T b) {
     return static_cast<T>(std::max(a, b) - b);
 }
 
-SE_MULTIVERSION void AddSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst,
-                                  ptrdiff_t srcDstStep, ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void AddSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                            ptrdiff_t width, ptrdiff_t height) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height, [](uint8_t a, uint8_t b) {
         const auto sum = static_cast<uint8_t>(a + b);
         return sum < a ? uint8_t{255} : sum;  // wrapped around
     });
 }
 
-SE_MULTIVERSION void AddUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
+SE_INLINE void AddUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                     ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
     ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
                   [=](uint16_t a, uint16_t b) { return scaled(Sum(a, b)); });
 }
 
-SE_MULTIVERSION void AddDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                             ptrdiff_t width, ptrdiff_t height, const EvenShift& shifted) {
+SE_INLINE void AddDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                       ptrdiff_t width, ptrdiff_t height, const EvenShift& shifted) {
     ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
                   [=](uint16_t a, uint16_t b) { return shifted(Sum(a, b)); });
 }
 
-SE_MULTIVERSION void SubSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst,
-                                  ptrdiff_t srcDstStep, ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void SubSaturated(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                            ptrdiff_t width, ptrdiff_t height) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
               [](uint8_t a, uint8_t b) { return DifferenceDownTo0(b, a); });
 }
 
-SE_MULTIVERSION void SubUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                           ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
+SE_INLINE void SubUp(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                     ptrdiff_t width, ptrdiff_t height, const SaturatingScale& scaled) {
     ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
                   [=](uint16_t a, uint16_t b) { return scaled(DifferenceDownTo0(b, a)); });
 }
 
-SE_MULTIVERSION void SubDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                             ptrdiff_t width, ptrdiff_t height, const EvenShift& shifted) {
+SE_INLINE void SubDown(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                       ptrdiff_t width, ptrdiff_t height, const EvenShift& shifted) {
     ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height,
                   [=](uint16_t a, uint16_t b) { return shifted(DifferenceDownTo0(b, a)); });
 }
 
-SE_MULTIVERSION void MulUp(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                           const SaturatingScale& scaled) {
+SE_INLINE void MulUp(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                     const SaturatingScale& scaled) {
     ForPixelsWide(data, step, data, step, width, height,
                   [=](uint16_t a, uint16_t) { return scaled(Product(a, value)); });
 }
 
-SE_MULTIVERSION void MulDown(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                             const EvenShift& shifted) {
+SE_INLINE void MulDown(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                       const EvenShift& shifted) {
     ForPixelsWide(data, step, data, step, width, height,
                   [=, limit = shifted.saturation()](uint16_t a, uint16_t) {
                       return shifted(std::min(Product(a, value), limit));
@@ -196,45 +196,45 @@ SE_MULTIVERSION void MulDown(uint16_t value, uint8_t* data, ptrdiff_t step, ptrd
 
 /// The same for shifts above 9, where a rounding term would leave the 16 bits: one bit is shifted out first,
 /// and kept in the bit above it, which lies far below the half. `shifted` does the rest.
-SE_MULTIVERSION void MulFarDown(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width,
-                                ptrdiff_t height, const EvenShift& shifted) {
+SE_INLINE void MulFarDown(uint16_t value, uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                          const EvenShift& shifted) {
     ForPixelsWide(data, step, data, step, width, height, [=](uint16_t a, uint16_t) {
         const uint16_t product = Product(a, value);
         return shifted(static_cast<uint16_t>((product >> 1) | (product & 1)));
     });
 }
 
-SE_MULTIVERSION void MulScale(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                              ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void MulScale(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                        ptrdiff_t width, ptrdiff_t height) {
     ForPixelsWide(src, srcStep, srcDst, srcDstStep, width, height, [](uint16_t a, uint16_t b) {
         const uint16_t product = Product(a, b);  // at most 65025: the sum below stays in 16 bits
         return static_cast<uint16_t>(static_cast<uint16_t>(product + (product >> 8) + 1) >> 8);
     });
 }
 
-SE_MULTIVERSION void And(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
-                         ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void And(const uint8_t* src, ptrdiff_t srcStep, uint8_t* srcDst, ptrdiff_t srcDstStep,
+                   ptrdiff_t width, ptrdiff_t height) {
     ForPixels(src, srcStep, srcDst, srcDstStep, width, height,
               [](uint8_t a, uint8_t b) { return static_cast<uint8_t>(a & b); });
 }
 
-SE_MULTIVERSION void Not(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Not(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height) {
     ForPixels(data, step, width, height, [](uint8_t a) { return static_cast<uint8_t>(a ^ 255); });
 }
 
-SE_MULTIVERSION void ThresholdLT(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                                 uint8_t threshold) {
+SE_INLINE void ThresholdLT(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                           uint8_t threshold) {
     ForPixels(data, step, width, height, [=](uint8_t a) { return std::max(a, threshold); });
 }
 
-SE_MULTIVERSION void ThresholdGT(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                                 uint8_t threshold, uint8_t value) {
+SE_INLINE void ThresholdGT(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
+                           uint8_t threshold, uint8_t value) {
     ForPixels(data, step, width, height, [=](uint8_t a) { return a > threshold ? value : a; });
 }
 
-SE_MULTIVERSION void ThresholdBoth(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                                   ptrdiff_t width, ptrdiff_t height, uint8_t lo, uint8_t loValue, uint8_t hi,
-                                   uint8_t hiValue) {
+SE_INLINE void ThresholdBoth(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                             ptrdiff_t width, ptrdiff_t height, uint8_t lo, uint8_t loValue, uint8_t hi,
+                             uint8_t hiValue) {
     ForPixels(src, srcStep, dst, dstStep, width, height, [=](uint8_t a, uint8_t) {
         const uint8_t above = a < lo ? loValue : a;
         return a > hi ? hiValue : above;
@@ -302,11 +302,11 @@ PrimStatus PrimAddSfs8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, 
     if (scale > 9) {
         Fill(0, srcDst, srcDstStep, width, height);
     } else if (scale > 0) {
-        AddDown(src, srcStep, srcDst, srcDstStep, width, height, EvenShift(scale));
+        AtLevel<AddDown>(src, srcStep, srcDst, srcDstStep, width, height, EvenShift(scale));
     } else if (scale == 0) {
-        AddSaturated(src, srcStep, srcDst, srcDstStep, width, height);
+        AtLevel<AddSaturated>(src, srcStep, srcDst, srcDstStep, width, height);
     } else {
-        AddUp(src, srcStep, srcDst, srcDstStep, width, height, SaturatingScale(scale));
+        AtLevel<AddUp>(src, srcStep, srcDst, srcDstStep, width, height, SaturatingScale(scale));
     }
     return kPrimOk;
 }
@@ -319,11 +319,11 @@ PrimStatus PrimSubSfs8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, 
     if (scale > 8) {
         Fill(0, srcDst, srcDstStep, width, height);
     } else if (scale > 0) {
-        SubDown(src, srcStep, srcDst, srcDstStep, width, height, EvenShift(scale));
+        AtLevel<SubDown>(src, srcStep, srcDst, srcDstStep, width, height, EvenShift(scale));
     } else if (scale == 0) {
-        SubSaturated(src, srcStep, srcDst, srcDstStep, width, height);
+        AtLevel<SubSaturated>(src, srcStep, srcDst, srcDstStep, width, height);
     } else {
-        SubUp(src, srcStep, srcDst, srcDstStep, width, height, SaturatingScale(scale));
+        AtLevel<SubUp>(src, srcStep, srcDst, srcDstStep, width, height, SaturatingScale(scale));
     }
     return kPrimOk;
 }
@@ -336,11 +336,11 @@ PrimStatus PrimMulCSfs8uC1(uint8_t value, uint8_t* data, int32_t step, int32_t w
     if (value == 0 || scale > 16) {
         Fill(0, data, step, width, height);
     } else if (scale > 9) {
-        MulFarDown(value, data, step, width, height, EvenShift(scale - 1));
+        AtLevel<MulFarDown>(value, data, step, width, height, EvenShift(scale - 1));
     } else if (scale > 0) {
-        MulDown(value, data, step, width, height, EvenShift(scale));
+        AtLevel<MulDown>(value, data, step, width, height, EvenShift(scale));
     } else if (value != 1 || scale != 0) {
-        MulUp(value, data, step, width, height, SaturatingScale(scale));
+        AtLevel<MulUp>(value, data, step, width, height, SaturatingScale(scale));
     }
     return kPrimOk;
 }
@@ -350,7 +350,7 @@ PrimStatus PrimMulScale8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst
     if (const PrimStatus error = CheckImages(src, srcStep, srcDst, srcDstStep, width, height)) {
         return error;
     }
-    MulScale(src, srcStep, srcDst, srcDstStep, width, height);
+    AtLevel<MulScale>(src, srcStep, srcDst, srcDstStep, width, height);
     return kPrimOk;
 }
 
@@ -359,7 +359,7 @@ PrimStatus PrimAnd8uC1(const uint8_t* src, int32_t srcStep, uint8_t* srcDst, int
     if (const PrimStatus error = CheckImages(src, srcStep, srcDst, srcDstStep, width, height)) {
         return error;
     }
-    And(src, srcStep, srcDst, srcDstStep, width, height);
+    AtLevel<And>(src, srcStep, srcDst, srcDstStep, width, height);
     return kPrimOk;
 }
 
@@ -367,7 +367,7 @@ PrimStatus PrimNot8uC1(uint8_t* data, int32_t step, int32_t width, int32_t heigh
     if (const PrimStatus error = CheckImage(data, step, width, height)) {
         return error;
     }
-    Not(data, step, width, height);
+    AtLevel<Not>(data, step, width, height);
     return kPrimOk;
 }
 
@@ -376,7 +376,7 @@ PrimStatus PrimThresholdLT8uC1(uint8_t* data, int32_t step, int32_t width, int32
     if (const PrimStatus error = CheckImage(data, step, width, height)) {
         return error;
     }
-    ThresholdLT(data, step, width, height, threshold);
+    AtLevel<ThresholdLT>(data, step, width, height, threshold);
     return kPrimOk;
 }
 
@@ -385,7 +385,7 @@ PrimStatus PrimThresholdGTVal8uC1(uint8_t* data, int32_t step, int32_t width, in
     if (const PrimStatus error = CheckImage(data, step, width, height)) {
         return error;
     }
-    ThresholdGT(data, step, width, height, threshold, value);
+    AtLevel<ThresholdGT>(data, step, width, height, threshold, value);
     return kPrimOk;
 }
 
@@ -396,7 +396,7 @@ PrimStatus PrimThresholdLTValGTVal8uC1(const uint8_t* src, int32_t srcStep, uint
                                             hi < lo ? kPrimThresholdError : kPrimOk)) {
         return error;
     }
-    ThresholdBoth(src, srcStep, dst, dstStep, width, height, lo, loValue, hi, hiValue);
+    AtLevel<ThresholdBoth>(src, srcStep, dst, dstStep, width, height, lo, loValue, hi, hiValue);
     return kPrimOk;
 }
 
@@ -447,8 +447,7 @@ struct ByteRange {
 /// Rounds by adding 1.5 * 2^52, which leaves the nearest whole number, ties to even, in the low bits. That
 /// does for all values: at lo the sum below is 0.5 and at hi 255.5, give or take a rounding error, and both
 /// come out whole.
-SE_MULTIVERSION void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdiff_t width,
-                              const ByteRange& range) {
+SE_INLINE void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdiff_t width, const ByteRange& range) {
     constexpr double kRound = 0x1.8p52;
     const auto [lo, hi, factor, offset] = range;
     for (ptrdiff_t x = 0; x < width; ++x) {
@@ -520,7 +519,7 @@ PrimStatus PrimScale32f8u(const float* src, int32_t srcStep, uint8_t* dst, int32
             done = ScaleRowAvx2(row, dst, width, range);
         }
 #endif
-        ScaleRow(row + done, dst + done, width - done, range);
+        AtLevel<ScaleRow>(row + done, dst + done, width - done, range);
     }
     return kPrimOk;
 }
@@ -535,8 +534,8 @@ SE_INLINE int32_t OrderedBits(float value) {
     return bits ^ ((bits >> 31) & 0x7fffffff);
 }
 
-SE_MULTIVERSION void UpdateHistoryRow(const uint8_t* SE_RESTRICT silhouette, float* SE_RESTRICT history,
-                                      ptrdiff_t width, float timestamp, float oldest) {
+SE_INLINE void UpdateHistoryRow(const uint8_t* SE_RESTRICT silhouette, float* SE_RESTRICT history,
+                                ptrdiff_t width, float timestamp, float oldest) {
     const int32_t oldestBits = OrderedBits(oldest);
     for (ptrdiff_t x = 0; x < width; ++x) {
         const float kept = OrderedBits(history[x]) < oldestBits ? 0.0f : history[x];
@@ -557,7 +556,7 @@ PrimStatus PrimUpdateMotionHistory8u32f(const uint8_t* silhouette, int32_t silho
     }
     const float oldest = timestamp - duration;
     for (ptrdiff_t y = 0; y < height; ++y, silhouette += silhouetteStep) {
-        UpdateHistoryRow(silhouette, prim::Row(mhi, mhiStep, y), width, timestamp, oldest);
+        AtLevel<UpdateHistoryRow>(silhouette, prim::Row(mhi, mhiStep, y), width, timestamp, oldest);
     }
     return kPrimOk;
 }

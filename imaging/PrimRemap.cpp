@@ -7,7 +7,7 @@
 #include <array>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRoi.h"
@@ -47,9 +47,9 @@ SE_INLINE int32_t NearestPixel(float position) {
 }
 
 /// Returns whether all pixels of the stretch have a source.
-SE_MULTIVERSION
-bool FindNearest(const float* SE_RESTRICT xs, const float* SE_RESTRICT ys, ptrdiff_t count, Range xRange,
-                 Range yRange, int32_t step, int32_t channels, Places& SE_RESTRICT places) {
+SE_INLINE bool FindNearest(const float* SE_RESTRICT xs, const float* SE_RESTRICT ys, ptrdiff_t count,
+                           Range xRange, Range yRange, int32_t step, int32_t channels,
+                           Places& SE_RESTRICT places) {
     int32_t all = 1;
     for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
         const float x = Clamp(xs[i], xRange);
@@ -76,9 +76,9 @@ SE_INLINE Tap LinearTap(float position, int32_t last) {
     return {first, position - static_cast<float>(first)};
 }
 
-SE_MULTIVERSION
-bool FindLinear(const float* SE_RESTRICT xs, const float* SE_RESTRICT ys, ptrdiff_t count, Range xRange,
-                Range yRange, int32_t step, int32_t channels, Places& SE_RESTRICT places) {
+SE_INLINE bool FindLinear(const float* SE_RESTRICT xs, const float* SE_RESTRICT ys, ptrdiff_t count,
+                          Range xRange, Range yRange, int32_t step, int32_t channels,
+                          Places& SE_RESTRICT places) {
     const auto xLast = static_cast<int32_t>(xRange.high), yLast = static_cast<int32_t>(yRange.high);
     int32_t all = 1;
     for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
@@ -101,9 +101,8 @@ struct Corners {
     std::array<uint16_t, kStretch> upper, lower;
 };
 
-SE_MULTIVERSION
-void MixCorners(const Corners& SE_RESTRICT corners, const Places& SE_RESTRICT places, ptrdiff_t count,
-                uint8_t* SE_RESTRICT mixed) {
+SE_INLINE void MixCorners(const Corners& SE_RESTRICT corners, const Places& SE_RESTRICT places,
+                          ptrdiff_t count, uint8_t* SE_RESTRICT mixed) {
     for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
         const double fx = places.xFraction[i], fy = places.yFraction[i];
         const int32_t p00 = corners.upper[i] & 255, p10 = corners.upper[i] >> 8;
@@ -154,7 +153,7 @@ void RemapNearest(const Warp& warp) {
     Places places;
     ForEachStretch<channels>(warp, [&](const float* xs, const float* ys, ptrdiff_t count, uint8_t* out) {
         const bool all =
-            FindNearest(xs, ys, count, warp.xRange(), warp.yRange(), warp.srcStep, channels, places);
+            AtLevel<FindNearest>(xs, ys, count, warp.xRange(), warp.yRange(), warp.srcStep, channels, places);
         for (ptrdiff_t i = 0; i < count; ++i)
             if (all || places.inside[static_cast<size_t>(i)] != 0)
                 std::memcpy(out + channels * i, warp.src + places.offset[static_cast<size_t>(i)], channels);
@@ -168,7 +167,7 @@ void RemapLinear(const Warp& warp) {
     std::array<uint8_t, kStretch> mixed;
     ForEachStretch<channels>(warp, [&](const float* xs, const float* ys, ptrdiff_t count, uint8_t* out) {
         const bool all =
-            FindLinear(xs, ys, count, warp.xRange(), warp.yRange(), warp.srcStep, channels, places);
+            AtLevel<FindLinear>(xs, ys, count, warp.xRange(), warp.yRange(), warp.srcStep, channels, places);
         for (ptrdiff_t c = 0; c < channels; ++c) {
             const uint8_t* const upper = warp.src + c;
             const uint8_t* const lower = upper + warp.srcStep;
@@ -178,7 +177,7 @@ void RemapLinear(const Warp& warp) {
                 corners.lower[i] = static_cast<uint16_t>(lower[left] | lower[right] << 8);
             }
             const bool direct = channels == 1 && all;
-            MixCorners(corners, places, count, direct ? out : mixed.data());
+            AtLevel<MixCorners>(corners, places, count, direct ? out : mixed.data());
             if (direct) continue;
             for (ptrdiff_t i = 0; i < count; ++i)
                 if (all || places.inside[static_cast<size_t>(i)] != 0)

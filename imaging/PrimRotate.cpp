@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimRoi.h"
@@ -123,9 +123,8 @@ SE_INLINE double Clamp(double position, double low, double high) {
 }
 
 /// Traces back the `count` pixels from (column, row) on.
-SE_MULTIVERSION
-void FindPlaces(const Trace& trace, int32_t column, int32_t row, ptrdiff_t count,
-                Places& SE_RESTRICT places) {
+SE_INLINE void FindPlaces(const Trace& trace, int32_t column, int32_t row, ptrdiff_t count,
+                          Places& SE_RESTRICT places) {
     const double left = trace.left, right = trace.right, top = trace.top, bottom = trace.bottom;
     const double c = trace.direction.c, s = trace.direction.s;
     const double xShift = trace.xShift, dy = row - trace.yShift;
@@ -183,20 +182,6 @@ SE_INLINE void MixSamples(const Samples& SE_RESTRICT samples, const Places& SE_R
     }
 }
 
-SE_MULTIVERSION
-void MixStretch(NearestKernel, const Samples& samples, const Places& places, ptrdiff_t count,
-                uint8_t* mixed) {
-    MixSamples<NearestKernel>(samples, places, count, mixed);
-}
-SE_MULTIVERSION
-void MixStretch(LinearKernel, const Samples& samples, const Places& places, ptrdiff_t count, uint8_t* mixed) {
-    MixSamples<LinearKernel>(samples, places, count, mixed);
-}
-SE_MULTIVERSION
-void MixStretch(CubicKernel, const Samples& samples, const Places& places, ptrdiff_t count, uint8_t* mixed) {
-    MixSamples<CubicKernel>(samples, places, count, mixed);
-}
-
 /// One pixel near the edge of the region; samples past it repeat the edge.
 template <class Kernel>
 uint8_t MixEdgePixel(const Trace& trace, const Places& places, size_t i) {
@@ -245,7 +230,7 @@ void RotateStretch(const Trace& trace, int32_t column, int32_t row, ptrdiff_t co
     Places places;
     Samples samples{};
     std::array<uint8_t, kStretch> mixed;
-    FindPlaces(trace, column, row, count, places);
+    AtLevel<FindPlaces>(trace, column, row, count, places);
     for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
         if (places.inner[i] == 0) continue;
         const uint8_t* from = Row(trace.data, trace.step, places.row[i] - 1) + (places.column[i] - 1);
@@ -254,7 +239,7 @@ void RotateStretch(const Trace& trace, int32_t column, int32_t row, ptrdiff_t co
             from += trace.step;
         }
     }
-    MixStretch(Kernel(), samples, places, count, mixed.data());
+    AtLevel<MixSamples<Kernel>>(samples, places, count, mixed.data());
     for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
         if (places.inner[i] != 0) {
             out[i] = mixed[i];

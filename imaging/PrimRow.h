@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <type_traits>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace prim {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace prim {
 

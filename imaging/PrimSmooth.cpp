@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/PrimDivide.h"
@@ -23,8 +23,8 @@ SE_INLINE uint16_t U16(int v) {
     return static_cast<uint16_t>(v);
 }
 
-SE_MULTIVERSION void Gauss3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                              ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Gauss3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                        ptrdiff_t width, ptrdiff_t height) {
     FilterSeparable<uint16_t, 1>(
         src, srcStep, dst, dstStep, width, height, Surround::kAsMaskReaches,
         [](int a, int b, int c) { return a + 2 * b + c; },
@@ -34,8 +34,8 @@ SE_MULTIVERSION void Gauss3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* ds
         });
 }
 
-SE_MULTIVERSION void Lowpass3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                                ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Lowpass3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                          ptrdiff_t width, ptrdiff_t height) {
     FilterSeparable<uint16_t, 1>(
         src, srcStep, dst, dstStep, width, height, Surround::kAsMaskReaches,
         [](int a, int b, int c) { return a + b + c; },
@@ -43,8 +43,8 @@ SE_MULTIVERSION void Lowpass3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* 
 }
 
 /// The sums down the columns run on from row to row.
-SE_MULTIVERSION void Lowpass5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                                ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Lowpass5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                          ptrdiff_t width, ptrdiff_t height) {
     for (const auto [begin, end] : prim::Strips(width)) {
         const ptrdiff_t count = end - begin;
         uint16_t line[kStrip + 4];
@@ -78,8 +78,8 @@ SE_MULTIVERSION void Lowpass5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* 
 /// The mask does not separate, but it is symmetric: three sums down each column serve the five places that
 /// the column has in a mask. Each fits 16 bits; their total does not, and ((s + 286) * 29382) >> 24, which is
 /// (s + 285) / 571, is found from parts of it.
-SE_MULTIVERSION void Gauss5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                              ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Gauss5x5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                        ptrdiff_t width, ptrdiff_t height) {
     for (const auto [begin, end] : prim::Strips(width)) {
         const ptrdiff_t count = end - begin;
         uint16_t outer[kStrip + 4];
@@ -115,7 +115,7 @@ PrimStatus PrimFilterGauss8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst
             FirstError(CheckImages(src, srcStep, dst, dstStep, width, height), CheckMask(mask))) {
         return status;
     }
-    (mask == kPrimMask3x3 ? Gauss3x3 : Gauss5x5)(src, srcStep, dst, dstStep, width, height);
+    (mask == kPrimMask3x3 ? AtLevel<Gauss3x3> : AtLevel<Gauss5x5>)(src, srcStep, dst, dstStep, width, height);
     return kPrimOk;
 }
 
@@ -125,6 +125,7 @@ PrimStatus PrimFilterLowpass8uC1(const uint8_t* src, int32_t srcStep, uint8_t* d
             FirstError(CheckImages(src, srcStep, dst, dstStep, width, height), CheckMask(mask))) {
         return status;
     }
-    (mask == kPrimMask3x3 ? Lowpass3x3 : Lowpass5x5)(src, srcStep, dst, dstStep, width, height);
+    (mask == kPrimMask3x3 ? AtLevel<Lowpass3x3> : AtLevel<Lowpass5x5>)(src, srcStep, dst, dstStep, width,
+                                                                       height);
     return kPrimOk;
 }

@@ -10,7 +10,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/PrimRow.h"
 #include "imaging/ResizeAxis.h"
 #include "imaging/Simd.h"
@@ -168,9 +168,8 @@ class ColumnTable {
 };
 
 /// Mixes six lines into a destination row.
-SE_MULTIVERSION
-void MixLines(const std::array<const float*, kTaps>& lines, const Weights& weights, uint8_t* SE_RESTRICT out,
-              int32_t count) {
+SE_INLINE void MixLines(const std::array<const float*, kTaps>& lines, const Weights& weights,
+                        uint8_t* SE_RESTRICT out, int32_t count) {
     const float *l0 = lines[0], *l1 = lines[1], *l2 = lines[2], *l3 = lines[3], *l4 = lines[4],
                 *l5 = lines[5];
     const float w0 = weights[0], w1 = weights[1], w2 = weights[2], w3 = weights[3], w4 = weights[4],
@@ -220,7 +219,7 @@ PrimStatus Lanczos(const Image& image) {
         for (int32_t t = 0; t < kTaps; ++t)
             taps[static_cast<size_t>(t)] =
                 lineOf(std::clamp(sample - kTapsBefore + t, 0, image.y.length - 1));
-        MixLines(taps, WeightsAt(fraction), Row(image.dst, image.dstStep, y), image.x.count);
+        AtLevel<MixLines>(taps, WeightsAt(fraction), Row(image.dst, image.dstStep, y), image.x.count);
     }
     return kPrimOk;
 }

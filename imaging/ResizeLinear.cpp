@@ -8,7 +8,7 @@
 #include <array>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/PrimRoi.h"
 #include "imaging/PrimRow.h"
 #include "imaging/ResizeAxis.h"
@@ -64,9 +64,8 @@ class PlainRowScaler {
 };
 
 /// Blends two lines into a destination row.
-SE_MULTIVERSION
-void BlendPlain(const uint16_t* SE_RESTRICT upper, const uint16_t* SE_RESTRICT lower, int32_t weight,
-                uint8_t* SE_RESTRICT out, int32_t count) {
+SE_INLINE void BlendPlain(const uint16_t* SE_RESTRICT upper, const uint16_t* SE_RESTRICT lower,
+                          int32_t weight, uint8_t* SE_RESTRICT out, int32_t count) {
     for (int32_t k = 0; k < count; ++k)
         out[k] = static_cast<uint8_t>((lower[k] * weight + upper[k] * (kOne - weight) + 0x80000) >> 20);
 }
@@ -267,7 +266,7 @@ PrimStatus Linear(const Image& image) {
     }
 #endif
     PlainRowScaler scaler(image.x);
-    return scaler ? Run(image, scaler, BlendPlain) : kPrimMemoryError;
+    return scaler ? Run(image, scaler, AtLevel<BlendPlain>) : kPrimMemoryError;
 }
 
 }  // namespace resize

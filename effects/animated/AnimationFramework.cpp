@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "imaging/ExactDivision.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -24,14 +24,14 @@ void ForEachSharedRow(const CPlane8u& mask, int32_t x, int32_t y, int32_t planeW
 }
 
 /// The mask is the opacity and the value laid down.
-SE_MULTIVERSION void AddLight(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT work, size_t count) {
+SE_INLINE void AddLight(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT work, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint8_t a = mask[i];
         work[i] = static_cast<uint8_t>(DivideBy255(static_cast<uint16_t>((255 - a) * work[i] + a * a)));
     }
 }
 
-SE_MULTIVERSION void Screen(const uint8_t* SE_RESTRICT light, uint8_t* SE_RESTRICT y, size_t count) {
+SE_INLINE void Screen(const uint8_t* SE_RESTRICT light, uint8_t* SE_RESTRICT y, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         y[i] =
             static_cast<uint8_t>(255 - DivideBy255(static_cast<uint16_t>((255 - light[i]) * (255 - y[i]))));
@@ -39,8 +39,8 @@ SE_MULTIVERSION void Screen(const uint8_t* SE_RESTRICT light, uint8_t* SE_RESTRI
 }
 
 /// Mask pixels of 0 blend nothing in, so that they need no test.
-SE_MULTIVERSION void BlendColor(const uint8_t* SE_RESTRICT mask, uint8_t alpha, uint8_t color,
-                                uint8_t* SE_RESTRICT pixels, size_t count) {
+SE_INLINE void BlendColor(const uint8_t* SE_RESTRICT mask, uint8_t alpha, uint8_t color,
+                          uint8_t* SE_RESTRICT pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint16_t a = DivideBy255(static_cast<uint16_t>(alpha * mask[i]));
         pixels[i] =
@@ -48,8 +48,8 @@ SE_MULTIVERSION void BlendColor(const uint8_t* SE_RESTRICT mask, uint8_t alpha, 
     }
 }
 
-SE_MULTIVERSION void StampColor(const uint8_t* SE_RESTRICT mask, uint8_t color, uint8_t* SE_RESTRICT pixels,
-                                size_t count) {
+SE_INLINE void StampColor(const uint8_t* SE_RESTRICT mask, uint8_t color, uint8_t* SE_RESTRICT pixels,
+                          size_t count) {
     constexpr uint8_t kFaint = 20;
     for (size_t i = 0; i < count; ++i) pixels[i] = mask[i] >= kFaint ? color : pixels[i];
 }
@@ -81,10 +81,10 @@ void CAnimationFramework::RenderGlow(CPlane8u* y) {
         object->GetPosition(&at);
         ForEachSharedRow(*object->GetFrame(), at.x, at.y, Work.width, Work.height,
                          [&](const uint8_t* mask, ptrdiff_t offset, size_t count) {
-                             AddLight(mask, Work.data + offset, count);
+                             AtLevel<AddLight>(mask, Work.data + offset, count);
                          });
     }
-    Screen(Work.data, y->data, std::min(Work.Size(), y->Size()));
+    AtLevel<Screen>(Work.data, y->data, std::min(Work.Size(), y->Size()));
 }
 
 void CAnimationFramework::RenderTinted(CPlane8u* y, CPlane8u* u, CPlane8u* v, bool withChroma) {
@@ -96,13 +96,13 @@ void CAnimationFramework::RenderTinted(CPlane8u* y, CPlane8u* u, CPlane8u* v, bo
         const CPlane8u& mask = *object->GetFrame();
         ForEachSharedRow(mask, at.x, at.y, y->width, y->height,
                          [&](const uint8_t* row, ptrdiff_t offset, size_t count) {
-                             BlendColor(row, color[3], color[0], y->data + offset, count);
+                             AtLevel<BlendColor>(row, color[3], color[0], y->data + offset, count);
                          });
         if (!withChroma) continue;
         ForEachSharedRow(HalfMask(mask), at.x / 2, at.y / 2, u->width, u->height,
                          [&](const uint8_t* row, ptrdiff_t offset, size_t count) {
-                             BlendColor(row, color[3], color[1], u->data + offset, count);
-                             BlendColor(row, color[3], color[2], v->data + offset, count);
+                             AtLevel<BlendColor>(row, color[3], color[1], u->data + offset, count);
+                             AtLevel<BlendColor>(row, color[3], color[2], v->data + offset, count);
                          });
     }
 }
@@ -115,8 +115,8 @@ void CAnimationFramework::ColorizeChroma(CPlane8u* u, CPlane8u* v) {
         object->GetColor(color);
         ForEachSharedRow(HalfMask(*object->GetFrame()), at.x / 2, at.y / 2, u->width, u->height,
                          [&](const uint8_t* row, ptrdiff_t offset, size_t count) {
-                             StampColor(row, color[1], u->data + offset, count);
-                             StampColor(row, color[2], v->data + offset, count);
+                             AtLevel<StampColor>(row, color[1], u->data + offset, count);
+                             AtLevel<StampColor>(row, color[2], v->data + offset, count);
                          });
     }
     for (CPlane8u* plane : {u, v}) {

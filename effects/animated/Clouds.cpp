@@ -12,7 +12,7 @@
 #include "imaging/ExactDivision.h"
 #include "imaging/GradientNoise.h"
 #include "imaging/Lookup.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/ScalarColor.h"
 
@@ -70,16 +70,16 @@ void WritePictures(int count) {
     if (file) std::filesystem::rename(temporary.path, whole, ignored);
 }
 
-SE_MULTIVERSION void BlendPictures(const uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT next,
-                                   int32_t weight, uint8_t* SE_RESTRICT mask, size_t count) {
+SE_INLINE void BlendPictures(const uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT next, int32_t weight,
+                             uint8_t* SE_RESTRICT mask, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         mask[i] = static_cast<uint8_t>(((256 - weight) * now[i] + weight * next[i]) >> 8);
     }
 }
 
 /// Lays a flat value over a plane.
-SE_MULTIVERSION void BlendColor(uint8_t* SE_RESTRICT pixels, const uint8_t* SE_RESTRICT mask, uint8_t value,
-                                size_t count) {
+SE_INLINE void BlendColor(uint8_t* SE_RESTRICT pixels, const uint8_t* SE_RESTRICT mask, uint8_t value,
+                          size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto sum = static_cast<uint16_t>((255 - mask[i]) * pixels[i] + mask[i] * value);
         pixels[i] = static_cast<uint8_t>(DivideBy255(sum));
@@ -149,7 +149,7 @@ void CCloudsSpecialEffectFilter::FillMask(const CPlane8u& now, const CPlane8u& n
     if (weight == 0) {
         Mask.CopyPixels(now);
     } else {
-        BlendPictures(now.data, next.data, weight, Mask.data, Mask.Size());
+        AtLevel<BlendPictures>(now.data, next.data, weight, Mask.data, Mask.Size());
     }
     if (Type == 2) {
         std::array<uint8_t, 256> patches{};
@@ -171,8 +171,8 @@ void CCloudsSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 
     uint8_t color[4];
     RgbToYuvColor(color, PackedRed(CloudColor), PackedGreen(CloudColor), PackedBlue(CloudColor));
-    BlendColor(frame.y.data, Mask.data, color[0], Mask.Size());
+    AtLevel<BlendColor>(frame.y.data, Mask.data, color[0], Mask.Size());
     ResizePlane(Mask, SmallMask);
-    BlendColor(frame.v.data, SmallMask.data, color[2], SmallMask.Size());
-    BlendColor(frame.u.data, SmallMask.data, color[1], SmallMask.Size());
+    AtLevel<BlendColor>(frame.v.data, SmallMask.data, color[2], SmallMask.Size());
+    AtLevel<BlendColor>(frame.u.data, SmallMask.data, color[1], SmallMask.Size());
 }

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "imaging/Lookup.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ constexpr uint8_t Mix(uint32_t weight, uint8_t sharp, uint8_t blurred) {
 }
 
 /// Luma to palette index, in place.
-SE_MULTIVERSION void MixRow(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT blurred, size_t width) {
+SE_INLINE void MixRow(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT blurred, size_t width) {
     const size_t pairs = width / 2;
     for (size_t i = 0; i < pairs; ++i) {
         const uint8_t left = y[2 * i], right = y[2 * i + 1];
@@ -91,7 +91,7 @@ void CFireSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 
     CPlane8u y = CPlane8u::Over(frame.y.data, width, height);
     for (int32_t row = 0; row < height; ++row) {
-        MixRow(y.Row(row), inner + ptrdiff_t{PaddedStep} * row, static_cast<size_t>(width));
+        AtLevel<MixRow>(y.Row(row), inner + ptrdiff_t{PaddedStep} * row, static_cast<size_t>(width));
     }
     LookupBytes(kPalette.U.data(), y.data, FullU.data, y.Size());
     LookupBytes(kPalette.V.data(), y.data, FullV.data, y.Size());

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
@@ -15,8 +15,8 @@ constexpr size_t kBlock = 128;
 
 /// dst[i] = history[slot[i]][i], the planes of the history being `count` bytes apart. All sixteen are read in
 /// step and the right one is kept: sixteen selects on whole vectors beat one load a pixel from anywhere.
-SE_MULTIVERSION void PickSlots(const uint8_t* SE_RESTRICT history, const uint8_t* SE_RESTRICT slot,
-                               uint8_t* SE_RESTRICT dst, size_t count) {
+SE_INLINE void PickSlots(const uint8_t* SE_RESTRICT history, const uint8_t* SE_RESTRICT slot,
+                         uint8_t* SE_RESTRICT dst, size_t count) {
     size_t start = 0;
     for (; start + kBlock <= count; start += kBlock) {
         const uint8_t* const past = history + start;
@@ -73,5 +73,5 @@ void CQuarkSpecialEffectFilter::ProcessPlane(const FramePlane& plane, History& h
     for (uint32_t slot = 0; slot < kSlots; ++slot) {
         if (FirstFrame || slot == newest) std::memcpy(history.data() + slot * count, plane.data, count);
     }
-    PickSlots(history.data(), window, plane.data, count);
+    AtLevel<PickSlots>(history.data(), window, plane.data, count);
 }

@@ -5,16 +5,16 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Plane8u.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
 
 /// One row of the wave equation, with the heights of two frames ago in `target` and one sixteenth lost.
-SE_MULTIVERSION void PropagateRow(const int16_t* SE_RESTRICT above, const int16_t* SE_RESTRICT row,
-                                  const int16_t* SE_RESTRICT below, int16_t* SE_RESTRICT target,
-                                  int32_t begin, int32_t end) {
+SE_INLINE void PropagateRow(const int16_t* SE_RESTRICT above, const int16_t* SE_RESTRICT row,
+                            const int16_t* SE_RESTRICT below, int16_t* SE_RESTRICT target, int32_t begin,
+                            int32_t end) {
     for (int32_t x = begin; x < end; ++x) {
         const int32_t sum = above[x - 1] + above[x] + above[x + 1] + row[x - 1] + row[x + 1] + below[x - 1] +
                             below[x] + below[x + 1];
@@ -24,8 +24,8 @@ SE_MULTIVERSION void PropagateRow(const int16_t* SE_RESTRICT above, const int16_
 }
 
 /// Whether the water is level over a run of pixels: then the picture shows through as it is.
-SE_MULTIVERSION bool IsLevel(const int16_t* above, const int16_t* row, const int16_t* below, int32_t begin,
-                             int32_t end) {
+SE_INLINE bool IsLevel(const int16_t* above, const int16_t* row, const int16_t* below, int32_t begin,
+                       int32_t end) {
     int32_t slopes = 0;
     for (int32_t x = begin; x < end; ++x) slopes |= (row[x - 1] ^ row[x + 1]) | (above[x] ^ below[x]);
     return slopes == 0;
@@ -107,8 +107,8 @@ void CRainSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
         return waves.data() + ptrdiff_t{y} * width;
     };
     for (int32_t y = 2; y < height - 2; ++y) {
-        PropagateRow(rowOf(SourceWaves, y - 1), rowOf(SourceWaves, y), rowOf(SourceWaves, y + 1),
-                     rowOf(TargetWaves, y), 2, width - 2);
+        AtLevel<PropagateRow>(rowOf(SourceWaves, y - 1), rowOf(SourceWaves, y), rowOf(SourceWaves, y + 1),
+                              rowOf(TargetWaves, y), 2, width - 2);
     }
 
     // The slope shifts the sample and lights it. A sample may come from one past the last column or row;
@@ -124,7 +124,7 @@ void CRainSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
         uint8_t* const out = Output.data() + ptrdiff_t{y} * width;
         for (int32_t begin = 1; begin < width - 1; begin += kRun) {
             const int32_t end = std::min(begin + kRun, width - 1);
-            if (IsLevel(above, row, below, begin, end)) {
+            if (AtLevel<IsLevel>(above, row, below, begin, end)) {
                 std::memcpy(out + begin, in + begin, static_cast<size_t>(end - begin));
                 continue;
             }

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -47,9 +47,8 @@ SE_INLINE Real Mix(uint16_t upper, uint16_t lower, Real fx, Real fy) {
 }
 
 /// The result proper: mixed in double precision and truncated.
-SE_MULTIVERSION
-void MixExactly(const Neighbours& pixels, const float* SE_RESTRICT fractionX,
-                const float* SE_RESTRICT fractionY, int32_t count, uint8_t* SE_RESTRICT dst) {
+SE_INLINE void MixExactly(const Neighbours& pixels, const float* SE_RESTRICT fractionX,
+                          const float* SE_RESTRICT fractionY, int32_t count, uint8_t* SE_RESTRICT dst) {
     for (int32_t i = 0; i < count; ++i) {
         const auto k = static_cast<size_t>(i);
         dst[i] = static_cast<uint8_t>(static_cast<int32_t>(
@@ -59,9 +58,8 @@ void MixExactly(const Neighbours& pixels, const float* SE_RESTRICT fractionX,
 
 /// In single precision, at half the price. The rounding errors of the mix sum up to less than 2^-13; returns
 /// false when a value lies so close to a whole number that they could have carried it across.
-SE_MULTIVERSION
-bool MixQuickly(const Neighbours& pixels, const float* SE_RESTRICT fractionX,
-                const float* SE_RESTRICT fractionY, int32_t count, uint8_t* SE_RESTRICT dst) {
+SE_INLINE bool MixQuickly(const Neighbours& pixels, const float* SE_RESTRICT fractionX,
+                          const float* SE_RESTRICT fractionY, int32_t count, uint8_t* SE_RESTRICT dst) {
     constexpr float kMargin = 0x1p-12F;
     int32_t doubtful = 0;
     for (int32_t i = 0; i < count; ++i) {
@@ -115,8 +113,8 @@ void CLinearWarp::Apply(const uint8_t* src, uint8_t* dst) const {
                 pixels.upper[static_cast<size_t>(i)] = LoadPair(src + source[i]);
                 pixels.lower[static_cast<size_t>(i)] = LoadPair(src + source[i] + width_);
             }
-            if (!MixQuickly(pixels, fractionX, fractionY, count, out))
-                MixExactly(pixels, fractionX, fractionY, count, out);
+            if (!AtLevel<MixQuickly>(pixels, fractionX, fractionY, count, out))
+                AtLevel<MixExactly>(pixels, fractionX, fractionY, count, out);
             source += count;
             fractionX += count;
             fractionY += count;

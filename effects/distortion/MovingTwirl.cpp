@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
@@ -37,9 +37,9 @@ struct Twist {
 
 /// Divisions round towards zero. A source outside the plane, on frames that are higher than wide, is replaced
 /// by the pixel itself; `self` is the index of the first.
-SE_MULTIVERSION
-void FindSources(const Twist& twist, const uint16_t* SE_RESTRICT radius, const int16_t* SE_RESTRICT angle,
-                 int32_t self, int32_t count, int32_t* SE_RESTRICT sources) {
+SE_INLINE void FindSources(const Twist& twist, const uint16_t* SE_RESTRICT radius,
+                           const int16_t* SE_RESTRICT angle, int32_t self, int32_t count,
+                           int32_t* SE_RESTRICT sources) {
     const int32_t* const turn = twist.turn;
     const int32_t* const sinCos = twist.sinCos;
     const int32_t centerX = twist.centerX, centerY = twist.centerY, width = twist.width;
@@ -114,8 +114,8 @@ void CMovingTwirlSpecialEffectFilter::ForEachRow(const Disc& disc, Take take) {
     size_t done = 0;
     for (const Disc::Row& row : disc.rows) {
         const int32_t firstPixel = row.y * disc.width + row.firstColumn;
-        FindSources(twist, disc.radius.data() + done, disc.angle.data() + done, firstPixel, row.count,
-                    Sources.data());
+        AtLevel<FindSources>(twist, disc.radius.data() + done, disc.angle.data() + done, firstPixel,
+                             row.count, Sources.data());
         take(Sources.data(), firstPixel, row.count);
         done += static_cast<size_t>(row.count);
     }

@@ -16,7 +16,7 @@ constexpr auto kToneTable = [] {
 }();
 
 /// Inks the pixels of `luma` that lie on an edge of `source`.
-SE_MULTIVERSION void InkEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void InkEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t width, ptrdiff_t height) {
     constexpr int32_t kEdge = 60;
     constexpr uint8_t kInk = 10;
     for (ptrdiff_t y = 0; y < height; ++y) {
@@ -27,7 +27,7 @@ SE_MULTIVERSION void InkEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t wi
 }
 
 /// Draws the edges of `source` on `luma`, the stronger the darker, and leaves the rest pale.
-SE_MULTIVERSION void OutlineEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void OutlineEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t width, ptrdiff_t height) {
     constexpr int32_t kEdge = 60, kStrongEdge = 90;
     constexpr uint8_t kBoard = 221, kLine = 20;
     for (ptrdiff_t y = 0; y < height; ++y) {
@@ -84,7 +84,7 @@ void CChalkSpecialEffectFilter::DrawTones(CPlane8u& y, CPlane8u& u, CPlane8u& v)
     }
     if (DrawEdges) {
         FilterBoxInPlace(EdgeSource, 3);
-        InkEdges(EdgeSource.data, y.data, y.width, y.height);
+        AtLevel<InkEdges>(EdgeSource.data, y.data, y.width, y.height);
     }
 }
 
@@ -93,6 +93,6 @@ void CChalkSpecialEffectFilter::DrawOutline(CPlane8u& y, CPlane8u& u, CPlane8u& 
     v.Fill(128);
     Scratch.CopyPixels(y);
     FilterBoxInPlace(Scratch, 3);
-    OutlineEdges(Scratch.data, y.data, y.width, y.height);
+    AtLevel<OutlineEdges>(Scratch.data, y.data, y.width, y.height);
     FilterBoxInPlace(y, 3);
 }

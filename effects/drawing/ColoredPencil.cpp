@@ -1,13 +1,13 @@
 #include "effects/drawing/ColoredPencil.h"
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
 /// Turns a luma plane and its local mean into lines: the rise above the mean 16 times amplified, drawn dark.
 /// All that is not darker still is shaded a little, so that paper is not quite white. Both planes receive the
 /// result.
-SE_MULTIVERSION void DrawLines(uint8_t* SE_RESTRICT luma, uint8_t* SE_RESTRICT mean, size_t count) {
+SE_INLINE void DrawLines(uint8_t* SE_RESTRICT luma, uint8_t* SE_RESTRICT mean, size_t count) {
     constexpr uint8_t kPaperShade = 30;
     for (size_t i = 0; i < count; ++i) {
         const auto rise = static_cast<uint8_t>(std::max(luma[i], mean[i]) - mean[i]);
@@ -30,6 +30,6 @@ void CColoredPencilSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) 
     CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
     Scratch.CopyPixels(luma);
     FilterBoxInPlace(Scratch, 5);
-    DrawLines(luma.data, Scratch.data, luma.Size());
+    AtLevel<DrawLines>(luma.data, Scratch.data, luma.Size());
     FilterGauss5(Scratch, luma);  // the grain of the pencil
 }

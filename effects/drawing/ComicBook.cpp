@@ -1,6 +1,6 @@
 #include "effects/drawing/ComicBook.h"
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -64,7 +64,7 @@ SE_INLINE void PrintRows(uint8_t* SE_RESTRICT luma, uint8_t* SE_RESTRICT u, uint
     if (width % 2 != 0) PrintBlock<1, Rows>(luma + 2 * pairs, width, u[pairs], v[pairs]);
 }
 
-SE_MULTIVERSION void Print(uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t width, ptrdiff_t height) {
+SE_INLINE void Print(uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t width, ptrdiff_t height) {
     const ptrdiff_t chromaStep = (width + 1) / 2;
     for (; height >= 2; height -= 2) {
         PrintRows<2>(luma, u, v, width);
@@ -79,6 +79,6 @@ SE_MULTIVERSION void Print(uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t widt
 
 ResultCode CComicBookSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     if (!frame.HoldsRoundedUpChroma()) return kInvalidArgument;
-    Print(frame.y.data, frame.u.data, frame.v.data, Width(), Height());
+    AtLevel<Print>(frame.y.data, frame.u.data, frame.v.data, Width(), Height());
     return kSuccess;
 }

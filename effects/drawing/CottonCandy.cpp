@@ -3,7 +3,7 @@
 #include <array>
 
 #include "imaging/Lookup.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/ScalarColor.h"
 
 namespace {
@@ -29,8 +29,8 @@ constexpr Palette kUPalette = MakePalette(RgbToU(253, 167, 170), RgbToU(87, 53, 
 constexpr Palette kVPalette = MakePalette(RgbToV(253, 167, 170), RgbToV(87, 53, 200), RgbToV(0, 201, 255));
 
 /// The negative of `luma`, burnt out to white where its surroundings are bright.
-SE_MULTIVERSION void LightNegative(uint8_t* SE_RESTRICT luma, ptrdiff_t width, ptrdiff_t height,
-                                   const uint8_t* SE_RESTRICT blurred, ptrdiff_t blurredStep) {
+SE_INLINE void LightNegative(uint8_t* SE_RESTRICT luma, ptrdiff_t width, ptrdiff_t height,
+                             const uint8_t* SE_RESTRICT blurred, ptrdiff_t blurredStep) {
     for (; height > 0; --height, luma += width, blurred += blurredStep) {
         for (ptrdiff_t x = 0; x < width; ++x) {
             const int32_t weight = 255 - blurred[x] / 4 - blurred[x] / 2;
@@ -56,7 +56,7 @@ void CCottonCandySpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     EqualizeHistogram(luma);
     Padded.CopyWithBorder(luma, kMargin);
     FilterBoxInPlace(Padded, kBlurSize);
-    LightNegative(luma.data, luma.width, luma.height, Padded.Row(kMargin) + kMargin, Padded.width);
+    AtLevel<LightNegative>(luma.data, luma.width, luma.height, Padded.Row(kMargin) + kMargin, Padded.width);
 
     BlurredHalf.ResizeRegion(Padded, luma.width, luma.height, kMargin, kMargin);
     LookupBytes(kUPalette.data(), BlurredHalf.data, frame.u.data, BlurredHalf.Size());

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 /// |dx| + |dy| of the 3 by 3 Sobel pair at a pixel that has neighbours on all sides; 0 to 2040. `step` is the
 /// row step.
@@ -19,7 +19,8 @@ SE_INLINE int32_t EdgeStrength(const uint8_t* pixel, ptrdiff_t step) {
 }
 
 /// Calls draw(x, strength) for the pixels of row `y` of a plane. The outermost pixels of a plane have no
-/// edges: their strength is 0. For use in SE_MULTIVERSION functions; `draw` does not write to the plane.
+/// edges: their strength is 0. `draw` does not write to
+/// the plane.
 template <class Draw>
 SE_INLINE void ForEdgesOfRow(const uint8_t* plane, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
                              ptrdiff_t y, Draw draw) {

@@ -23,8 +23,8 @@ int32_t ReadNumber(std::istream& file) {
     return number;
 }
 
-SE_MULTIVERSION void DrawLines(const uint8_t* source, ptrdiff_t sourceStep, uint8_t* luma, ptrdiff_t width,
-                               ptrdiff_t height, int32_t threshold, uint8_t background) {
+SE_INLINE void DrawLines(const uint8_t* source, ptrdiff_t sourceStep, uint8_t* luma, ptrdiff_t width,
+                         ptrdiff_t height, int32_t threshold, uint8_t background) {
     constexpr uint8_t kLine = 255;
     for (ptrdiff_t y = 0; y < height; ++y) {
         uint8_t* const row = luma + y * width;
@@ -87,6 +87,6 @@ void CLineArtSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     Padded.CopyWithBorder(CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height), kMargin);
     Blur.FilterRows(Padded, BlurredRows);
     Blur.FilterColumns(BlurredRows, Padded);
-    DrawLines(Padded.Row(kMargin) + kMargin, Padded.width, frame.y.data, frame.y.width, frame.y.height,
-              EdgeThreshold, PackedToY(BackgroundColor));
+    AtLevel<DrawLines>(Padded.Row(kMargin) + kMargin, Padded.width, frame.y.data, frame.y.width,
+                       frame.y.height, EdgeThreshold, PackedToY(BackgroundColor));
 }

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -58,8 +58,8 @@ SE_INLINE bool AllFlat(const uint8_t* row, ptrdiff_t count) {
 
 /// Lights the slopes of a row, whose pixels and neighbours are 0 to kDark. Most of a picture is flat, and
 /// passed over in blocks.
-SE_MULTIVERSION void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdiff_t width,
-                               const uint8_t* shades) {
+SE_INLINE void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdiff_t width,
+                         const uint8_t* shades) {
     constexpr ptrdiff_t kBlock = 64;
     int32_t index[kBlock];
     for (ptrdiff_t begin = 1; begin < width - 1; begin += kBlock) {
@@ -86,18 +86,18 @@ SE_MULTIVERSION void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst,
 void Emboss(const CPlane8u& src, CPlane8u& dst) {
     const uint8_t* const shades = Shades().data();
     for (int32_t y = 1; y < src.height - 1; ++y)
-        EmbossRow(src.Row(y), src.width, dst.Row(y), src.width, shades);
+        AtLevel<EmbossRow>(src.Row(y), src.width, dst.Row(y), src.width, shades);
 }
 
 /// kDark up to `limit`, 0 above it.
-SE_MULTIVERSION void SplitDark(const uint8_t* SE_RESTRICT src, uint8_t* SE_RESTRICT dst, size_t count,
-                               uint8_t limit, uint8_t dark) {
+SE_INLINE void SplitDark(const uint8_t* SE_RESTRICT src, uint8_t* SE_RESTRICT dst, size_t count,
+                         uint8_t limit, uint8_t dark) {
     for (size_t i = 0; i < count; ++i) dst[i] = src[i] <= limit ? dark : 0;
 }
 
 /// Lays the dark part flat over the relief, with a rim where it reaches beyond its core.
-SE_MULTIVERSION void LayDark(const uint8_t* SE_RESTRICT mask, const uint8_t* SE_RESTRICT core,
-                             uint8_t* SE_RESTRICT luma, size_t count) {
+SE_INLINE void LayDark(const uint8_t* SE_RESTRICT mask, const uint8_t* SE_RESTRICT core,
+                       uint8_t* SE_RESTRICT luma, size_t count) {
     constexpr uint8_t kCoreShade = 30, kRimShade = 50;
     for (size_t i = 0; i < count; ++i) {
         const uint8_t shade = core[i] != 0 ? kCoreShade : kRimShade;
@@ -137,12 +137,13 @@ void CPlasterSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     luma.FillBorder(2, kFlatShade);  // as it is in `Work`, where that filter does not reach
 
     Erode3(Mask, Core);
-    LayDark(Mask.data, Core.data, luma.data, luma.Size());
+    AtLevel<LayDark>(Mask.data, Core.data, luma.data, luma.Size());
 }
 
 void CPlasterSpecialEffectFilter::ThresholdDark() {
     // At limit 0 nothing is dark, not even black.
-    SplitDark(Work.data, Mask.data, Mask.Size(), static_cast<uint8_t>(DarkLimit), DarkLimit > 0 ? kDark : 0);
+    AtLevel<SplitDark>(Work.data, Mask.data, Mask.Size(), static_cast<uint8_t>(DarkLimit),
+                       DarkLimit > 0 ? kDark : 0);
     const int32_t share = Mask.MeanByte();
     if (share < 15) ++DarkLimit;
     if (share > 70) --DarkLimit;

@@ -35,8 +35,7 @@ void DrawTonePage(CPlane8u& page, int32_t level) {
 }
 
 /// The tones of row `y` of a plane, with the strong edges on the darkest page.
-SE_MULTIVERSION void InkEdges(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y,
-                              uint8_t* tones) {
+SE_INLINE void InkEdges(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y, uint8_t* tones) {
     constexpr int32_t kStrongEdge = 250;
     const uint8_t* const row = luma + y * width;
     ForEdgesOfRow(luma, width, width, height, y, [=](ptrdiff_t x, int32_t strength) {
@@ -68,7 +67,7 @@ void CSketchSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     for (int32_t y = 0; y < luma.height; ++y) {
         uint8_t* const row = SoftenTemp.Row(y);
         if (EdgeInk) {
-            InkEdges(luma.data, luma.width, luma.height, y, row);
+            AtLevel<InkEdges>(luma.data, luma.width, luma.height, y, row);
         } else {
             LiftFlatAreas(luma, y, kContour, row);
         }

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "effects/drawing/Edges.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -48,7 +48,7 @@ SE_INLINE void ShadeBlock(uint8_t* SE_RESTRICT tones, const PageView* pages, siz
     }
 }
 
-SE_MULTIVERSION void ShadeFrom(uint8_t* tones, const PageView* pages, size_t pageCount, size_t count) {
+SE_INLINE void ShadeFrom(uint8_t* tones, const PageView* pages, size_t pageCount, size_t count) {
     size_t begin = 0;
     for (; begin + kBlock <= count; begin += kBlock) {
         ShadeBlock(tones + begin, pages, pageCount, begin, kBlock);
@@ -56,8 +56,8 @@ SE_MULTIVERSION void ShadeFrom(uint8_t* tones, const PageView* pages, size_t pag
     ShadeBlock(tones + begin, pages, pageCount, begin, count - begin);
 }
 
-SE_MULTIVERSION void LiftRow(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y,
-                             int32_t edge, uint8_t* tones) {
+SE_INLINE void LiftRow(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y, int32_t edge,
+                       uint8_t* tones) {
     const uint8_t* const row = luma + y * width;
     ForEdgesOfRow(luma, width, width, height, y, [=](ptrdiff_t x, int32_t strength) {
         const uint8_t tone = row[x];
@@ -82,7 +82,7 @@ void TonePages::Shade(uint8_t* tones, size_t first, size_t count) const {
         for (size_t p = 0; p < drawn_.size(); ++p) {
             views[p] = {drawn_[p].plane.data + first, drawn_[p].brighterFrom};
         }
-        ShadeFrom(tones, views.data(), drawn_.size(), part);
+        AtLevel<ShadeFrom>(tones, views.data(), drawn_.size(), part);
         tones += part;
         count -= part;
         first += part;
@@ -100,7 +100,7 @@ void SprinklePaper(CPlane8u& page, int32_t before, int32_t after) {
 }
 
 void LiftFlatAreas(const CPlane8u& luma, int32_t y, int32_t edge, uint8_t* tones) {
-    LiftRow(luma.data, luma.width, luma.height, y, edge, tones);
+    AtLevel<LiftRow>(luma.data, luma.width, luma.height, y, edge, tones);
 }
 
 void FinishDrawing(const CPlane8u& drawing, bool soften, CPlane8u& luma) {

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "imaging/Lookup.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/ScalarColor.h"
 
@@ -30,8 +30,7 @@ constexpr Table ChromaTable(int32_t tint, uint8_t black, uint8_t white) {
 }
 
 /// Differences below 2 are held back.
-SE_MULTIVERSION void HoldSmallChanges(uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT before,
-                                      size_t count) {
+SE_INLINE void HoldSmallChanges(uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT before, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const int difference = now[i] > before[i] ? now[i] - before[i] : before[i] - now[i];
         now[i] = difference < 2 ? before[i] : now[i];
@@ -94,7 +93,7 @@ void CFourSquareSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 }
 
 void CFourSquareSpecialEffectFilter::Steady() {
-    if (HasPrevious) HoldSmallChanges(Small.data, Previous.data, Small.Size());
+    if (HasPrevious) AtLevel<HoldSmallChanges>(Small.data, Previous.data, Small.Size());
     HasPrevious = true;
     Previous.CopyPixels(Small);
 }

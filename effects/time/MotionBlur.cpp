@@ -3,13 +3,13 @@
 #include <algorithm>
 
 #include "imaging/ExactDivision.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
 /// The brightest of the three past frames counts three times.
-SE_MULTIVERSION void BlendTrails(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT a,
-                                 const uint8_t* SE_RESTRICT b, const uint8_t* SE_RESTRICT d, size_t count) {
+SE_INLINE void BlendTrails(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT a, const uint8_t* SE_RESTRICT b,
+                           const uint8_t* SE_RESTRICT d, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint8_t brightest = std::max(a[i], std::max(b[i], d[i]));
         const auto sum = static_cast<uint16_t>(4 * y[i] + 3 * a[i] + 3 * brightest + 2 * b[i] + d[i]);
@@ -17,8 +17,8 @@ SE_MULTIVERSION void BlendTrails(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTR
     }
 }
 
-SE_MULTIVERSION void BlendGhost(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT a,
-                                const uint8_t* SE_RESTRICT b, const uint8_t* SE_RESTRICT d, size_t count) {
+SE_INLINE void BlendGhost(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT a, const uint8_t* SE_RESTRICT b,
+                          const uint8_t* SE_RESTRICT d, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         y[i] = static_cast<uint8_t>(static_cast<uint16_t>(y[i] + a[i] + 2 * b[i] + 4 * d[i]) >> 3);
     }

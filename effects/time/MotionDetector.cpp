@@ -2,7 +2,7 @@
 
 #include "framework/ProcessClock.h"
 #include "imaging/ExactDivision.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/ReleaseMemory.h"
 #include "imaging/ScalarColor.h"
@@ -12,7 +12,7 @@ namespace {
 constexpr uint32_t kRed = 255;
 
 /// 1 where a pixel is more than 16 levels away from the background, otherwise 0.
-SE_MULTIVERSION void MarkMotion(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT background, size_t count) {
+SE_INLINE void MarkMotion(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT background, size_t count) {
     constexpr int kThreshold = 16;
     for (size_t i = 0; i < count; ++i) {
         const int difference = background[i] > y[i] ? background[i] - y[i] : y[i] - background[i];
@@ -20,8 +20,7 @@ SE_MULTIVERSION void MarkMotion(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRI
     }
 }
 
-SE_MULTIVERSION void FollowScene(uint8_t* SE_RESTRICT background, const uint8_t* SE_RESTRICT scene,
-                                 size_t count) {
+SE_INLINE void FollowScene(uint8_t* SE_RESTRICT background, const uint8_t* SE_RESTRICT scene, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto sum = static_cast<uint16_t>(scene[i] + 2 * background[i]);
         background[i] = static_cast<uint8_t>(DivideBy3(sum));
@@ -67,7 +66,7 @@ void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
         FirstFrame = false;
     }
 
-    MarkMotion(y.data, Background.data, y.Size());
+    AtLevel<MarkMotion>(y.data, Background.data, y.Size());
     PrimUpdateMotionHistory8u32f(y.data, Width(), History.data(), historyStep, Width(), Height(), now,
                                  kDuration);
 
@@ -77,7 +76,7 @@ void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     const auto high = static_cast<float>(low + 1.0);
     PrimScale32f8u(History.data(), historyStep, y.data, Width(), Width(), Height(), low, high);
 
-    FollowScene(Background.data, Smoothed.data, Background.Size());
+    AtLevel<FollowScene>(Background.data, Smoothed.data, Background.Size());
     CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height).Fill(PackedToU(BlurColor));
     CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height).Fill(PackedToV(BlurColor));
 }

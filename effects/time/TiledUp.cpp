@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
@@ -18,11 +18,11 @@ int32_t TileSizeFor(int32_t width) {
     return size + width % size;
 }
 
-SE_MULTIVERSION void AddGrout(uint8_t* SE_RESTRICT y, const int16_t* SE_RESTRICT grout, size_t count) {
+SE_INLINE void AddGrout(uint8_t* SE_RESTRICT y, const int16_t* SE_RESTRICT grout, size_t count) {
     for (size_t i = 0; i < count; ++i) y[i] = static_cast<uint8_t>(std::clamp(y[i] + grout[i], 0, 255));
 }
 
-SE_MULTIVERSION void AddShade(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT shade, size_t count) {
+SE_INLINE void AddShade(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT shade, size_t count) {
     for (size_t i = 0; i < count; ++i) y[i] = static_cast<uint8_t>(std::clamp(y[i] + shade[i] - 128, 0, 255));
 }
 
@@ -108,7 +108,7 @@ void CTiledUpSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
         Pixelate(frame.v);
     }
     const CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
-    AddGrout(y.data, GroutMap.data(), y.Size());
+    AtLevel<AddGrout>(y.data, GroutMap.data(), y.Size());
     ShadeByGradient(y, Shade, kReliefBias);
-    AddShade(y.data, Shade.data, y.Size());
+    AtLevel<AddShade>(y.data, Shade.data, y.Size());
 }

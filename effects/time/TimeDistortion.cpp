@@ -3,14 +3,14 @@
 #include <algorithm>
 
 #include "imaging/ExactDivision.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
 constexpr int kStill = 10;     ///< a difference up to this counts as no change
 constexpr size_t kBlock = 64;  ///< pixels that are skipped together when none of them has changed
 
-SE_MULTIVERSION void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT y, size_t count) {
+SE_INLINE void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT y, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto sum = static_cast<uint16_t>(76 * y[i] + 179 * average[i]);
         average[i] = static_cast<uint8_t>(DivideBy255(sum));
@@ -18,8 +18,8 @@ SE_MULTIVERSION void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* 
 }
 
 /// The differences of a block, and the largest of them.
-SE_MULTIVERSION uint8_t Differences(const uint8_t* SE_RESTRICT a, const uint8_t* SE_RESTRICT b,
-                                    uint8_t* SE_RESTRICT difference, size_t count) {
+SE_INLINE uint8_t Differences(const uint8_t* SE_RESTRICT a, const uint8_t* SE_RESTRICT b,
+                              uint8_t* SE_RESTRICT difference, size_t count) {
     uint8_t largest = 0;
     for (size_t i = 0; i < count; ++i) {
         const auto d = static_cast<uint8_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
@@ -35,7 +35,8 @@ void ForEachChange(const CPlane8u& average, const CPlane8u& luma, Reach reach) {
     uint8_t difference[kBlock];
     for (size_t start = 0; start < luma.Size(); start += kBlock) {
         const size_t count = std::min(kBlock, luma.Size() - start);
-        if (Differences(average.data + start, luma.data + start, difference, count) <= kStill) continue;
+        if (AtLevel<Differences>(average.data + start, luma.data + start, difference, count) <= kStill)
+            continue;
         for (size_t k = 0; k < count; ++k) {
             if (difference[k] > kStill) reach(start + k, difference[k] / 4U);
         }
@@ -76,7 +77,7 @@ void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     HistoryU[newest].CopyPixels(u);
     HistoryV[newest].CopyPixels(v);
     if (WarmingUp && FrameCount == 0) Average.CopyPixels(y);
-    UpdateAverage(Average.data, y.data, y.Size());
+    AtLevel<UpdateAverage>(Average.data, y.data, y.Size());
 
     if (WarmingUp) {
         if (FrameCount++ >= kRing) WarmingUp = false;

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "imaging/Lookup.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
@@ -36,7 +36,7 @@ const ToneCurve& ChromeToneBright() {
 }
 
 /// Takes the pixels of `current` that differ from `steady` by 3 or more.
-SE_MULTIVERSION void Steady(const uint8_t* SE_RESTRICT current, uint8_t* SE_RESTRICT steady, size_t count) {
+SE_INLINE void Steady(const uint8_t* SE_RESTRICT current, uint8_t* SE_RESTRICT steady, size_t count) {
     constexpr uint8_t kDeadZone = 3;
     for (size_t i = 0; i < count; ++i) {
         const uint8_t now = current[i], before = steady[i];
@@ -45,7 +45,7 @@ SE_MULTIVERSION void Steady(const uint8_t* SE_RESTRICT current, uint8_t* SE_REST
     }
 }
 
-SE_MULTIVERSION void AddWrapping(const uint8_t* SE_RESTRICT offsets, uint8_t* SE_RESTRICT row, size_t count) {
+SE_INLINE void AddWrapping(const uint8_t* SE_RESTRICT offsets, uint8_t* SE_RESTRICT row, size_t count) {
     for (size_t i = 0; i < count; ++i) row[i] = static_cast<uint8_t>(row[i] + offsets[i]);
 }
 
@@ -66,12 +66,12 @@ void CChromeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     CPlane8u luma = CPlane8u::Over(frame.y.data, Width(), Height());
     SmoothPlane.CopyPixels(luma);  // for the edge, which the filter does not reach
     FilterLowpass5(luma, SmoothPlane);
-    Steady(SmoothPlane.data, PreviousPlane.data, PreviousPlane.Size());
+    AtLevel<Steady>(SmoothPlane.data, PreviousPlane.data, PreviousPlane.Size());
     FilterLowpass5(PreviousPlane, luma);  // the edge stays raw
 
     const ToneCurve& curve = Variant == 1 ? ChromeToneDark() : ChromeToneBright();
     for (int32_t y = 0; y < luma.height; ++y) {
-        AddWrapping(Slant.data(), luma.Row(y), Slant.size());
+        AtLevel<AddWrapping>(Slant.data(), luma.Row(y), Slant.size());
         LookupBytes(curve.data(), luma.Row(y), Slant.size());
     }
     frame.FillChroma(128, 128);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -30,8 +30,8 @@ SE_INLINE int16_t Magnitude(int16_t dx, int16_t dy) {
 }
 
 /// Weak edges stay dark, stronger ones rise four times as fast.
-SE_MULTIVERSION void DrawLumaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
-                                   uint8_t* SE_RESTRICT dst, size_t count) {
+SE_INLINE void DrawLumaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
+                             uint8_t* SE_RESTRICT dst, size_t count) {
     constexpr int16_t kWeak = 20;
     for (size_t i = 0; i < count; ++i) {
         const int16_t m = Magnitude(dx[i], dy[i]);
@@ -41,8 +41,8 @@ SE_MULTIVERSION void DrawLumaEdges(const int16_t* SE_RESTRICT dx, const int16_t*
 }
 
 /// Edges go above or below the neutral 128 with their sign.
-SE_MULTIVERSION void DrawChromaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
-                                     uint8_t* SE_RESTRICT dst, size_t count) {
+SE_INLINE void DrawChromaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
+                               uint8_t* SE_RESTRICT dst, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto strength = static_cast<int16_t>(2 * Magnitude(dx[i], dy[i]));
         const auto sum = static_cast<int16_t>(dx[i] + dy[i]);
@@ -96,7 +96,7 @@ void CNeonizeSpecialEffectFilter::ProcessLuma(CPlane8u& luma) {
     ResizePlane(luma, LumaWork);
     Smooth(LumaWork, LumaScratch, LumaKernel);
     LumaGradient.ComputeSobel(LumaWork);
-    DrawLumaEdges(LumaGradient.dx, LumaGradient.dy, LumaWork.data, LumaWork.Size());
+    AtLevel<DrawLumaEdges>(LumaGradient.dx, LumaGradient.dy, LumaWork.data, LumaWork.Size());
     ShowInterior(luma, LumaWork, 6);
 }
 
@@ -104,7 +104,7 @@ void CNeonizeSpecialEffectFilter::ProcessChroma(CPlane8u& chroma) {
     ResizePlane(chroma, ChromaWork);
     Smooth(ChromaWork, ChromaBlur, ChromaKernel);
     ChromaGradient.ComputeSobel(ChromaWork);
-    DrawChromaEdges(ChromaGradient.dx, ChromaGradient.dy, ChromaWork.data, ChromaWork.Size());
+    AtLevel<DrawChromaEdges>(ChromaGradient.dx, ChromaGradient.dy, ChromaWork.data, ChromaWork.Size());
     ChromaBlur.CopyPixels(ChromaWork);
     FilterGauss5(ChromaWork, ChromaBlur);
     ShowInterior(chroma, ChromaBlur, 3);

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "imaging/ExactDivision.h"
-#include "imaging/Multiversion.h"
+#include "imaging/PerLevel.h"
 
 namespace {
 
@@ -63,7 +63,7 @@ void FillSteepBeam(CPlane8u& mask) {
 }
 
 /// Light adds half of the mask, less 91; where there is none at all 127 levels are lost.
-SE_MULTIVERSION void LightLuma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT luma, size_t count) {
+SE_INLINE void LightLuma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT luma, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto change = static_cast<int16_t>(mask[i] == 0 ? -127 : (mask[i] >> 1) - 91);
         const auto lit = static_cast<int16_t>(luma[i] + change);
@@ -72,7 +72,7 @@ SE_MULTIVERSION void LightLuma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_REST
 }
 
 /// Adds mask * 16 / 255.
-SE_MULTIVERSION void WarmChroma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT chroma, size_t count) {
+SE_INLINE void WarmChroma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT chroma, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint16_t offset = DivideBy255(static_cast<uint16_t>(mask[i] * 16));
         chroma[i] = static_cast<uint8_t>(std::min<uint16_t>(static_cast<uint16_t>(chroma[i] + offset), 255));
@@ -104,7 +104,7 @@ void CSpotLightSpecialEffectFilter::Release() {
 }
 
 void CSpotLightSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    LightLuma(LumaMask.data, frame.y.data, LumaMask.Size());
-    WarmChroma(ChromaMask.data, frame.u.data, ChromaMask.Size());
-    WarmChroma(ChromaMask.data, frame.v.data, ChromaMask.Size());
+    AtLevel<LightLuma>(LumaMask.data, frame.y.data, LumaMask.Size());
+    AtLevel<WarmChroma>(ChromaMask.data, frame.u.data, ChromaMask.Size());
+    AtLevel<WarmChroma>(ChromaMask.data, frame.v.data, ChromaMask.Size());
 }
