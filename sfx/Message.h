@@ -1,0 +1,23 @@
+// What sfx_message() tells: one text for each thread.
+#ifndef SPECIALEFFECTS_SFX_MESSAGE_H
+#define SPECIALEFFECTS_SFX_MESSAGE_H
+
+#include "sfx/sfx.h"
+
+namespace sfx {
+
+/// Writes the message of this thread as printf does, cut at a whole character where it is too long, and gives
+/// the status back:
+///
+///     return Tell(SFX_ERROR_ARGUMENT, "there is no link %zu", link);
+#if defined(__GNUC__)
+__attribute__((format(printf, 2, 3)))
+#endif
+sfx_status
+Tell(sfx_status status, const char* format, ...);
+
+const char* Message();
+
+}  // namespace sfx
+
+#endif
