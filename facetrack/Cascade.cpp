@@ -86,7 +86,7 @@ bool Cascade::Read(const std::string& path) {
         float stageThreshold = 0;
         if (!Scan(file, "%d %g", &inStage, &stageThreshold) || inStage < 0) return false;
         stages.push_back(
-            {classifierRectCount.size(), static_cast<size_t>(inStage), rects.size(), stageThreshold, {}});
+            {classifierRectCount.size(), static_cast<size_t>(inStage), rects.size(), 0, stageThreshold, {}});
         for (int32_t c = 0; c < inStage; ++c) {
             int32_t inClassifier = 0;
             if (!Scan(file, "%d", &inClassifier) || inClassifier < 0) return false;
@@ -107,6 +107,7 @@ bool Cascade::Read(const std::string& path) {
             valueBelow.push_back(below);
             valueAbove.push_back(above);
         }
+        stages.back().rectCount = rects.size() - stages.back().firstRect;
     }
     return classifierRectCount.size() == allClassifiers && rects.size() == allRects;
 }

@@ -46,7 +46,7 @@ class Cascade {
         void operator()(PrimHaarState* state) const { PrimHaarClassifierFree(state); }
     };
     struct Stage {
-        size_t firstClassifier, classifierCount, firstRect;
+        size_t firstClassifier, classifierCount, firstRect, rectCount;
         float threshold;
         std::unique_ptr<PrimHaarState, Free> state;
     };

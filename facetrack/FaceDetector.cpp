@@ -2,12 +2,20 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <utility>
 
 namespace {
 
-/// The tables of a pass stay below this many pixels, whatever the cascade and the frame.
-constexpr int64_t kLargestTable = int64_t{1} << 24;
+/// The tables of a pass stay below this many pixels, whatever the cascade and the frame. Trained cascades
+/// need some ten thousand.
+constexpr int64_t kLargestTable = int64_t{1} << 20;
+
+/// How much the stages may do in one frame, so that no cascade stalls it: windows tried, each with a unit for
+/// every rectangle, and places looked at, which are cheaper. Trained cascades do some hundred thousand.
+constexpr int64_t kMostWork = int64_t{1} << 24;
+constexpr int64_t kPlacesPerWork = 4;
+constexpr size_t kUsualFaces = 64;
 
 int64_t Area(const CFaceRect& rect) {
     return int64_t{rect.width} * rect.height;
@@ -50,7 +58,9 @@ bool CFaceDetector::Initialize(int32_t frameWidth, int32_t frameHeight) {
     if (cascade.Load(cascadePath.empty() ? "haar.txt" : cascadePath) != Cascade::kLoaded) {
         return refuse("ERROR: cascade file is incorrect\n");
     }
-    if (cascade.Prepare(kBorder, kBias) != kPrimOk) return refuse("ERROR: cascade is illegal\n");
+    const PrimStatus prepared = cascade.Prepare(kBorder, kBias);
+    if (prepared == kPrimMemoryError) throw std::bad_alloc();
+    if (prepared != kPrimOk) return refuse("ERROR: cascade is illegal\n");
 
     const int32_t windowWidth = cascade.windowWidth, windowHeight = cascade.windowHeight;
     if (maxFaceSize < 1) maxFaceSize = frameWidth;
@@ -68,6 +78,9 @@ bool CFaceDetector::Initialize(int32_t frameWidth, int32_t frameHeight) {
     frameWidth_ = frameWidth;
     frameHeight_ = frameHeight;
     hitStore = std::make_unique<CHitStore>(mergeRadius, sizeRatio);
+    groupStore = std::make_unique<CHitStore>(mergeRadius, sizeRatio);
+    faces.reserve(kUsualFaces);
+    previousFaces.reserve(kUsualFaces);
     tableWidth = static_cast<int32_t>(scaledWidth) + 2;
     tableHeight = static_cast<int32_t>(scaledHeight) + 2;
     const size_t entries = static_cast<size_t>(tableWidth) * static_cast<size_t>(tableHeight);
@@ -82,20 +95,9 @@ bool CFaceDetector::Initialize(int32_t frameWidth, int32_t frameHeight) {
 }
 
 void CFaceDetector::ReleaseCascade() {
-    cascade.Clear();
-    hitStore.reset();
-    sumTable = {};
-    sqrTable = {};
-    normPlane = {};
-    gradients = {};
-    edgeBuffer = {};
-    candidateMask.Release();
-    scaledPlane.Release();
-    scales.clear();
-    faces.clear();
-    previousFaces.clear();
-    maxFaceSize = 0;
-    frameWidth_ = frameHeight_ = tableWidth = tableHeight = 0;
+    std::string path = std::move(cascadePath);
+    *this = CFaceDetector();
+    cascadePath = std::move(path);
 }
 
 void CFaceDetector::BuildScales(int32_t frameWidth, int32_t frameHeight) {
@@ -137,6 +139,7 @@ void CFaceDetector::BuildScales(int32_t frameWidth, int32_t frameHeight) {
 
 int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     constexpr int32_t kFailed = -1;
+    constexpr uint8_t kCandidate = 255;
     // Keeps the sums of large planes well inside 32 bits, and cancels in every rectangle.
     constexpr int32_t kSumOffset = -16777216;
 
@@ -168,14 +171,21 @@ int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     }
     uint8_t* const mask = candidateMask.data;
     const int32_t maskStep = candidateMask.width;
-    if (PrimSet8uC1(255, mask, maskStep, placesX, placesY) != kPrimOk) return kFailed;
+    if (PrimSet8uC1(kCandidate, mask, maskStep, placesX, placesY) != kPrimOk) return kFailed;
     // Only windows whose corner lies on an edge are looked at; without an edge map all are.
     if (MakeEdgeMask(scaled.data, width, mask, maskStep, placesX, placesY, 2) != kPrimOk) {
-        PrimSet8uC1(255, mask, maskStep, placesX, placesY);
+        PrimSet8uC1(kCandidate, mask, maskStep, placesX, placesY);
     }
 
-    int32_t positiveCount = placesX * placesY;
+    const int64_t places = int64_t{placesX} * placesY;
+    int32_t positiveCount = 0;
+    for (int32_t y = 0; y < placesY; ++y) {
+        const uint8_t* const row = candidateMask.Row(y);
+        positiveCount += static_cast<int32_t>(std::count(row, row + placesX, kCandidate));
+    }
     for (const Cascade::Stage& stage : cascade.stages) {
+        frameWork += places / kPlacesPerWork + positiveCount * static_cast<int64_t>(1 + stage.rectCount);
+        if (frameWork > kMostWork) return kFailed;
         if (PrimApplyHaarClassifier32s32f(sumTable.data(), sumStep, normPlane.data(), normStep, mask,
                                           maskStep, placesX, placesY, &positiveCount, stage.threshold,
                                           stage.state.get()) != kPrimOk) {
@@ -251,6 +261,7 @@ void CFaceDetector::AddHits(float scale) {
 
 void CFaceDetector::TrackFrame(CPlane8u& plane) {
     candidateMask.Fill(0);
+    frameWork = 0;
     if (hitStore != nullptr && plane.width == frameWidth_ && plane.height == frameHeight_) {
         for (const CScaleEntry& entry : scales) {
             if (entry.group == phase) DetectAtScale(plane, entry.scale);
@@ -268,13 +279,14 @@ void CFaceDetector::MergeFaces(const CHitStore& store) {
     std::swap(faces, previousFaces);
     faces.clear();
     // Clusters to groups, by the rule that made clusters of hits.
-    CHitStore groups(mergeRadius, sizeRatio);
-    for (const std::vector<Hit>& cluster : store.Rows()) {
-        if (static_cast<int32_t>(cluster.size()) >= minNeighbours) groups.Add(MeanHit(cluster));
+    if (groupStore == nullptr) groupStore = std::make_unique<CHitStore>(mergeRadius, sizeRatio);
+    groupStore->Clear();
+    for (const CHitStore::Row& cluster : store.Rows()) {
+        if (cluster.count >= minNeighbours) groupStore->Add(cluster.Mean());
     }
     // Groups to rectangles that do not lie in each other.
-    for (const std::vector<Hit>& group : groups.Rows()) {
-        const Hit mean = MeanHit(group);
+    for (const CHitStore::Row& group : groupStore->Rows()) {
+        const Hit mean = group.Mean();
         const int32_t half = mean.size / 2;
         const CFaceRect candidate{mean.x - half, mean.y - half, mean.size, mean.size};
         const auto match = std::find_if(faces.begin(), faces.end(),

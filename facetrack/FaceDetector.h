@@ -54,7 +54,8 @@ class CFaceDetector {
     /// plane is left out.
     void DrawFaces(CPlane8u& plane) const;
 
-    /// One pass at one scale, its hits collected. 0, or -1 when a primitive failed.
+    /// One pass at one scale, its hits collected. 0, or -1 when a primitive failed or the stages have done as
+    /// much in this frame as they may.
     int32_t DetectAtScale(const CPlane8u& plane, float scale);
 
     /// Marks the edges of a picture: type 0 by 3 by 3 Sobel, 1 by 5 by 5 Sobel, 2 by 3 by 3 Scharr gradients.
@@ -72,6 +73,8 @@ class CFaceDetector {
     const std::vector<CFaceRect>& PreviousFaces() const { return previousFaces; }
     const CHitStore* Hits() const { return hitStore.get(); }
     int32_t MinFaceSize() const { return minFaceSize; }
+    /// What the stages have done in the last frame, in rectangles summed up.
+    int64_t FrameWork() const { return frameWork; }
 
   private:
     void AddHits(float scale);
@@ -80,7 +83,8 @@ class CFaceDetector {
     float mergeRadius = 5.0F;  ///< distance of centres that joins hits
     float sizeRatio = 1.3F;    ///< how much larger a hit may be than the cluster member it joins
     int32_t minNeighbours = 1;
-    std::unique_ptr<CHitStore> hitStore;  ///< of the running cycle
+    std::unique_ptr<CHitStore> hitStore;    ///< of the running cycle
+    std::unique_ptr<CHitStore> groupStore;  ///< clusters that `MergeFaces` joins
     int32_t minFaceSize = 37;
     int32_t maxFaceSize = 0;  ///< 0: the frame's width
     int32_t frameWidth_ = 0, frameHeight_ = 0;
@@ -98,6 +102,7 @@ class CFaceDetector {
     std::vector<CScaleEntry> scales;
     std::vector<CFaceRect> faces, previousFaces;
     int32_t phase = 0;  ///< frame of the cycle, 0 to 3
+    int64_t frameWork = 0;
     std::string cascadePath;
 };
 

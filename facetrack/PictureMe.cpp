@@ -57,7 +57,7 @@ ResultCode Effect::Shutdown() {
 }
 
 void Effect::ReleaseWorkspace() {
-    Textures.clear();
+    Textures = decltype(Textures)();  // with its capacity, which clear would keep
     CurrentTexture = 0;
     Animating = false;
     Detector.ReleaseCascade();

@@ -352,35 +352,6 @@ TEST(EdgeMask, HasThreeKindsOfGradient) {
     EXPECT_EQ(edges, untouched);
 }
 
-TEST(HitStore, JoinsTheFirstNearMember) {
-    // Compared with the walk over all members in order, on hits that lie close together.
-    TestRandom random(4);
-    CHitStore store(5.0F, 1.3F);
-    std::vector<std::vector<Hit>> rows;
-    for (int n = 0; n < 4000; ++n) {
-        const Hit hit{random.Below(200) - 20, random.Below(150) - 20, 30 + random.Below(40)};
-        store.Add(hit);
-        auto row = rows.begin();
-        for (; row != rows.end(); ++row) {
-            const bool takes = std::any_of(row->begin(), row->end(), [&](const Hit& m) {
-                const int dx = hit.x - m.x, dy = hit.y - m.y;
-                return static_cast<float>(dx * dx + dy * dy) <= 25.0F &&
-                       static_cast<float>(m.size) * 1.3F >= static_cast<float>(hit.size);
-            });
-            if (takes) break;
-        }
-        if (row == rows.end()) row = rows.insert(rows.end(), std::vector<Hit>{});
-        row->push_back(hit);
-    }
-    ASSERT_EQ(store.Rows().size(), rows.size());
-    for (size_t i = 0; i < rows.size(); ++i) {
-        ASSERT_EQ(store.Rows()[i].size(), rows[i].size());
-        for (size_t k = 0; k < rows[i].size(); ++k) EXPECT_EQ(store.Rows()[i][k].x, rows[i][k].x);
-    }
-    store.Clear();
-    EXPECT_TRUE(store.Rows().empty());
-}
-
 TEST(Faces, AreMergedFromClusters) {
     CFaceDetector detector;
     CHitStore store(5.0F, 1.3F);

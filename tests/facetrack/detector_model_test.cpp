@@ -203,13 +203,23 @@ class Model {
     PlainPlane mask_;
 };
 
-std::string Text(const Rows& rows) {
+std::string Text(const std::vector<CHitStore::Row>& rows) {
     std::ostringstream text;
-    for (const std::vector<Hit>& row : rows) {
-        for (const Hit& hit : row) text << hit.x << ',' << hit.y << ',' << hit.size << ' ';
-        text << '\n';
+    for (const CHitStore::Row& row : rows) {
+        text << row.count << ": " << row.x << ',' << row.y << ',' << row.size << '\n';
     }
     return text.str();
+}
+
+std::string Text(const Rows& rows) {
+    std::vector<CHitStore::Row> sums;
+    for (const std::vector<Hit>& row : rows) {
+        CHitStore::Row& sum = sums.emplace_back();
+        for (const Hit& hit : row) {
+            sum = {sum.x + hit.x, sum.y + hit.y, sum.size + hit.size, sum.count + 1};
+        }
+    }
+    return Text(sums);
 }
 
 std::string Text(const std::vector<CFaceRect>& faces) {
