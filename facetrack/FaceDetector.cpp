@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "framework/Surroundings.h"
+
 namespace {
 
 /// The tables of a pass stay below this many pixels, whatever the cascade and the frame. Trained cascades
@@ -55,7 +57,8 @@ bool CFaceDetector::Initialize(int32_t frameWidth, int32_t frameHeight) {
         ReleaseCascade();
         return false;
     };
-    if (cascade.Load(cascadePath.empty() ? "haar.txt" : cascadePath) != Cascade::kLoaded) {
+    if (cascade.Load(cascadePath.empty() ? CurrentSurroundings().DataFile("haar.txt") : cascadePath) !=
+        Cascade::kLoaded) {
         return refuse("ERROR: cascade file is incorrect\n");
     }
     const PrimStatus prepared = cascade.Prepare(kBorder, kBias);

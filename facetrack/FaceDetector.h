@@ -29,8 +29,8 @@ class CFaceDetector {
   public:
     static constexpr int32_t kFramesInCycle = 4;
 
-    /// The cascade that the next `Initialize` reads; an empty path means haar.txt in the current directory.
-    /// Null is ignored.
+    /// The cascade that the next `Initialize` reads; an empty path means the data file haar.txt. Null is
+    /// ignored.
     void SetCascadePath(const char* path);
 
     /// Reads the cascade and makes everything for planes of this size. False, with one line on the standard

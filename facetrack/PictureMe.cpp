@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <limits>
 
+#include "framework/Surroundings.h"
+
 using Effect = CPictureMeSpecialEffectFilter;
 
 std::span<const Property<Effect>> Effect::Properties() {
@@ -30,9 +32,10 @@ ResultCode Effect::Configure(StreamDescription* description) {
     if (Stream.Format == kFormatPlanar) {
         DetectorWidth = Stream.Width;
         DetectorHeight = Stream.Height;
+        const std::string cascade = CurrentSurroundings().DataFile("haar.txt");
         std::error_code error;
-        if (std::filesystem::exists(CascadePath, error)) {
-            Detector.SetCascadePath(CascadePath.c_str());
+        if (std::filesystem::exists(cascade, error)) {
+            Detector.SetCascadePath(cascade.c_str());
             Detector.Initialize(DetectorWidth, DetectorHeight);
             Layout(false);
         }

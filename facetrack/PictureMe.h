@@ -11,8 +11,8 @@
 #include "framework/EffectBase.h"
 
 /// One picture moves at a time; when it has landed the next starts at once if a face is still known, and the
-/// slots are reused in a ring. `Configure` reads the cascade haar.txt of the current directory, and goes
-/// without faces if there is none or a bad one; `LoadSettings` reads one of the host's own and starts over.
+/// slots are reused in a ring. `Configure` reads the cascade of the data file haar.txt, and goes without
+/// faces if there is none or a bad one; `LoadSettings` reads one of the host's own and starts over.
 /// "Picture Size" takes hold with the next picture. Planar frames only, though the tracker looks at every
 /// frame first.
 class CPictureMeSpecialEffectFilter final
@@ -53,7 +53,6 @@ class CPictureMeSpecialEffectFilter final
     int32_t MaxTextures = 0;  ///< how many fit in the frame's height
     CFaceDetector Detector;
     int32_t DetectorWidth = 0, DetectorHeight = 0;
-    std::string CascadePath = "haar.txt";
 };
 
 #endif

@@ -1,4 +1,4 @@
-// The one clock of the module.
+// The clock of the process.
 #ifndef SPECIALEFFECTS_FRAMEWORK_PROCESSCLOCK_H
 #define SPECIALEFFECTS_FRAMEWORK_PROCESSCLOCK_H
 
@@ -7,8 +7,5 @@
 /// Whole milliseconds of the process's life, from a clock that never goes back: 2000 when the module is
 /// loaded. A host loads it some way into its life; with 2 seconds no effect looks back to before the start.
 int64_t ProcessMilliseconds();
-
-/// For tests: another source of milliseconds; null brings the real clock back.
-void ReplaceProcessClock(int64_t (*milliseconds)());
 
 #endif

@@ -1,59 +1,27 @@
 #include "imaging/GradientNoise.h"
 
-#include <array>
 #include <cmath>
-#include <cstdlib>
 #include <utility>
 
 namespace {
 
-constexpr int kPeriod = 256;
 constexpr double kOffset = 4096.0;  // keeps coordinates positive, so that truncation is the floor
 
-/// The permutation and the gradients. Entries 256 to 513 repeat the first 258, so that the sum of two lattice
-/// numbers needs no wrap.
-struct NoiseTables {
-    static constexpr size_t kEntries = 2 * kPeriod + 2;
+double DrawComponent(int32_t (*rand)()) {
+    return (rand() % 512 - 256) / 256.0;
+}
 
-    std::array<int32_t, kEntries> p;
-    std::array<std::array<double, 2>, kEntries> g2;
-    std::array<std::array<double, 3>, kEntries> g3;
-
-    NoiseTables() {
-        for (size_t i = 0; i < kPeriod; ++i) {
-            p[i] = static_cast<int32_t>(i);
-            DrawComponent();  // a gradient of the one-dimensional field, which nothing reads; the draw counts
-            DrawUnitVector(g2[i]);
-            DrawUnitVector(g3[i]);
-        }
-        for (size_t i = kPeriod - 1; i > 0; --i)
-            std::swap(p[i], p[static_cast<size_t>(std::rand() % kPeriod)]);
-        for (size_t i = 0; i < kPeriod + 2; ++i) {
-            p[kPeriod + i] = p[i];
-            g2[kPeriod + i] = g2[i];
-            g3[kPeriod + i] = g3[i];
-        }
+/// A direction; a draw that has none stays the zero vector.
+template <size_t n>
+void DrawUnitVector(std::array<double, n>& vector, int32_t (*rand)()) {
+    double squares = 0.0;
+    for (double& component : vector) {
+        component = DrawComponent(rand);
+        squares += component * component;
     }
-
-    static double DrawComponent() { return (std::rand() % (2 * kPeriod) - kPeriod) / 256.0; }
-
-    /// A direction; a draw that has none stays the zero vector.
-    template <size_t n>
-    static void DrawUnitVector(std::array<double, n>& vector) {
-        double squares = 0.0;
-        for (double& component : vector) {
-            component = DrawComponent();
-            squares += component * component;
-        }
-        const double length = std::sqrt(squares);
-        if (length > 0.0)
-            for (double& component : vector) component /= length;
-    }
-};
-
-const NoiseTables& Tables() {
-    static const NoiseTables tables;
-    return tables;
+    const double length = std::sqrt(squares);
+    if (length > 0.0)
+        for (double& component : vector) component /= length;
 }
 
 /// Where a coordinate lies among the lattice lines: the two lines around it and the distances from them.
@@ -66,8 +34,8 @@ struct LatticeSpan {
         const double shifted = coordinate + kOffset;
         const double t = std::fabs(shifted) < kLimit ? shifted : kOffset;
         const int64_t whole = static_cast<int64_t>(t);
-        line0 = static_cast<size_t>(whole & (kPeriod - 1));
-        line1 = (line0 + 1) & (kPeriod - 1);
+        line0 = static_cast<size_t>(whole & 255);
+        line1 = (line0 + 1) & 255;
         distance0 = t - static_cast<double>(whole);
         distance1 = distance0 - 1.0;
     }
@@ -82,12 +50,26 @@ double Mix(double weight, double a, double b) {
 
 }  // namespace
 
-double Noise2(double x, double y) {
-    const NoiseTables& tables = Tables();
+GradientNoise::GradientNoise(int32_t (*rand)()) {
+    for (size_t i = 0; i < kPeriod; ++i) {
+        p[i] = static_cast<int32_t>(i);
+        DrawComponent(rand);  // a gradient of the one-dimensional field, which nothing reads; the draw counts
+        DrawUnitVector(g2[i], rand);
+        DrawUnitVector(g3[i], rand);
+    }
+    for (size_t i = kPeriod - 1; i > 0; --i) std::swap(p[i], p[static_cast<size_t>(rand()) % kPeriod]);
+    for (size_t i = 0; i < kPeriod + 2; ++i) {
+        p[kPeriod + i] = p[i];
+        g2[kPeriod + i] = g2[i];
+        g3[kPeriod + i] = g3[i];
+    }
+}
+
+double GradientNoise::Noise2(double x, double y) const {
     const LatticeSpan sx(x), sy(y);
     const auto entry = [&](size_t lineX, size_t lineY) -> const std::array<double, 2>& {
-        const auto column = static_cast<size_t>(tables.p[lineX]);
-        return tables.g2[static_cast<size_t>(tables.p[column + lineY])];
+        const auto column = static_cast<size_t>(p[lineX]);
+        return g2[static_cast<size_t>(p[column + lineY])];
     };
     const auto dot = [](const std::array<double, 2>& g, double dx, double dy) {
         return dx * g[0] + dy * g[1];
@@ -100,13 +82,12 @@ double Noise2(double x, double y) {
     return Mix(sy.Weight(), alongX(sy.line0, sy.distance0), alongX(sy.line1, sy.distance1));
 }
 
-double Noise3(double x, double y, double z) {
-    const NoiseTables& tables = Tables();
+double GradientNoise::Noise3(double x, double y, double z) const {
     const LatticeSpan sx(x), sy(y), sz(z);
     const auto entry = [&](size_t lineX, size_t lineY, size_t lineZ) -> const std::array<double, 3>& {
-        const auto column = static_cast<size_t>(tables.p[lineX]);
-        const auto cell = static_cast<size_t>(tables.p[column + lineY]);
-        return tables.g3[static_cast<size_t>(tables.p[cell + lineZ])];
+        const auto column = static_cast<size_t>(p[lineX]);
+        const auto cell = static_cast<size_t>(p[column + lineY]);
+        return g3[static_cast<size_t>(p[cell + lineZ])];
     };
     const auto dot = [](const std::array<double, 3>& g, double dx, double dy, double dz) {
         return dx * g[0] + dy * g[1] + dz * g[2];
@@ -123,7 +104,8 @@ double Noise3(double x, double y, double z) {
     return Mix(sz.Weight(), alongY(sz.line0, sz.distance0), alongY(sz.line1, sz.distance1));
 }
 
-double Turbulence(double x, double y, double z, double alpha, double beta, int32_t octaves) {
+double GradientNoise::Turbulence(double x, double y, double z, double alpha, double beta,
+                                 int32_t octaves) const {
     double sum = 0.0;
     double scale = 1.0;
     for (int32_t i = 0; i < octaves; ++i) {

@@ -182,9 +182,9 @@ struct PlanePoint {
 };
 
 /// A pixel of the plane by two draws of `rand`, x first. An empty plane also takes two, and gives (0, 0).
-PlanePoint RandomPoint(const CPlane8u& plane);
+PlanePoint RandomPoint(const CPlane8u& plane, int32_t (*rand)());
 
 /// True with probability `p`: p * 10000 > rand() % 10000.
-bool RandomChance(double p);
+bool RandomChance(double p, int32_t (*rand)());
 
 #endif

@@ -90,13 +90,13 @@ void RemapPlane(const CPlane8u& src, const float* xMap, const float* yMap, CPlan
 
 // ---- chance ----------------------------------------------------------------------------------------
 
-PlanePoint RandomPoint(const CPlane8u& plane) {
-    const int x = std::rand();
-    const int y = std::rand();
+PlanePoint RandomPoint(const CPlane8u& plane, int32_t (*rand)()) {
+    const int32_t x = rand();
+    const int32_t y = rand();
     if (plane.Empty()) return {0, 0};
     return {x % plane.width, y % plane.height};
 }
 
-bool RandomChance(double p) {
-    return p * 10000.0 > std::rand() % 10000;
+bool RandomChance(double p, int32_t (*rand)()) {
+    return p * 10000.0 > rand() % 10000;
 }

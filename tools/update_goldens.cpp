@@ -20,7 +20,10 @@ int main(int argc, char** argv) {
             bool wanted = argc == 2;
             for (int i = 2; i < argc; ++i) wanted = wanted || std::atoi(argv[i]) == row;
             if (!wanted) continue;
-            for (const GoldenSize& size : kGoldenSizes) table[GoldenKey(row, size)] = RunGolden(row, size);
+            TestSurroundings surroundings;
+            for (const GoldenSize& size : kGoldenSizes) {
+                table[GoldenKey(row, size)] = RunGolden(row, size, surroundings);
+            }
         }
     }
     WriteGoldens(path, table);

@@ -1,9 +1,9 @@
 #include "effects/animated/AnimationObjects.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
+#include "framework/Surroundings.h"
 #include "imaging/ScalarColor.h"
 
 namespace {
@@ -33,7 +33,7 @@ CMovingAnimationObject::CMovingAnimationObject(int32_t objectWidth, int32_t obje
       MaxY(std::max(frameHeight - objectHeight - 1, 0)) {
     if (frameCount < 1) return;
     for (int32_t i = 0; i < frameCount; ++i) Frames.push_back(NewPlane(objectWidth, objectHeight));
-    FrameCursor = static_cast<size_t>(std::rand() % frameCount);
+    FrameCursor = static_cast<size_t>(Rand() % frameCount);
 }
 
 void* CMovingAnimationObject::DeletingDestructor(uint32_t flags) {
@@ -82,7 +82,7 @@ void CMovingAnimationObject::BuildFrames() {
 }
 
 int32_t CMovingAnimationObject::DrawBelow(int32_t limit) {
-    const int32_t drawn = std::rand();
+    const int32_t drawn = Rand();
     return limit > 0 ? drawn % limit : 0;
 }
 
@@ -98,9 +98,9 @@ void CMovingAnimationObject::RandomizeVelocity(int32_t speed) {
 }
 
 void CMovingAnimationObject::RandomizeColor() {
-    const auto blue = static_cast<uint8_t>(std::rand() % 256);
-    const auto green = static_cast<uint8_t>(std::rand() % 256);
-    const auto red = static_cast<uint8_t>(std::rand() % 256);
+    const auto blue = static_cast<uint8_t>(Rand() % 256);
+    const auto green = static_cast<uint8_t>(Rand() % 256);
+    const auto red = static_cast<uint8_t>(Rand() % 256);
     const uint8_t alpha = Color[3];
     RgbToYuvColor(Color, red, green, blue);
     Color[3] = alpha;
@@ -111,8 +111,8 @@ CBitmapAnimationObject::CBitmapAnimationObject(int32_t objectWidth, int32_t obje
     : CMovingAnimationObject(objectWidth, objectHeight, frameWidth, frameHeight, 0),
       Picture(NewPlane(objectWidth, objectHeight)) {
     ResizePlane(source, Picture);
-    FadeLength = std::rand() % 14 + 20;
-    FadeStep = std::rand() % FadeLength;
+    FadeLength = Rand() % 14 + 20;
+    FadeStep = Rand() % FadeLength;
     CBitmapAnimationObject::BuildFrames();
 }
 
@@ -143,7 +143,7 @@ void CBitmapAnimationObject::RandomizePosition() {
         return position > last / 4 && position < 3 * last / 4;
     };
     int32_t x = DrawBelow(MaxX), y = DrawBelow(MaxY);
-    if (std::rand() % 10 < 8) {
+    if (Rand() % 10 < 8) {
         while (inMiddle(x, MaxX) && inMiddle(y, MaxY)) {
             x = DrawBelow(MaxX);
             y = DrawBelow(MaxY);

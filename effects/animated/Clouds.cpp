@@ -9,6 +9,7 @@
 #include <string>
 #include <system_error>
 
+#include "framework/Surroundings.h"
 #include "imaging/ExactDivision.h"
 #include "imaging/GradientNoise.h"
 #include "imaging/Lookup.h"
@@ -21,16 +22,18 @@ namespace {
 constexpr const char* kFile = "perlin.dat";
 constexpr int32_t kPictureWidth = 640, kPictureHeight = 480;
 
-// The place in the loop, shared by all effects of the process. The phase would blend neighbouring pictures;
-// it rests at 0.
-std::atomic<uint32_t> CloudFrame = 0;
-std::atomic<int32_t> CloudPhase = 0;
+/// The place in the loop, shared by all effects of the surroundings. The phase would blend neighbouring
+/// pictures; it rests at 0.
+struct CloudLoop {
+    std::atomic<uint32_t> CloudFrame = 0;
+    std::atomic<int32_t> CloudPhase = 0;
+};
 
 /// The picture at place `t` of the loop, from 0 towards 1. Two stretches of the noise, one running up to
 /// where the other begins, fade over into each other, so that the last picture flows into the first.
-void DrawPicture(CPlane8u& picture, double t) {
-    const auto octaves = [](int32_t x, int32_t y, double z) {
-        return Turbulence(x / 64.0, y / 64.0, z, 2, 2, 7);
+void DrawPicture(CPlane8u& picture, const GradientNoise& noise, double t) {
+    const auto octaves = [&](int32_t x, int32_t y, double z) {
+        return noise.Turbulence(x / 64.0, y / 64.0, z, 2, 2, 7);
     };
     for (int32_t y = 0; y < picture.height; ++y) {
         uint8_t* const row = picture.Row(y);
@@ -52,17 +55,19 @@ struct TemporaryFile {
     }
 };
 
-/// Makes perlin.dat, whole or not at all.
-void WritePictures(int count) {
-    Noise3(0, 0, 0);  // the noise tables are drawn whether the file can be written or not
+/// Makes the file of the pictures, whole or not at all. An empty path means nowhere.
+void WritePictures(const std::string& path, int count) {
+    // The noise tables are drawn whether the file can be written or not.
+    const auto& noise = CurrentSurroundings().Shared<GradientNoise>(Rand);
+    if (path.empty()) return;
     CPlane8u picture = NewPlane(kPictureWidth, kPictureHeight);
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-    const TemporaryFile temporary{std::string(kFile) + "." + std::to_string(now) + ".tmp"};
-    const std::filesystem::path whole(kFile);
+    const TemporaryFile temporary{path + "." + std::to_string(now) + ".tmp"};
+    const std::filesystem::path whole(path);
     std::ofstream file(temporary.path, std::ios::binary);
     if (!file) return;
     for (int i = 0; i < count; ++i) {
-        DrawPicture(picture, static_cast<double>(i) / count);
+        DrawPicture(picture, noise, static_cast<double>(i) / count);
         file.write(reinterpret_cast<const char*>(picture.data), static_cast<std::streamsize>(picture.Size()));
     }
     file.close();
@@ -102,14 +107,16 @@ std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter
 void CCloudsSpecialEffectFilter::Prepare() {
     // What is no file in its place is left alone: reading from a pipe could block for ever.
     std::error_code error;
-    const auto status = std::filesystem::status(kFile, error);
+    Surroundings& surroundings = CurrentSurroundings();
+    const std::string path = surroundings.DataFile(kFile);
+    const auto status = std::filesystem::status(path, error);
     std::ifstream file;
     if (std::filesystem::is_regular_file(status) || !std::filesystem::exists(status)) {
-        file.open(kFile, std::ios::binary);
+        file.open(path, std::ios::binary);
         if (!file) {
-            WritePictures(kPictures);
+            WritePictures(surroundings.NewDataFile(kFile), kPictures);
             file.clear();
-            file.open(kFile, std::ios::binary);
+            file.open(surroundings.DataFile(kFile), std::ios::binary);
         }
     }
     CPlane8u scratch = NewPlane(kPictureWidth, kPictureHeight);
@@ -161,8 +168,9 @@ void CCloudsSpecialEffectFilter::FillMask(const CPlane8u& now, const CPlane8u& n
 }
 
 void CCloudsSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    const int32_t phase = CloudPhase.exchange(0);
-    const uint32_t place = phase == 0 ? ++CloudFrame : CloudFrame.load();
+    auto& loop = CurrentSurroundings().Shared<CloudLoop>();
+    const int32_t phase = loop.CloudPhase.exchange(0);
+    const uint32_t place = phase == 0 ? ++loop.CloudFrame : loop.CloudFrame.load();
     FillMask(NoiseFrames[place % kPictures], NoiseFrames[(place + 1) % kPictures], phase * 256);
     if (Intensity != 100) {
         const auto scale = static_cast<uint8_t>(std::clamp(Intensity * 255 / 100, 0, 255));

@@ -5,10 +5,10 @@
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 
-/// The pictures, 640 by 480 each, are kept in the file perlin.dat of the current directory and made by the
-/// first `Configure` that finds none. The file is written under another name and renamed when it is whole.
-/// Where it cannot be written or read the clouds are missing, and nothing is reported; of a short file the
-/// last picture repeats. All effects of the class in a process share one place in the loop.
+/// The pictures, 640 by 480 each, are kept in the data file perlin.dat and made by the first `Configure` that
+/// finds none. The file is written under another name and renamed when it is whole. Where it cannot be
+/// written or read the clouds are missing, and nothing is reported; of a short file the last picture repeats.
+/// All effects of the class in the same surroundings share one place in the loop.
 class CCloudsSpecialEffectFilter final : public PlanarEffect<CCloudsSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Clouds";

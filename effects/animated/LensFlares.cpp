@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <utility>
 
+#include "framework/Surroundings.h"
 #include "imaging/ScalarColor.h"
 
 namespace {
@@ -64,7 +64,7 @@ void Star(CPlane8u& plane, int32_t radius, int32_t spikes) {
     CPlane8u core = NewPlane(plane.width, plane.height);
     SoftDisc(core, r / 2);
 
-    const auto drawSpikes = [] { return std::rand() % 7 + 5; };
+    const auto drawSpikes = [] { return Rand() % 7 + 5; };
     int32_t n = spikes < 0 ? drawSpikes() : spikes;
     for (int32_t degree = 0; degree < 360; ++degree) {
         if (spikes == 0) n = drawSpikes();
@@ -127,7 +127,7 @@ void CLensFlaresMovingAnimation::BuildFrames() {
     const int32_t half = std::min(ObjectWidth, ObjectHeight) / 2;
     const int32_t step = half / std::max(static_cast<int32_t>(Frames.size()), 1);
     auto radius = static_cast<int32_t>(half * 0.85);
-    const int32_t spikes = std::rand() % 5 + 3;
+    const int32_t spikes = Rand() % 5 + 3;
     int32_t sign = 1;
     for (CPlane8u& frame : Frames) {
         frame.Fill(0);
@@ -174,7 +174,7 @@ void* CFlaresField::DeletingDestructor(uint32_t flags) {
 void CFlaresField::AddFlares(int32_t count) {
     constexpr int32_t kFrames = 5, kSpeed = 15;
     for (int32_t i = 0; i < count; ++i) {
-        const int32_t type = Mode == 0 ? std::rand() % 7 + 1 : Mode;
+        const int32_t type = Mode == 0 ? Rand() % 7 + 1 : Mode;
         AnimationObject flare =
             MakeOwned<CLensFlaresMovingAnimation>(FlareSize, FlareSize, Width, Height, type, kFrames, kSpeed);
         if (Mode == kPlainGlow) {

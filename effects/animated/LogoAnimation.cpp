@@ -1,11 +1,10 @@
 #include "effects/animated/LogoAnimation.h"
 
-#include <cstdlib>
 #include <type_traits>
 #include <utility>
 
 #include "effects/animated/TextRenderer.h"
-#include "framework/ProcessClock.h"
+#include "framework/Surroundings.h"
 #include "imaging/ReleaseMemory.h"
 #include "imaging/ScalarColor.h"
 
@@ -48,8 +47,9 @@ std::span<const Property<Effect>> Effect::Properties() {
 void Effect::Prepare() {
     constexpr int32_t kCopies = 10;
     Text = "+44";
-    LogoPath = "logo3.bmp";
-    std::srand(static_cast<unsigned int>(ProcessMilliseconds()));
+    Surroundings& surroundings = CurrentSurroundings();
+    LogoPath = surroundings.DataFile("logo3.bmp");
+    surroundings.Srand(static_cast<uint32_t>(surroundings.Milliseconds()));
     ObjectsNumber = kCopies;
     MovingAnimation = false;
     Colorize = true;
@@ -126,7 +126,7 @@ void Effect::PickColor(uint8_t* color) const {
     for (const uint32_t candidate : Colors) {
         if (candidate != 0) set[count++] = candidate;
     }
-    const uint32_t picked = count > 0 ? set[std::rand() % count] : 0;
+    const uint32_t picked = count > 0 ? set[Rand() % count] : 0;
     RgbToYuvColor(color, PackedRed(picked), PackedGreen(picked), PackedBlue(picked));
 }
 

@@ -7,9 +7,9 @@
 #include "effects/animated/AnimationFramework.h"
 #include "framework/EffectBase.h"
 
-/// The logo is a text or the bitmap logo3.bmp of the current directory; a bitmap that is missing or cannot be
-/// read shows as a message. `Configure` for planar frames seeds the C library's random generator from the
-/// process clock, the only place in the module that does, and sets "Objects Number" to 10, "Type" to the
+/// The logo is a text or the bitmap of the data file logo3.bmp; one that is missing or cannot be read shows
+/// as a message. `Configure` for planar frames seeds the random generator from the clock, the only place in
+/// the module that does, and sets "Objects Number" to 10, "Type" to the
 /// text, "Moving Animation" off and "Colorize" on, whatever a host set before.
 class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimationSpecialEffectFilter> {
   public:

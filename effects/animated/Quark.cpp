@@ -1,8 +1,8 @@
 #include "effects/animated/Quark.h"
 
-#include <cstdlib>
 #include <cstring>
 
+#include "framework/Surroundings.h"
 #include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
@@ -43,7 +43,7 @@ void CQuarkSpecialEffectFilter::Prepare() {
     HistoryU.assign(kSlots * chroma, 0);
     HistoryV.assign(kSlots * chroma, 0);
     Noise.resize(2 * luma);
-    for (uint8_t& slot : Noise) slot = static_cast<uint8_t>(std::rand() % int{kSlots});
+    for (uint8_t& slot : Noise) slot = static_cast<uint8_t>(Rand() % int{kSlots});
     HalfNoise.resize(luma / 2);
     for (size_t i = 0; i < HalfNoise.size(); ++i) HalfNoise[i] = Noise[4 * i];
 }

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 
+#include "framework/Surroundings.h"
 #include "imaging/PerLevel.h"
 #include "imaging/Plane8u.h"
 #include "imaging/ReleaseMemory.h"
@@ -81,8 +81,8 @@ void CRainSpecialEffectFilter::DropStone() {
     if (roomX <= 0 || roomY <= 0) return;
     if (!StampReady) BuildStamp();
 
-    const int32_t centreX = std::rand() % roomX + margin;
-    const int32_t centreY = std::rand() % roomY + margin;
+    const int32_t centreX = Rand() % roomX + margin;
+    const int32_t centreY = Rand() % roomY + margin;
     for (int32_t y = -half; y < half; ++y) {
         for (int32_t x = -half; x < half; ++x) {
             const int32_t atX = centreX + x, atY = centreY + y;

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
+
+#include "framework/Surroundings.h"
 
 #include "imaging/ReleaseMemory.h"
 
@@ -47,16 +48,16 @@ void WaterGrid::Prepare(int32_t columns, int32_t rows) {
     GridWidth = columns;
     GridHeight = rows;
     Cells.resize(static_cast<size_t>(columns) * static_cast<size_t>(rows));
-    for (Cell& cell : Cells) cell = {std::rand() % 1000 / 1000.0, 0.0};
+    for (Cell& cell : Cells) cell = {Rand() % 1000 / 1000.0, 0.0};
     Runners.clear();
     RunnerCount.assign(Cells.size(), 0);
 }
 
 void WaterGrid::AddRain() {
     if (Cells.empty()) return;
-    const int32_t x = std::rand() % GridWidth;
-    const int32_t y = std::rand() % GridHeight;
-    At(x, y).Water += std::rand() % 100 / 10.0;
+    const int32_t x = Rand() % GridWidth;
+    const int32_t y = Rand() % GridHeight;
+    At(x, y).Water += Rand() % 100 / 10.0;
     StartRunner(x, y);
 }
 
@@ -142,8 +143,8 @@ void CRainDropsSpecialEffectFilter::Prepare() {
     JitterX.resize(cells);
     JitterY.resize(cells);
     for (size_t i = 0; i < cells; ++i) {
-        JitterX[i] = std::rand() % 5 - 2;
-        JitterY[i] = std::rand() % 5 - 2;
+        JitterX[i] = Rand() % 5 - 2;
+        JitterY[i] = Rand() % 5 - 2;
     }
 }
 
@@ -189,7 +190,7 @@ void CRainDropsSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 
     const double share = static_cast<double>(int64_t{Width()} * Height()) / kFullRain;
     for (int32_t i = 0; i < RainRate; ++i) {
-        if (share >= 1.0 || RandomChance(share)) Grid.AddRain();
+        if (share >= 1.0 || RandomChance(share, Rand)) Grid.AddRain();
     }
     Grid.Run();
 }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 
+#include "framework/Surroundings.h"
 #include "imaging/GradientNoise.h"
 #include "imaging/Lookup.h"
 #include "imaging/Prim.h"
@@ -96,7 +96,7 @@ void CLiquefySpecialEffectFilter::MakeBlobs() {
     const double n = FrameCount;
     Smoother smoother(Width(), Height());
     CPlane8u& noise = Frames[0];
-    std::generate_n(noise.data, noise.Size(), [] { return static_cast<uint8_t>(std::rand() % 256); });
+    std::generate_n(noise.data, noise.Size(), [] { return static_cast<uint8_t>(Rand() % 256); });
     smoother.Smooth(noise, 15);
     CPlane8u levels = noise;
     std::transform(levels.data, levels.data + levels.Size(), levels.data, [](uint8_t level) {
@@ -119,12 +119,13 @@ void CLiquefySpecialEffectFilter::MakeBlobs() {
 /// The right half mirrors the left one, so that a window that runs off the right end and on at the left end
 /// shows no seam.
 void CLiquefySpecialEffectFilter::MakeNoise() {
+    const auto& field = CurrentSurroundings().Shared<GradientNoise>(Rand);
     const int32_t width = Width();
     ScrollPlane = NewPlane(2 * width, Height());
     for (int32_t y = 0; y < Height(); ++y) {
         uint8_t* const row = ScrollPlane.Row(y);
         for (int32_t x = 0; x < width; ++x) {
-            const double noise = Noise2(x / 20.0, y / 20.0);
+            const double noise = field.Noise2(x / 20.0, y / 20.0);
             const auto value = static_cast<int32_t>((noise + 1.0) * 80.0 * 0.5);
             row[x] = row[2 * width - 1 - x] = static_cast<uint8_t>(std::clamp(value, 0, 255));
         }

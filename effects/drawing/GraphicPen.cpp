@@ -1,6 +1,6 @@
 #include "effects/drawing/GraphicPen.h"
 
-#include <cstdlib>
+#include "framework/Surroundings.h"
 
 namespace {
 
@@ -34,8 +34,8 @@ void DrawPenPage(CPlane8u& page, int32_t level) {
     auto sum = static_cast<int64_t>(SumPixelsWide(page));
     int64_t paper = std::count(page.data, page.data + page.Size(), TonePages::kPaper);
     while (sum > target && paper > 0) {
-        const PlanePoint point = RandomPoint(page);
-        const int32_t length = std::rand() % (2 * reach + 1) - reach;
+        const PlanePoint point = RandomPoint(page, Rand);
+        const int32_t length = Rand() % (2 * reach + 1) - reach;
         const int32_t drawn = DrawPenStroke(page, point, length, static_cast<uint8_t>(ink));
         sum -= int64_t{drawn} * (ink + 255);
         paper -= drawn;
@@ -71,7 +71,7 @@ void CGraphicPenSpecialEffectFilter::Release() {
 void CGraphicPenSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     ++FrameCount;
     if (!Colored) frame.FillChroma(128, 128);
-    if (Crawl && FrameCount % 2 == 0) CrawlOffset = (std::rand() % 200 + CrawlOffset) % Width();
+    if (Crawl && FrameCount % 2 == 0) CrawlOffset = (Rand() % 200 + CrawlOffset) % Width();
 
     CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
     const auto width = static_cast<size_t>(luma.width);

@@ -1,15 +1,14 @@
 #include "effects/drawing/Sketch.h"
 
-#include <cstdlib>
-
 #include "effects/drawing/Edges.h"
+#include "framework/Surroundings.h"
 
 namespace {
 
 /// Draws a line of 45 degrees around `point`, rising or falling to the right as `rand` decides, up to the
 /// first pixel outside the page. Returns the number of pixels drawn.
 int32_t DrawStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t level) {
-    const int32_t step = std::rand() % 2 == 0 ? 1 : -1;
+    const int32_t step = Rand() % 2 == 0 ? 1 : -1;
     const int32_t half = length / 2;
     const int32_t x = point.x - half, y = point.y - half * step;
     if (x < 0 || y < 0 || x >= page.width || y >= page.height) return 0;
@@ -27,8 +26,8 @@ void DrawTonePage(CPlane8u& page, int32_t level) {
     const int64_t target = std::min(level * 225 / 255 + 75, 255) * int64_t{page.width} * page.height;
     auto sum = static_cast<int64_t>(SumPixelsWide(page));
     while (sum > target) {
-        const PlanePoint point = RandomPoint(page);
-        const int32_t length = std::rand() % 20 + 1;
+        const PlanePoint point = RandomPoint(page, Rand);
+        const int32_t length = Rand() % 20 + 1;
         sum -= int64_t{level} * DrawStroke(page, point, length, static_cast<uint8_t>(level));
     }
     if (level >= 101) SprinklePaper(page, 2, 1);

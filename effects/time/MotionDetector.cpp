@@ -1,6 +1,6 @@
 #include "effects/time/MotionDetector.h"
 
-#include "framework/ProcessClock.h"
+#include "framework/Surroundings.h"
 #include "imaging/ExactDivision.h"
 #include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
@@ -53,7 +53,7 @@ void CMotionDetectorSpecialEffectFilter::Release() {
 
 void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     constexpr float kDuration = 1.0F;
-    const auto now = static_cast<float>(static_cast<double>(ProcessMilliseconds()) / 1000.0);
+    const auto now = static_cast<float>(static_cast<double>(CurrentSurroundings().Milliseconds()) / 1000.0);
     const int32_t historyStep = Width() * static_cast<int32_t>(sizeof(float));
 
     CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);

@@ -1,9 +1,9 @@
 #include "effects/time/TiledUp.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
+#include "framework/Surroundings.h"
 #include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
@@ -65,7 +65,7 @@ void CTiledUpSpecialEffectFilter::BuildGroutMap() {
         int32_t line = y0;
         for (int32_t x = 0; x < width; ++x) {
             if (x % tile == 0) {
-                line = y0 + std::rand() % 2;
+                line = y0 + Rand() % 2;
                 if (line >= height) line = y0;
             }
             at(x, line) = kHorizontalJoint;

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 
+#include "framework/Surroundings.h"
 #include "imaging/Lookup.h"
 #include "imaging/Prim.h"
 
@@ -52,12 +52,12 @@ class Bezier {
 
 /// A thin black curve somewhere on the plane.
 void DrawHair(CPlane8u& plane) {
-    const int32_t left = std::rand() % (plane.width - kHairMargin) + 5;
-    const int32_t top = std::rand() % (plane.height - kHairMargin) + 5;
+    const int32_t left = Rand() % (plane.width - kHairMargin) + 5;
+    const int32_t top = Rand() % (plane.height - kHairMargin) + 5;
     int32_t x[4], y[4];
     for (int point = 0; point < 4; ++point) {
-        x[point] = std::rand() % kHairBox;
-        y[point] = std::rand() % kHairBox;
+        x[point] = Rand() % kHairBox;
+        y[point] = Rand() % kHairBox;
     }
     const Bezier curveX(x), curveY(y);
     for (int32_t k = 0; k <= 100; ++k) {
@@ -70,12 +70,12 @@ void DrawHair(CPlane8u& plane) {
 
 /// A bright vertical stroke of random length, of a different brightness in each row.
 void DrawDust(CPlane8u& plane) {
-    const int32_t x = std::rand() % plane.width;
-    const int32_t top = std::rand() % plane.height;
-    const int32_t rows = std::rand() % (plane.height - top);
+    const int32_t x = Rand() % plane.width;
+    const int32_t top = Rand() % plane.height;
+    const int32_t rows = Rand() % (plane.height - top);
     for (int32_t y = top; y < top + rows; ++y) {
         uint8_t& pixel = plane.Row(y)[x];
-        pixel = static_cast<uint8_t>(std::min(pixel + std::rand() % 30 + 10, 255));
+        pixel = static_cast<uint8_t>(std::min(pixel + Rand() % 30 + 10, 255));
     }
 }
 
@@ -163,13 +163,13 @@ void CAntiquatedMovieSpecialEffectFilter::DrawScratches(CPlane8u& luma) {
     const int32_t w = luma.width;
     DriftColumn = (DriftColumn + 1) % w;
     for (const int32_t x : {w * 8 / 100, w * 25 / 100, w * 80 / 100, w - 10, w - 13}) {
-        DrawScratch(luma, std::rand() % 2 + x);
+        DrawScratch(luma, Rand() % 2 + x);
     }
     for (const int32_t offset : {0, 200, 379}) DrawScratch(luma, (DriftColumn + offset) % w);
 }
 
 void CAntiquatedMovieSpecialEffectFilter::AddGrainAndSoften(CPlane8u& luma) {
-    const int32_t shift = std::rand() % GrainPlane.width;
+    const int32_t shift = Rand() % GrainPlane.width;
     PrimAddSfs8uC1(GrainPlane.data + shift, GrainPlane.width, luma.data, luma.width, luma.width, luma.height,
                    0);
     SoftenPlane.CopyPixels(luma);
@@ -178,7 +178,7 @@ void CAntiquatedMovieSpecialEffectFilter::AddGrainAndSoften(CPlane8u& luma) {
 
 /// The picture moves up; the last rows keep what they show.
 void CAntiquatedMovieSpecialEffectFilter::JitterGate(CPlane8u& luma) {
-    JitterRows = std::clamp(JitterRows + std::rand() % 3 - 1, 0, 10);
+    JitterRows = std::clamp(JitterRows + Rand() % 3 - 1, 0, 10);
     if (JitterRows == 0 || JitterRows >= luma.height) return;
     std::memmove(luma.data, luma.Row(JitterRows),
                  luma.Size() - static_cast<size_t>(JitterRows) * static_cast<size_t>(luma.width));

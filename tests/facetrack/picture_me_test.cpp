@@ -12,6 +12,7 @@
 #include "tests/support/EffectDriver.h"
 #include "tests/support/GoldenRun.h"
 #include "tests/support/PlainPlane.h"
+#include "tests/support/TestSurroundings.h"
 
 namespace {
 
@@ -212,6 +213,18 @@ class PictureMe : public testing::Test {
     TemporaryDirectory directory;
     EffectDriver effect{kGuid};
 };
+
+TEST_F(PictureMe, ReadsTheCascadeOfTheDataFolder) {
+    TestSurroundings surroundings;
+    surroundings.folder = "data/";
+    const SurroundingsScope scope(surroundings);
+    ASSERT_EQ(effect.Configure(320, 240), kSuccess);
+    EXPECT_EQ(effect.Get("Textures Number"), "0") << "goes without faces";
+    std::filesystem::create_directory("data");
+    std::filesystem::rename("haar.txt", "data/haar.txt");
+    ASSERT_EQ(effect.Configure(320, 240), kSuccess);
+    EXPECT_EQ(effect.Get("Textures Number"), "3");
+}
 
 TEST_F(PictureMe, FliesAndLandsByItsSteps) {
     struct Case {

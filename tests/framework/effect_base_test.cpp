@@ -4,7 +4,6 @@
 #include <new>
 
 #include "framework/EffectBase.h"
-#include "framework/ProcessClock.h"
 #include "tests/support/EffectDriver.h"
 
 namespace {
@@ -84,17 +83,6 @@ TEST(EffectBase, ServesTheLargestSides) {
     EXPECT_EQ(effect.Configure(16384, 16384), kSuccess);
     EXPECT_EQ(effect.Configure(16385, 1), kInvalidArgument);
     EXPECT_EQ(effect.Configure(INT32_MAX, INT32_MIN), kInvalidArgument);
-}
-
-TEST(ProcessClock, StartsAtTwoSecondsRunsForwardAndCanBeReplaced) {
-    const int64_t first = ProcessMilliseconds();
-    EXPECT_GE(first, 2000);
-    EXPECT_LT(first, 602000);
-    EXPECT_GE(ProcessMilliseconds(), first);
-    ReplaceProcessClock([] { return int64_t{42}; });
-    EXPECT_EQ(ProcessMilliseconds(), 42);
-    ReplaceProcessClock(nullptr);
-    EXPECT_GE(ProcessMilliseconds(), first);
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // Gradient noise against a plain transcription of its definition.
-//
-// The tables are drawn once in a process, so each test that needs fresh ones runs in a process of its own.
 #include "imaging/GradientNoise.h"
 
 #include <gtest/gtest.h>
@@ -9,9 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <thread>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -85,22 +81,18 @@ struct NoiseModel {
     }
 };
 
-/// Ends the process with 0 when all is well, and otherwise with the number of the check that failed.
-[[noreturn]] void CompareWithModel() {
+TEST(GradientNoise, MatchesItsDefinition) {
     std::srand(1234);
     const NoiseModel model;
     const int next = std::rand();
     std::srand(1234);
-    if (Turbulence(1.5, 2.5, 3.5, 2.0, 2.0, 0) != 0.0 || Turbulence(1.5, 2.5, 3.5, 2.0, 2.0, -5) != 0.0)
-        std::exit(1);
+    const GradientNoise noise(std::rand);
+    EXPECT_EQ(std::rand(), next) << "as many draws as the model's";
     for (double y = -300; y < 300; y += 7.13)
-        for (double x = -5000; x < 5000; x += 31.7)
-            if (Noise2(x, y) != model.Noise2(x, y)) std::exit(2);
-    if (std::rand() != next) std::exit(3);  // as many draws as the model's, and none without need
+        for (double x = -5000; x < 5000; x += 31.7) ASSERT_EQ(noise.Noise2(x, y), model.Noise2(x, y));
     for (double z = -3; z < 300; z += 41.9)
         for (double y = -300; y < 300; y += 17.13)
-            for (double x = -300; x < 300; x += 13.7)
-                if (Noise3(x, y, z) != model.Noise3(x, y, z)) std::exit(4);
+            for (double x = -300; x < 300; x += 13.7) ASSERT_EQ(noise.Noise3(x, y, z), model.Noise3(x, y, z));
     double expected = 0.0, scale = 1.0, x = 0.3, y = 1.7, z = -2.1;
     for (int i = 0; i < 5; ++i) {
         expected += model.Noise3(x, y, z) / scale;
@@ -109,69 +101,37 @@ struct NoiseModel {
         y *= 2.1;
         z *= 2.1;
     }
-    if (Turbulence(0.3, 1.7, -2.1, 1.9, 2.1, 5) != expected) std::exit(5);
-    std::exit(0);
+    EXPECT_EQ(noise.Turbulence(0.3, 1.7, -2.1, 1.9, 2.1, 5), expected);
 }
 
-/// Turbulence with no octave draws nothing.
-[[noreturn]] void CountDraws() {
-    std::srand(77);
-    const int first = std::rand();
-    std::srand(77);
-    Turbulence(1, 2, 3, 2, 2, 0);
-    std::exit(std::rand() == first ? 0 : 1);
+const GradientNoise noise(std::rand);
+
+TEST(GradientNoise, NoOctaveIsSilence) {
+    EXPECT_EQ(noise.Turbulence(1.5, 2.5, 3.5, 2.0, 2.0, 0), 0.0);
+    EXPECT_EQ(noise.Turbulence(1.5, 2.5, 3.5, 2.0, 2.0, -5), 0.0);
 }
 
-/// Whichever thread comes first, all see one field.
-[[noreturn]] void BuildFromManyThreads() {
-    std::vector<double> values(8);
-    std::vector<std::thread> threads;
-    for (double& value : values) threads.emplace_back([&value] { value = Noise2(0.37, 12.9); });
-    for (std::thread& thread : threads) thread.join();
-    for (const double value : values)
-        if (value != Noise2(0.37, 12.9)) std::exit(1);
-    std::exit(0);
-}
-
-class GradientNoise : public testing::Test {
-  protected:
-    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
-using GradientNoiseDeathTest = GradientNoise;
-
-TEST_F(GradientNoiseDeathTest, MatchesItsDefinition) {
-    EXPECT_EXIT(CompareWithModel(), testing::ExitedWithCode(0), "");
-}
-
-TEST_F(GradientNoiseDeathTest, NoOctaveTouchesNoTable) {
-    EXPECT_EXIT(CountDraws(), testing::ExitedWithCode(0), "");
-}
-
-TEST_F(GradientNoiseDeathTest, TablesAreBuiltOnce) {
-    EXPECT_EXIT(BuildFromManyThreads(), testing::ExitedWithCode(0), "");
-}
-
-TEST_F(GradientNoise, IsZeroOnTheLattice) {
+TEST(GradientNoise, IsZeroOnTheLattice) {
     for (int y = -20; y < 20; ++y)
         for (int x = -20; x < 20; ++x) {
-            EXPECT_EQ(Noise2(x, y), 0.0);
-            EXPECT_EQ(Noise3(x, y, x - y), 0.0);
+            EXPECT_EQ(noise.Noise2(x, y), 0.0);
+            EXPECT_EQ(noise.Noise3(x, y, x - y), 0.0);
         }
 }
 
-TEST_F(GradientNoise, RepeatsEvery256Units) {
+TEST(GradientNoise, RepeatsEvery256Units) {
     for (double t = 0.125; t < 40; t += 1.125) {
-        EXPECT_EQ(Noise2(t, 2 * t), Noise2(t + 256, 2 * t - 256));
-        EXPECT_EQ(Noise3(t, 2 * t, -t), Noise3(t + 256, 2 * t, -t + 512));
+        EXPECT_EQ(noise.Noise2(t, 2 * t), noise.Noise2(t + 256, 2 * t - 256));
+        EXPECT_EQ(noise.Noise3(t, 2 * t, -t), noise.Noise3(t + 256, 2 * t, -t + 512));
     }
 }
 
-TEST_F(GradientNoise, SurvivesSenselessCoordinates) {
+TEST(GradientNoise, SurvivesSenselessCoordinates) {
     const double inf = std::numeric_limits<double>::infinity();
     for (const double x : {inf, -inf, std::nan(""), 1e300, -1e300, 9.3e18, -9.3e18, 1e17}) {
-        EXPECT_TRUE(std::isfinite(Noise2(x, 0.5)));
-        EXPECT_TRUE(std::isfinite(Noise3(0.5, x, x)));
-        EXPECT_TRUE(std::isfinite(Turbulence(x, x, x, 2, 2, 3)));
+        EXPECT_TRUE(std::isfinite(noise.Noise2(x, 0.5)));
+        EXPECT_TRUE(std::isfinite(noise.Noise3(0.5, x, x)));
+        EXPECT_TRUE(std::isfinite(noise.Turbulence(x, x, x, 2, 2, 3)));
     }
 }
 

@@ -271,12 +271,12 @@ TEST(PlaneChance, RandomPointDrawsTwiceXFirst) {
     std::srand(5);
     const int x = std::rand(), y = std::rand(), next = std::rand();
     std::srand(5);
-    const PlanePoint point = RandomPoint(plane);
+    const PlanePoint point = RandomPoint(plane, std::rand);
     EXPECT_EQ(point.x, x % 13);
     EXPECT_EQ(point.y, y % 7);
     EXPECT_EQ(std::rand(), next);
     std::srand(5);
-    const PlanePoint none = RandomPoint(CPlane8u());
+    const PlanePoint none = RandomPoint(CPlane8u(), std::rand);
     EXPECT_EQ(none.x, 0);
     EXPECT_EQ(none.y, 0);
     EXPECT_EQ(std::rand(), next);
@@ -288,7 +288,7 @@ TEST(PlaneChance, RandomChanceComparesStrictly) {
         const int draw = std::rand() % 10000;
         const auto chance = [seed](double p) {
             std::srand(seed);
-            return RandomChance(p);
+            return RandomChance(p, std::rand);
         };
         EXPECT_EQ(chance(draw / 10000.0), draw / 10000.0 * 10000.0 > draw);
         EXPECT_TRUE(chance((draw + 0.5) / 10000.0));

@@ -11,14 +11,10 @@
 #include <vector>
 
 #include "framework/Catalogue.h"
-#include "framework/ProcessClock.h"
 #include "imaging/GradientNoise.h"
 #include "tests/support/EffectDriver.h"
 
 namespace {
-
-constexpr int64_t kClockAtLoading = 2000;  // as the module's own
-int64_t clockNow = kClockAtLoading;
 
 uint64_t Mix(uint64_t hash, uint64_t value) {
     return (hash ^ value) * 0x100000001B3ULL;
@@ -47,27 +43,25 @@ std::string GoldenRowName(int row) {
     return EffectDriver(Row(row).create()).Name();
 }
 
-uint64_t RunGolden(int row, const GoldenSize& size) {
-    // The noise tables are drawn once a process, by whichever effect comes first: draw them from a fixed
-    // state.
-    std::srand(1);
-    Noise2(0.5, 0.5);
+uint64_t RunGolden(int row, const GoldenSize& size, TestClock& surroundings) {
+    const SurroundingsScope scope(surroundings);
+    // The noise tables are drawn when they are first needed: draw them from a fixed state.
+    surroundings.Srand(1);
+    surroundings.Shared<GradientNoise>(Rand);
 
-    std::srand(20040229);
-    clockNow = kClockAtLoading;
-    ReplaceProcessClock([] { return clockNow; });
+    surroundings.Srand(20040229);
+    surroundings.now = kClockAtLoading;
     EffectDriver effect(Row(row).create());
     uint64_t hash = 0xCBF29CE484222325ULL;
     hash = Mix(hash, effect.Configure(size.width, size.height));
     for (const TestFrame& picture : Scene(size)) {
         TestFrame frame = picture;
-        clockNow += 40;
+        surroundings.now += 40;
         hash = Mix(hash, effect.Process(frame));
         hash = Mix(hash, frame.Checksum());
         EXPECT_TRUE(frame.GuardsIntact()) << "row " << row;
     }
-    ReplaceProcessClock(nullptr);
-    return Mix(hash, static_cast<uint64_t>(std::rand()));
+    return Mix(hash, static_cast<uint64_t>(surroundings.Rand()));
 }
 
 std::string GoldenKey(int row, const GoldenSize& size) {

@@ -6,6 +6,8 @@
 #include <map>
 #include <string>
 
+#include "tests/support/TestSurroundings.h"
+
 struct GoldenSize {
     int32_t width, height, frames;
 };
@@ -17,9 +19,10 @@ int GoldenRows();
 std::string GoldenRowName(int row);
 
 /// Runs the effect of a row over its frames at one size and returns a checksum of all that came out, of the
-/// result codes and of the state in which the C library's generator was left. Fixed seed and clock. Works in
-/// the current directory, which should be empty.
-uint64_t RunGolden(int row, const GoldenSize& size);
+/// result codes and of the state in which the generator was left. Clock and generator are set to fixed values
+/// first. Works in the current directory, which should be empty. The sizes on record were run in their order
+/// in the same surroundings, so that Clouds went on at its place.
+uint64_t RunGolden(int row, const GoldenSize& size, TestClock& surroundings);
 
 /// "row WxH" to checksum, from the text file that the tool `update_goldens` writes.
 using GoldenTable = std::map<std::string, uint64_t>;

@@ -13,6 +13,7 @@
 #include "tests/support/GoldenRun.h"
 #include "tests/support/PlainPlane.h"
 #include "tests/support/SideBySide.h"
+#include "tests/support/TestSurroundings.h"
 
 namespace {
 
@@ -164,12 +165,13 @@ TEST_F(Clouds, MakesItsFileOnce) {
     for (const auto& entry : std::filesystem::directory_iterator("."))
         EXPECT_EQ(entry.path().filename(), "perlin.dat");
     // Spot checks of the formula.
+    const auto& noise = CurrentSurroundings().Shared<GradientNoise>(Rand);
     TestRandom random(1);
     for (int n = 0; n < 3000; ++n) {
         const int i = random.Below(20), x = random.Below(640), y = random.Below(480);
         const double t = i / 20.0;
-        const double n1 = Turbulence(x / 64.0, y / 64.0, 2 * t, 2, 2, 7);
-        const double n2 = Turbulence(x / 64.0, y / 64.0, 2 * (t - 1), 2, 2, 7);
+        const double n1 = noise.Turbulence(x / 64.0, y / 64.0, 2 * t, 2, 2, 7);
+        const double n2 = noise.Turbulence(x / 64.0, y / 64.0, 2 * (t - 1), 2, 2, 7);
         const int value = std::clamp(static_cast<int>(((1 - t) * n1 + t * n2 + 1.0) * 255.0 * 0.5), 0, 255);
         ASSERT_EQ(file[static_cast<size_t>(i) * kRecord + static_cast<size_t>(y * 640 + x)], value);
     }
@@ -178,6 +180,39 @@ TEST_F(Clouds, MakesItsFileOnce) {
     const std::vector<uint8_t> other = ReadFile();
     ASSERT_EQ(effect.Configure(64, 48), kSuccess);
     EXPECT_EQ(ReadFile(), other);
+}
+
+TEST_F(Clouds, TheDataFolderHoldsItsFile) {
+    TestSurroundings surroundings;
+    surroundings.folder = "data/";
+    surroundings.writable = false;
+    std::filesystem::create_directory("data");
+    const SurroundingsScope scope(surroundings);
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    EXPECT_TRUE(std::filesystem::is_empty("data")) << "not writable";
+    surroundings.writable = true;
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    EXPECT_EQ(std::filesystem::file_size("data/perlin.dat"), 20 * kRecord);
+    EXPECT_FALSE(std::filesystem::exists("perlin.dat"));
+}
+
+/// Neither the noise nor the place in the loop comes from effects in other surroundings.
+TEST_F(Clouds, RepeatsItselfInSurroundingsOfItsOwn) {
+    std::vector<std::vector<uint8_t>> files;
+    std::vector<uint64_t> frames;
+    for (int run = 0; run < 2; ++run) {
+        std::filesystem::remove("perlin.dat");
+        TestSurroundings surroundings;
+        const SurroundingsScope scope(surroundings);
+        EffectDriver clouds(kGuid);
+        ASSERT_EQ(clouds.Configure(64, 48), kSuccess);
+        files.push_back(ReadFile());
+        TestFrame frame = TestFrame(64, 48).DrawScene(1);
+        ASSERT_EQ(clouds.Process(frame), kSuccess);
+        frames.push_back(frame.Checksum());
+    }
+    EXPECT_EQ(files[0], files[1]);
+    EXPECT_EQ(frames[0], frames[1]);
 }
 
 TEST_F(Clouds, AShortFileRepeatsItsLastPicture) {

@@ -4,16 +4,17 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <list>
 
 #include "effects/animated/GlyphTable.h"
 #include "effects/animated/TextRenderer.h"
-#include "framework/ProcessClock.h"
 #include "imaging/ScalarColor.h"
 #include "tests/support/GoldenRun.h"
 #include "tests/support/PlainPlane.h"
 #include "tests/support/SideBySide.h"
+#include "tests/support/TestSurroundings.h"
 
 namespace {
 
@@ -171,12 +172,11 @@ void WriteBmp(const std::string& path, int32_t width, int32_t height, uint16_t b
 
 class LogoAnimation : public testing::Test {
   protected:
-    LogoAnimation() {
-        ReplaceProcessClock([] { return kClock; });
-    }
-    ~LogoAnimation() override { ReplaceProcessClock(nullptr); }
+    LogoAnimation() { clock.now = kClock; }
 
     TemporaryDirectory directory;
+    TestClock clock;
+    const SurroundingsScope scope{clock};
     EffectDriver effect{kGuid};
 };
 
@@ -271,6 +271,25 @@ TEST_F(LogoAnimation, FollowsItsProperties) {
         expect(2, fields.text, true, false);
     }
     EXPECT_EQ(next, std::rand());
+}
+
+TEST_F(LogoAnimation, ShowsTheBitmapOfTheDataFolder) {
+    const auto show = [](const std::string& folder) {
+        TestSurroundings surroundings;
+        surroundings.folder = folder;
+        const SurroundingsScope within(surroundings);
+        EffectDriver logo(kGuid);
+        EXPECT_EQ(logo.Configure(320, 240), kSuccess);
+        EXPECT_EQ(logo.Set("Type", "2"), kSuccess);
+        TestFrame frame = StreamPicture(320, 240, 1);
+        EXPECT_EQ(logo.Process(frame), kSuccess);
+        return frame.Checksum();
+    };
+    std::filesystem::create_directory("data");
+    const uint64_t missing = show("data/");
+    WriteBmp("data/logo3.bmp", 20, 10, 8, std::vector<uint8_t>(200, 9));
+    EXPECT_NE(show("data/"), missing);
+    EXPECT_EQ(show(""), missing);
 }
 
 TEST_F(LogoAnimation, ShowsTheBitmapOfTheDirectory) {

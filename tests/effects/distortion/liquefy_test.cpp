@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "framework/Surroundings.h"
 #include "imaging/GradientNoise.h"
 #include "tests/support/EffectDriver.h"
 
@@ -20,6 +21,11 @@ constexpr int kFrames = 40;
 #endif
 
 using Bytes = std::vector<uint8_t>;
+
+/// The noise from which the effect draws its pictures.
+const GradientNoise& Field() {
+    return CurrentSurroundings().Shared<GradientNoise>(Rand);
+}
 
 struct LiquefyModel {
     int mode, w, h, n;
@@ -99,8 +105,8 @@ struct LiquefyModel {
         scroll.resize(static_cast<size_t>(2 * w * h));
         for (int y = 0; y < h; ++y) {
             for (int x = 0; x < w; ++x) {
-                const int value =
-                    std::clamp(static_cast<int>((Noise2(x / 20.0, y / 20.0) + 1.0) * 80.0 * 0.5), 0, 255);
+                const int value = std::clamp(
+                    static_cast<int>((Field().Noise2(x / 20.0, y / 20.0) + 1.0) * 80.0 * 0.5), 0, 255);
                 scroll[static_cast<size_t>(y * 2 * w + x)] = static_cast<uint8_t>(value);
                 scroll[static_cast<size_t>(y * 2 * w + 2 * w - 1 - x)] = static_cast<uint8_t>(value);
             }
@@ -159,7 +165,7 @@ class Liquefy : public testing::TestWithParam<int> {
 
     /// Configures the effect and makes the model from the same random numbers.
     LiquefyModel Begin(int w, int h) {
-        Noise2(0, 0);  // the tables of the noise are drawn once in a process
+        Field();  // its tables are drawn once in a process
         std::srand(99);
         EXPECT_EQ(effect.Configure(w, h), kSuccess);
         const int next = std::rand();

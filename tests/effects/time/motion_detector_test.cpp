@@ -2,27 +2,29 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <vector>
 
-#include "framework/ProcessClock.h"
 #include "imaging/ScalarColor.h"
 #include "tests/imaging/models/PointModels.h"
 #include "tests/support/PlainPlane.h"
 #include "tests/support/SideBySide.h"
+#include "tests/support/TestSurroundings.h"
 
 namespace {
 
 constexpr const char* kGuid = "{6C250CDD-8B28-4821-B047-B30878E3439F}";
 
-int64_t now = 0;
+/// Moves on by `step` whenever it is read.
+class TickingClock : public TestClock {
+  public:
+    int64_t step = 0;
+    int64_t Milliseconds() override { return now += step; }
+};
 
 class MotionDetector : public testing::Test {
   protected:
-    MotionDetector() {
-        now = 5000;
-        ReplaceProcessClock([] { return now; });
-    }
-    ~MotionDetector() override { ReplaceProcessClock(nullptr); }
+    MotionDetector() { now = 5000; }
 
     TestFrame Process(const TestFrame& picture) {
         TestFrame frame = picture;
@@ -30,6 +32,9 @@ class MotionDetector : public testing::Test {
         return frame;
     }
 
+    TickingClock clock;
+    int64_t& now = clock.now;
+    const SurroundingsScope scope{clock};
     EffectDriver effect{kGuid};
 };
 
@@ -90,9 +95,9 @@ TEST_F(MotionDetector, KeepsTheContract) {
 
 TEST_F(MotionDetector, EqualsItsModel) {
     // The clock ticks whenever it is read: once a frame.
-    ReplaceProcessClock([] { return now += 33; });
+    clock.step = 33;
     ExpectEqualsModel(
-        effect, [](int w, int h) { return Model(w, h, 50, 255); }, [] { now = 5000; });
+        effect, [](int w, int h) { return Model(w, h, 50, 255); }, [&] { now = 5000; });
     ExpectEqualsModel(
         effect, [](int w, int h) { return Model(w, h, 100, 10 | 200 << 8 | 30 << 16); },
         [&] {
@@ -111,7 +116,7 @@ TEST_F(MotionDetector, EqualsItsModel) {
     // After half a day a time stamp is good for 4 milliseconds only, which shows.
     constexpr int64_t kLate = 43'200'001;
     ExpectEqualsModel(
-        effect, [](int w, int h) { return Model(w, h, 50, 255, kLate); }, [] { now = kLate; }, 40);
+        effect, [](int w, int h) { return Model(w, h, 50, 255, kLate); }, [&] { now = kLate; }, 40);
 }
 
 TEST_F(MotionDetector, TheFirstFrameIsDark) {
@@ -124,14 +129,14 @@ TEST_F(MotionDetector, TheFirstFrameIsDark) {
 
 /// A pixel that never moved counts as moved at 0, which no fade reaches.
 TEST_F(MotionDetector, TheFirstFrameIsDarkAsSoonAsTheModuleIsLoaded) {
+    ProcessSurroundings process;
     for (const char* blurDelay : {"1", "50", "100"}) {
-        for (const bool realClock : {true, false}) {
-            now = 2000;
-            if (realClock) ReplaceProcessClock(nullptr);
+        for (Surroundings* surroundings : std::initializer_list<Surroundings*>{&clock, &process}) {
+            now = kClockAtLoading;
+            const SurroundingsScope within(*surroundings);
             ASSERT_EQ(effect.Configure(40, 30), kSuccess);
             EXPECT_EQ(effect.Set("BlurDelay", blurDelay), kSuccess);
             const TestFrame frame = Process(TestFrame(40, 30).Randomize(3));
-            ReplaceProcessClock([] { return now; });
             EXPECT_EQ(std::count(frame.plane(0).begin(), frame.plane(0).end(), 0), 40 * 30) << blurDelay;
         }
     }
