@@ -82,21 +82,23 @@ check-slow:
 	$(call build_tests,release,all)
 	$(call run_tests,release,-L slow)
 
-## bench      times of every primitive and effect
+## bench      times of every primitive and effect, as tables and in build/*.csv
 bench:
-	@tools/setup.sh build bench
-	cmake --preset release -DSE_BUILD_BENCH=ON
-	cmake --build --preset release --target bench_primitives bench_effects bench_faces
-	$(RELEASE)/bench/bench_primitives --benchmark_counters_tabular=true
-	$(RELEASE)/bench/bench_effects --benchmark_counters_tabular=true
-	$(RELEASE)/bench/bench_faces --benchmark_counters_tabular=true
+	@tools/setup.sh build check bench
+	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_BENCH=ON
+	cmake --build --preset release --target check_kernels bench_effects bench_opencv
+	$(RELEASE)/tests/check_kernels/check_kernels --bench --csv > build/kernels.csv
+	$(RELEASE)/bench/bench_opencv > build/opencv.csv
+	$(RELEASE)/bench/bench_effects --csv > build/effects.csv
+	tools/performance_table.sh build/kernels.csv
+	tools/performance_table.sh build/opencv.csv
+	tools/performance_table.sh build/effects.csv
 
 ## docs       a page for each effect with its picture and its time, after `make demo`
 docs: build
-	@tools/setup.sh bench
 	cmake --preset release -DSE_BUILD_BENCH=ON
 	cmake --build --preset release --target make_docs bench_effects
-	$(RELEASE)/bench/bench_effects --benchmark_format=csv > build/effects.csv
+	$(RELEASE)/bench/bench_effects --csv --size 1280x720 > build/effects.csv
 	$(RELEASE)/tools/make_docs $(RELEASE)/host/specialeffects docs/texts.json build/demo build/effects.csv docs
 	cp build/demo/contact-sheet.jpg docs/images/contact-sheet.jpg
 

@@ -4,7 +4,7 @@
 //   make_docs PROGRAM TEXTS.json DEMO TIMES.csv DOCS
 //
 // PROGRAM is the host program; DEMO the folder that the demo wrote; TIMES.csv what
-// `bench_effects --benchmark_format=csv` printed; DOCS the folder that is written. Pictures are scaled with
+// `bench_effects --csv` printed; DOCS the folder that is written. Pictures are scaled with
 // ImageMagick.
 #include <algorithm>
 #include <array>
@@ -47,32 +47,17 @@ struct Time {
     std::string milliseconds, ratio;
 };
 
-/// "61 Bulge" to the time at 1280x720.
+/// Rows such as "61 Bulge,1280x720,0.245,...", as the times of effects by number.
 std::map<int, Time> ReadTimes(const std::string& path) {
     std::map<int, Time> times;
     std::ifstream file(path);
-    std::string line;
-    std::vector<std::string> header;
-    while (std::getline(file, line)) {
+    for (std::string line; std::getline(file, line);) {
         std::vector<std::string> cells;
         std::istringstream in(line);
-        for (std::string cell; std::getline(in, cell, ',');) {
-            if (cell.size() >= 2 && cell.front() == '"') cell = cell.substr(1, cell.size() - 2);
-            cells.push_back(cell);
-        }
-        if (cells.empty()) continue;
-        if (cells[0] == "name") {
-            header = cells;
-            continue;
-        }
-        if (header.empty() || cells[0].find("1280x720") == std::string::npos) continue;
-        Time time;
-        for (size_t i = 0; i < std::min(header.size(), cells.size()); ++i) {
-            if (cells[i].empty()) continue;
-            if (header[i] == "ms") time.milliseconds = fmt::format("{:.2f}", std::stod(cells[i]));
-            if (header[i] == "x_memcpy") time.ratio = fmt::format("{:.1f}", std::stod(cells[i]));
-        }
-        times[std::stoi(cells[0])] = time;
+        for (std::string cell; std::getline(in, cell, ',');) cells.push_back(cell);
+        if (cells.size() < 5 || cells[1] != "1280x720") continue;
+        times[std::stoi(cells[0])] = {fmt::format("{:.2f}", std::stod(cells[2])),
+                                      fmt::format("{:.1f}", std::stod(cells[4]))};
     }
     return times;
 }

@@ -12,8 +12,8 @@ build        libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libsws
 check        ccache libgtest-dev
 clang        clang libclang-rt-dev
 demo         ffmpeg imagemagick
-bench        libbenchmark-dev
-lint         git clang clang-format clang-tidy cppcheck shellcheck libbenchmark-dev libgtest-dev
+bench        libopencv-dev
+lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
 '
 
 packages=""

@@ -9,13 +9,14 @@
 #include <string_view>
 #include <vector>
 
+#include "imaging/Cpu.h"
 #include "tests/check_kernels/Trial.h"
 
 namespace {
 
 constexpr const char* kUsage =
     "usage: check_kernels [--group NAME] [--filter TEXT] [--seed N] [--light]\n"
-    "       check_kernels --bench [--all] [--size WxH] [--group NAME] [--filter TEXT]\n"
+    "       check_kernels --bench [--csv] [--all] [--size WxH] [--group NAME] [--filter TEXT]\n"
     "       check_kernels --list\n"
     "\n"
     "Compares each primitive with its plain model on random pictures of many sizes.\n"
@@ -24,6 +25,7 @@ constexpr const char* kUsage =
     "  --seed N       start of the random numbers (default 1)\n"
     "  --light        fewer sizes and parameters, for slow builds\n"
     "  --bench        times instead: primitive, model, ratio to a memcpy of the same plane\n"
+    "  --csv          times as comma-separated values\n"
     "  --all          with every combination of parameters, not the chief one alone\n"
     "  --size WxH     of the timed pictures (default 1280x720)\n";
 
@@ -38,6 +40,7 @@ struct Options {
     uint64_t seed = 1;
     bool light = false;
     bool bench = false;
+    bool csv = false;
     bool all = false;
     bool list = false;
     Size size{1280, 720};
@@ -63,6 +66,8 @@ std::optional<Options> ParseOptions(int argc, char** argv) {
             options.light = true;
         } else if (name == "--bench") {
             options.bench = true;
+        } else if (name == "--csv") {
+            options.csv = true;
         } else if (name == "--all") {
             options.all = true;
         } else if (name == "--list") {
@@ -189,19 +194,31 @@ int Check(const std::vector<check::Entry>& entries, const Options& options) {
     return good ? 0 : 1;
 }
 
+void PrintTimes(const Options& options, const std::string& kernel, const check::Trial::Times& times) {
+    if (options.csv) {
+        std::printf("\"%s\",%s,%dx%d,%.4f,%.3f,%.2f\n", kernel.c_str(), cpu::Name(cpu::Current()),
+                    options.size.width, options.size.height, times.fast * 1e3, times.model * 1e3,
+                    times.fast / times.memcpy);
+    } else {
+        std::printf("%-64s %10.4f %10.3f %8.2f\n", kernel.c_str(), times.fast * 1e3, times.model * 1e3,
+                    times.fast / times.memcpy);
+    }
+    std::fflush(stdout);
+}
+
 int Bench(const std::vector<check::Entry>& entries, const Options& options) {
-    std::printf("%-64s %10s %10s %8s\n", "kernel", "ms", "model ms", "x memcpy");
+    if (options.csv) {
+        std::printf("kernel,level,size,ms,model_ms,x_memcpy\n");
+    } else {
+        std::printf("%-64s %10s %10s %8s\n", "kernel", "ms", "model ms", "x memcpy");
+    }
     for (const check::Entry& entry : entries) {
         check::Trial trial(options.seed, true);
         do {
             trial.Begin(options.size.width, options.size.height, entry.kernel.copyBytesPerPixel);
             entry.kernel.run(trial);
             if (trial.ran()) {
-                const std::string name = std::string(entry.kernel.name) + trial.parameters();
-                const check::Trial::Times& times = trial.times();
-                std::printf("%-64s %10.4f %10.3f %8.2f\n", name.c_str(), times.fast * 1e3, times.model * 1e3,
-                            times.fast / times.memcpy);
-                std::fflush(stdout);
+                PrintTimes(options, std::string(entry.kernel.name) + trial.parameters(), trial.times());
             }
         } while (!trial.Advance() && options.all);
     }
