@@ -50,6 +50,7 @@ Child::Child(const std::vector<std::string>& command, const fs::path& directory,
     pid_ = fork();
     if (pid_ != 0) return;
 
+    std::signal(SIGHUP, SIG_DFL);  // tests that run under nohup ignore it
     Redirect(options.input.empty() ? "/dev/null" : options.input, O_RDONLY, STDIN_FILENO);
     Redirect(outFile_, O_WRONLY | O_CREAT | (options.output.empty() ? O_TRUNC : 0), STDOUT_FILENO);
     Redirect(errorFile_, O_WRONLY | O_CREAT | O_TRUNC | O_NOCTTY, STDERR_FILENO);
