@@ -1,4 +1,4 @@
-# Installation: the library, its two public headers, a CMake package and a pkg-config file.
+# Installation: the library, its two public headers, a CMake package, a pkg-config file and the licences.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS specialeffects EXPORT specialeffects-targets
@@ -22,3 +22,5 @@ file(RELATIVE_PATH SE_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /
 string(REGEX REPLACE "/$" "" SE_PREFIX_FROM_PKGCONFIG "${SE_PREFIX_FROM_PKGCONFIG}")
 configure_file(cmake/specialeffects.pc.in ${PROJECT_BINARY_DIR}/specialeffects.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/specialeffects.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES LICENSE NOTICE NEWS.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
