@@ -154,10 +154,11 @@ int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     CPlane8u scaled = CPlane8u::Over(scaledPlane.data, width, height);
     scaled.Fill(0);
     const double factor = 1.0 / scale;
-    if (PrimResize8uC1(plane.data, plane.width, plane.height, plane.width, 0, 0, plane.width, plane.height,
-                       scaled.data, width, width, height, factor, factor, kPrimLanczos) != kPrimOk) {
-        return kFailed;
-    }
+    const PrimStatus resized =
+        PrimResize8uC1(plane.data, plane.width, plane.height, plane.width, 0, 0, plane.width, plane.height,
+                       scaled.data, width, width, height, factor, factor, kPrimLanczos);
+    Require(resized != kPrimMemoryError);
+    if (resized != kPrimOk) return kFailed;
 
     const int32_t sumStep = tableWidth * static_cast<int32_t>(sizeof(int32_t));
     const int32_t sqrStep = tableWidth * static_cast<int32_t>(sizeof(double));

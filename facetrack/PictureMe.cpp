@@ -3,10 +3,23 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <new>
 
 #include "framework/Surroundings.h"
+#include "imaging/ReleaseMemory.h"
 
 using Effect = CPictureMeSpecialEffectFilter;
+
+/// The result of `operation`; kOutOfMemory, with the workspace released, when memory ran out in it.
+template <class Operation>
+ResultCode Effect::Report(Operation operation) {
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        Shutdown();
+        return kOutOfMemory;
+    }
+}
 
 std::span<const Property<Effect>> Effect::Properties() {
     static constexpr Property<Effect> rows[] = {
@@ -32,25 +45,32 @@ ResultCode Effect::Configure(StreamDescription* description) {
     if (Stream.Format == kFormatPlanar) {
         DetectorWidth = Stream.Width;
         DetectorHeight = Stream.Height;
-        const std::string cascade = CurrentSurroundings().DataFile("haar.txt");
-        std::error_code error;
-        if (std::filesystem::exists(cascade, error)) {
-            Detector.SetCascadePath(cascade.c_str());
-            Detector.Initialize(DetectorWidth, DetectorHeight);
-            Layout(false);
+        try {
+            const std::string cascade = CurrentSurroundings().DataFile("haar.txt");
+            std::error_code error;
+            if (std::filesystem::exists(cascade, error)) StartDetector(cascade.c_str());
+        } catch (const std::bad_alloc&) {
+            ReleaseWorkspace();
+            throw;
         }
     }
     Configured = true;
     return kSuccess;
 }
 
-ResultCode Effect::LoadSettings(SettingsRecord* settings) {
-    if (settings == nullptr) return kFailure;
-    ReleaseWorkspace();
-    Detector.SetCascadePath(settings->Path);
+void Effect::StartDetector(const char* path) {
+    Detector.SetCascadePath(path);
     Detector.Initialize(DetectorWidth, DetectorHeight);
     Layout(false);
-    return kSuccess;
+}
+
+ResultCode Effect::LoadSettings(SettingsRecord* settings) {
+    if (settings == nullptr) return kFailure;
+    return Report([&] {
+        ReleaseWorkspace();
+        StartDetector(settings->Path);
+        return kSuccess;
+    });
 }
 
 ResultCode Effect::Shutdown() {
@@ -60,7 +80,7 @@ ResultCode Effect::Shutdown() {
 }
 
 void Effect::ReleaseWorkspace() {
-    Textures = decltype(Textures)();  // with its capacity, which clear would keep
+    ReleaseMemory(Textures);
     CurrentTexture = 0;
     Animating = false;
     Detector.ReleaseCascade();
@@ -109,10 +129,12 @@ void Effect::PlaceSlots() {
 ResultCode Effect::ProcessFrame(FrameRecord* frame) {
     if (frame == nullptr || !IsReadable(frame->Image) || frame->Image->Plane[0] == nullptr)
         return kInvalidArgument;
-    RegionRect rect{};
-    if (Configured) rect = TrackFace(frame->Image->Plane[0]);
-    RegionRecord region{0, &rect};
-    return ProcessRegion(frame, &region);
+    return Report([&] {
+        RegionRect rect{};
+        if (Configured) rect = TrackFace(frame->Image->Plane[0]);
+        RegionRecord region{0, &rect};
+        return ProcessRegion(frame, &region);
+    });
 }
 
 /// Where the tracker sees a face; all zero without one.
@@ -120,7 +142,12 @@ RegionRect Effect::TrackFace(uint8_t* plane) {
     // The cascade counts rows from the window's other end: it is shown the picture upside down.
     CPlane8u luma = CPlane8u::Over(plane, Stream.Width, Stream.Height);
     luma.Mirror(kPrimMirrorRows);
-    Detector.TrackFrame(luma);
+    try {
+        Detector.TrackFrame(luma);
+    } catch (const std::bad_alloc&) {
+        luma.Mirror(kPrimMirrorRows);
+        throw;
+    }
     luma.Mirror(kPrimMirrorRows);
 
     const CFaceRect face = Detector.GetFace();
@@ -165,6 +192,10 @@ void Effect::StartPicture(const PlaneSet& frame, RegionRect rect) {
 }
 
 ResultCode Effect::ProcessRegion(FrameRecord* frame, RegionRecord* region) {
+    return Report([&] { return DrawPictures(frame, region); });
+}
+
+ResultCode Effect::DrawPictures(FrameRecord* frame, const RegionRecord* region) {
     if (const ResultCode refusal = CheckFrame(frame, Stream); refusal != kSuccess) return refusal;
     if (Stream.Format == kFormatPacked) return kNotImplemented;
     if (Stream.Format != kFormatPlanar) return kInvalidArgument;

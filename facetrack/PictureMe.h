@@ -31,11 +31,15 @@ class CPictureMeSpecialEffectFilter final
     ResultCode Shutdown() override;
 
   private:
+    template <class Operation>
+    ResultCode Report(Operation operation);
+    void StartDetector(const char* path);
     void ReleaseWorkspace();
     RegionRect TrackFace(uint8_t* plane);
     void Layout(bool keepCount);
     void SetTextureCount(int32_t count);
     void PlaceSlots();
+    ResultCode DrawPictures(FrameRecord* frame, const RegionRecord* region);
     bool AdjustRegion(RegionRect& rect) const;
     void StartPicture(const PlaneSet& frame, RegionRect rect);
 

@@ -3,6 +3,7 @@
 #define SPECIALEFFECTS_FACETRACK_PICTURETEXTURE_H
 
 #include <cstdint>
+#include <vector>
 
 #include "framework/SpecialEffectFilter.h"
 #include "imaging/Plane8u.h"
@@ -55,8 +56,9 @@ class CPictureTexture {
     float VelX = 0, VelY = 0, TurnStep = 0, ScaleStepX = 0, ScaleStepY = 0;
     int32_t Step = 0, StepCount = 0;
     bool Landed = false, HasThumb = false;
-    PlaneSet Region;  ///< what was captured
-    PlaneSet Scaled;  ///< this frame's resized copy
+    PlaneSet Region;               ///< what was captured
+    PlaneSet Scaled;               ///< this frame's resized copy
+    std::vector<int32_t> Columns;  ///< where its columns come from
     PlaneSet Thumb;
 };
 

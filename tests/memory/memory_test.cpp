@@ -94,14 +94,6 @@ class Memory : public testing::TestWithParam<size_t> {
     static void SetUpTestSuite() { directory = std::make_unique<DataDirectory>(); }
     static void TearDownTestSuite() { directory.reset(); }
 
-    void SetUp() override {
-        Host host(row());
-        char name[64] = {};
-        host.Create()->GetInternalInfo()->GetName(name, sizeof name);
-        // Its detector keeps the capacity of its tables, and takes a lack of memory for a bad cascade.
-        if (std::strcmp(name, "Picture Me") == 0) GTEST_SKIP();
-    }
-
     const CatalogueRow& row() const { return EffectCatalogue()[GetParam()]; }
 
   private:
