@@ -1,0 +1,73 @@
+#include "sfx/DataFiles.h"
+
+#include <mutex>
+#include <random>
+
+#include "sfx/Files.h"
+
+namespace sfx {
+namespace {
+
+/// A name that no other process gives to a file at the same time.
+std::string TemporaryName(const std::string& name) {
+    std::random_device random;
+    return name + "." + std::to_string(random()) + std::to_string(random()) + ".new";
+}
+
+bool MakeIn(const std::string& folder, const std::string& name,
+            const std::function<void(const std::string& path)>& make) {
+    if (folder.empty() || !MakeFolder(folder)) {
+        return false;
+    }
+    const std::string temporary = JoinPath(folder, TemporaryName(name));
+    try {
+        make(temporary);
+    } catch (...) {
+        RemoveFile(temporary);
+        throw;
+    }
+    if (!IsRegularFile(temporary)) {
+        return false;
+    }
+    const bool made = RenameFile(temporary, JoinPath(folder, name));
+    RemoveFile(temporary);
+    return made;
+}
+
+}  // namespace
+
+std::vector<std::string> DataFolders(const std::string& callersFolder) {
+    std::vector<std::string> folders;
+    if (!callersFolder.empty()) {
+        folders.push_back(callersFolder);
+    }
+    folders.insert(folders.end(), InstalledFolders().begin(), InstalledFolders().end());
+    if (std::string cache = CacheFolder(); !cache.empty()) {
+        folders.push_back(std::move(cache));
+    }
+    return folders;
+}
+
+std::string FindDataFile(const std::string& name, const std::string& callersFolder) {
+    for (const std::string& folder : DataFolders(callersFolder)) {
+        std::string path = JoinPath(folder, name);
+        if (IsRegularFile(path)) {
+            return path;
+        }
+    }
+    return {};
+}
+
+std::string FindOrMakeDataFile(const std::string& name, const std::string& callersFolder,
+                               const std::function<void(const std::string& path)>& make) {
+    // One thread makes it, the others find it.
+    static std::mutex making;
+    const std::lock_guard lock(making);
+    std::string path = FindDataFile(name, callersFolder);
+    if (path.empty() && (MakeIn(callersFolder, name, make) || MakeIn(CacheFolder(), name, make))) {
+        path = FindDataFile(name, callersFolder);
+    }
+    return path;
+}
+
+}  // namespace sfx

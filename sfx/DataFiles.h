@@ -1,0 +1,26 @@
+// Where effects find their data files.
+#ifndef SPECIALEFFECTS_SFX_DATAFILES_H
+#define SPECIALEFFECTS_SFX_DATAFILES_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace sfx {
+
+/// The folders in which data files are looked for, in order: the caller's unless it is empty, those of an
+/// installation, the user's cache.
+std::vector<std::string> DataFolders(const std::string& callersFolder);
+
+/// The path of a data file, or "" where there is none.
+std::string FindDataFile(const std::string& name, const std::string& callersFolder);
+
+/// Like FindDataFile, but makes the file first where it is missing and `make(path)` can make it: in the
+/// caller's folder, or else in the cache. The file appears whole or not at all, whatever other threads and
+/// processes do. `make` may write nothing; a path says nothing of whether it did.
+std::string FindOrMakeDataFile(const std::string& name, const std::string& callersFolder,
+                               const std::function<void(const std::string& path)>& make);
+
+}  // namespace sfx
+
+#endif

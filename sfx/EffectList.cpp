@@ -1,0 +1,322 @@
+#include "sfx/EffectList.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+
+#include "framework/AdditiveRandom.h"
+#include "framework/Catalogue.h"
+#include "framework/Surroundings.h"
+#include "sfx/Guard.h"
+#include "sfx/Interim.h"
+#include "sfx/Words.h"
+
+namespace sfx {
+namespace {
+
+constexpr size_t kTextCapacity = 256;  // of the contract's texts
+using Text = std::array<char, kTextCapacity>;
+
+Filter CreateRow(size_t index) {
+    Filter filter(EffectCatalogue()[index].create());
+    if (filter == nullptr) {
+        throw std::bad_alloc();
+    }
+    return filter;
+}
+
+/// Colours are 0xRRGGBB here and "red,green,blue" in the module.
+std::string ModuleText(sfx_type type, int32_t value) {
+    switch (type) {
+        case SFX_BOOLEAN:
+            return value != 0 ? "TRUE" : "FALSE";
+        case SFX_COLOR:
+            return std::to_string(value >> 16 & 255) + "," + std::to_string(value >> 8 & 255) + "," +
+                   std::to_string(value & 255);
+        case SFX_INTEGER:
+        case SFX_CHOICE:
+            break;
+    }
+    return std::to_string(value);
+}
+
+int32_t FromModuleText(sfx_type type, std::string_view text) {
+    bool clamped = false;
+    switch (type) {
+        case SFX_BOOLEAN:
+            return ParseBoolean(text).value_or(false) ? 1 : 0;
+        case SFX_COLOR:
+            return ParseColor(text, clamped).value_or(0);
+        case SFX_INTEGER:
+        case SFX_CHOICE:
+            break;
+    }
+    return ParseInteger(text).value_or(0);
+}
+
+/// No data files, and chance and time that do not matter.
+class NoSurroundings final : public Surroundings {
+  public:
+    int64_t Milliseconds() override { return 0; }
+    int32_t Rand() override { return random_.Next(); }
+    void Srand(uint32_t seed) override { random_.Seed(seed); }
+    std::string DataFile(const std::string&) override { return {}; }
+    std::string NewDataFile(const std::string&) override { return {}; }
+
+  private:
+    AdditiveRandom random_;
+};
+
+/// The list, and the texts that it points to.
+class List {
+  public:
+    List() {
+        const std::span<const CatalogueRow> rows = EffectCatalogue();
+        entries_.reserve(rows.size());
+        for (size_t i = 0; i < rows.size(); ++i) {
+            entries_.push_back(MakeEffect(i));
+        }
+        for (EffectEntry& entry : entries_) {
+            LinkProperties(entry);
+        }
+    }
+
+    std::span<const EffectEntry> Entries() const { return entries_; }
+
+  private:
+    const char* Keep(std::string text) { return texts_.emplace_back(std::move(text)).c_str(); }
+
+    EffectEntry MakeEffect(size_t index) {
+        const InterimRow& row = kInterim[index];
+        EffectEntry entry{};
+        entry.create = CreateRow;
+        entry.index = index;
+        entry.info = {sizeof(sfx_effect_info),
+                      row.id,
+                      row.guid,
+                      row.name,
+                      row.id,
+                      "tone",
+                      "",
+                      row.variant,
+                      0,
+                      std::strcmp(row.id, "clouds") == 0       ? "perlin.dat"
+                      : std::strcmp(row.id, "picture-me") == 0 ? "haar.txt"
+                                                               : nullptr,
+                      0,
+                      nullptr};
+        AddProperties(entry);
+        return entry;
+    }
+
+    void AddProperties(EffectEntry& entry) {
+        NoSurroundings none;
+        const SurroundingsScope scope(none);
+        const Filter filter = entry.Create();
+        CInternalInfo& table = *filter->GetInternalInfo();
+        if (table.GetPropCount() == 0) {
+            return;
+        }
+        // What a new object starts with is known once it is configured.
+        StreamDescription stream{0, 640, 480, kFormatPlanar};
+        if (filter->Configure(&stream) != kSuccess) {
+            throw Failure{Tell(SFX_ERROR_FAILED, "%s cannot be configured", entry.info.id)};
+        }
+        for (int32_t i = 0; i < table.GetPropCount(); ++i) {
+            entry.properties.push_back(MakeProperty(table, i, *filter));
+        }
+    }
+
+    PropertyEntry MakeProperty(CInternalInfo& table, int32_t index, CSpecialEffectFilter& filter) {
+        Text name{}, defaultText{}, range{};
+        const PropTypeSet type = table.GetPropTypeInfo(index, name.data(), kTextCapacity, defaultText.data(),
+                                                       kTextCapacity, range.data(), kTextCapacity);
+        PropertyEntry property{};
+        property.moduleName = Keep(name.data());
+        property.info.struct_size = sizeof(sfx_property_info);
+        property.info.id = Keep(DashedName(name.data()));
+        property.info.name = Keep(name.data());
+        property.info.description = "";
+        property.info.type = type == PropTypeSet::Boolean ? SFX_BOOLEAN
+                             : type == PropTypeSet::Color ? SFX_COLOR
+                                                          : SFX_INTEGER;
+        property.info.maximum = property.info.type == SFX_BOOLEAN ? 1 : 0xFFFFFF;
+        if (type == PropTypeSet::Integer) {
+            const std::vector<std::string_view> bounds = Split(range.data(), ',');
+            property.info.minimum = ParseInteger(bounds.front()).value_or(0);
+            property.info.maximum = ParseInteger(bounds.back()).value_or(0);
+        }
+        property.info.start = property.Get(filter);
+        property.info.minimum = std::min(property.info.minimum, property.info.start);
+        property.info.maximum = std::max(property.info.maximum, property.info.start);
+        return property;
+    }
+
+    /// Once nothing moves any more.
+    void LinkProperties(EffectEntry& entry) {
+        std::vector<const sfx_property_info*>& pointers = pointers_.emplace_back();
+        for (PropertyEntry& property : entry.properties) {
+            property.info.choice_count = property.choices.size();
+            property.info.choices = property.choices.data();
+            pointers.push_back(&property.info);
+        }
+        entry.info.property_count = pointers.size();
+        entry.info.properties = pointers.data();
+    }
+
+    std::vector<EffectEntry> entries_;
+    std::deque<std::string> texts_;
+    std::deque<std::vector<const sfx_property_info*>> pointers_;
+};
+
+/// Never destroyed, so that what it has given out stays valid.
+const List& TheList() {
+    static const List& list = *std::make_unique<List>().release();
+    return list;
+}
+
+std::string WithBraces(std::string_view guid) {
+    std::string text(1, '{');
+    text.append(guid.starts_with('{') ? guid.substr(1) : guid);
+    return text.ends_with('}') ? text : text + '}';
+}
+
+}  // namespace
+
+int32_t PropertyEntry::Clamp(int32_t value) const {
+    return std::clamp(value, info.minimum, info.maximum);
+}
+
+int32_t PropertyEntry::Parse(std::string_view text, bool& clamped) const {
+    const std::string wanted = DashedLower(text);
+    for (const sfx_choice& choice : choices) {
+        if (wanted == choice.id) {
+            return choice.value;
+        }
+    }
+    std::optional<int32_t> value;
+    const char* takes = "";
+    switch (info.type) {
+        case SFX_BOOLEAN:
+            value = ParseBoolean(text);
+            takes = "true or false";
+            break;
+        case SFX_COLOR:
+            value = ParseColor(text, clamped);
+            takes = "a colour as #rrggbb or red,green,blue";
+            break;
+        case SFX_INTEGER:
+            value = ParseInteger(text);
+            takes = "a whole number";
+            break;
+        case SFX_CHOICE:
+            value = ParseInteger(text);
+            takes = "the name or number of a choice";
+            break;
+    }
+    if (!value) {
+        std::vector<std::string_view> names;
+        for (const sfx_choice& choice : choices) {
+            names.emplace_back(choice.id);
+        }
+        constexpr size_t kLongest = 80;
+        throw Failure{Tell(info.type == SFX_CHOICE ? SFX_ERROR_UNKNOWN : SFX_ERROR_VALUE,
+                           "%s takes %s, not \"%.*s\"%s", info.id, takes,
+                           static_cast<int>(std::min(text.size(), kLongest)), text.data(),
+                           Suggestion(wanted, names).c_str())};
+    }
+    const int32_t within = Clamp(*value);
+    clamped = clamped || within != *value;
+    return within;
+}
+
+std::string PropertyEntry::Print(int32_t value) const {
+    if (info.type == SFX_BOOLEAN) {
+        return value != 0 ? "true" : "false";
+    }
+    if (info.type == SFX_COLOR) {
+        return PrintColor(value);
+    }
+    for (const sfx_choice& choice : choices) {
+        if (choice.value == value) {
+            return choice.id;
+        }
+    }
+    return std::to_string(value);
+}
+
+void PropertyEntry::Set(CSpecialEffectFilter& filter, int32_t value) const {
+    std::string name = moduleName, text = ModuleText(info.type, value);
+    PropertyRecord record{0, name.data(), text.data()};
+    filter.SetProperty(&record);
+}
+
+int32_t PropertyEntry::Get(CSpecialEffectFilter& filter) const {
+    std::string name = moduleName;
+    Text text{};
+    PropertyRecord record{0, name.data(), text.data()};
+    filter.GetProperty(&record);
+    return FromModuleText(info.type, text.data());
+}
+
+size_t EffectEntry::FindProperty(std::string_view name) const {
+    const std::string wanted = DashedLower(name);
+    const auto same = [&](const PropertyEntry& property) {
+        return wanted == property.info.id || SameText(Trimmed(name), property.moduleName);
+    };
+    return static_cast<size_t>(std::find_if(properties.begin(), properties.end(), same) - properties.begin());
+}
+
+size_t EffectEntry::RequireProperty(std::string_view name) const {
+    const size_t found = FindProperty(name);
+    if (found < properties.size()) {
+        return found;
+    }
+    constexpr size_t kLongest = 80;
+    const int shown = static_cast<int>(std::min(name.size(), kLongest));
+    if (properties.empty()) {
+        throw Failure{
+            Tell(SFX_ERROR_UNKNOWN, "%s has no property \"%.*s\"; it has none", info.id, shown, name.data())};
+    }
+    std::string all;
+    for (const PropertyEntry& property : properties) {
+        all += all.empty() ? "" : ", ";
+        all += property.info.id;
+    }
+    throw Failure{Tell(SFX_ERROR_UNKNOWN, "%s has no property \"%.*s\"; it has %s", info.id, shown,
+                       name.data(), all.c_str())};
+}
+
+std::span<const EffectEntry> Effects() {
+    return TheList().Entries();
+}
+
+const EffectEntry* FindEffect(std::string_view text) {
+    const std::string wanted = DashedLower(text);
+    const auto find = [](auto matches) -> const EffectEntry* {
+        const std::span<const EffectEntry> all = Effects();
+        const auto found = std::find_if(all.begin(), all.end(), matches);
+        return found != all.end() ? &*found : nullptr;
+    };
+    if (const EffectEntry* const effect = find([&](const EffectEntry& entry) {
+            return wanted == entry.info.id || wanted == DashedLower(entry.info.title) ||
+                   SameText(WithBraces(wanted), entry.info.guid);
+        })) {
+        return effect;
+    }
+    if (const EffectEntry* const effect =
+            find([&](const EffectEntry& entry) { return wanted == DashedLower(entry.info.name); })) {
+        return effect;
+    }
+    std::vector<std::string_view> names;
+    for (const EffectEntry& entry : Effects()) {
+        names.emplace_back(entry.info.id);
+    }
+    Tell(SFX_ERROR_UNKNOWN, "there is no effect \"%.80s\"%s", wanted.c_str(),
+         Suggestion(wanted, names).c_str());
+    return nullptr;
+}
+
+}  // namespace sfx

@@ -1,0 +1,58 @@
+// The list of effects as libsfx tells of it, and the way from it to the module.
+#ifndef SPECIALEFFECTS_SFX_EFFECTLIST_H
+#define SPECIALEFFECTS_SFX_EFFECTLIST_H
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/SpecialEffectFilter.h"
+#include "sfx/sfx.h"
+
+namespace sfx {
+
+struct DestroyFilter {
+    void operator()(CSpecialEffectFilter* filter) const { filter->DeletingDestructor(1); }
+};
+/// An effect object of the module.
+using Filter = std::unique_ptr<CSpecialEffectFilter, DestroyFilter>;
+
+struct PropertyEntry {
+    sfx_property_info info;
+    const char* moduleName;  ///< what `SetProperty` and `GetProperty` take
+    std::vector<sfx_choice> choices;
+
+    /// The nearest value that the property can have.
+    int32_t Clamp(int32_t value) const;
+    /// A value from its text. Throws Failure, and sets `clamped` where the text is beyond the bounds.
+    int32_t Parse(std::string_view text, bool& clamped) const;
+    std::string Print(int32_t value) const;
+
+    void Set(CSpecialEffectFilter& filter, int32_t value) const;
+    int32_t Get(CSpecialEffectFilter& filter) const;
+};
+
+struct EffectEntry {
+    sfx_effect_info info;
+    Filter (*create)(size_t index);
+    size_t index;
+    std::vector<PropertyEntry> properties;
+
+    Filter Create() const { return create(index); }
+    /// The place of a property by its id or the module's name for it; properties.size() where there is none.
+    size_t FindProperty(std::string_view name) const;
+    /// The same; throws Failure where there is none.
+    size_t RequireProperty(std::string_view name) const;
+};
+
+/// Made at the first call and kept. Throws std::bad_alloc.
+std::span<const EffectEntry> Effects();
+
+/// By id, GUID, title or name. Null, with a message, where there is none.
+const EffectEntry* FindEffect(std::string_view text);
+
+}  // namespace sfx
+
+#endif

@@ -1,0 +1,34 @@
+// The file system and the environment, as far as the library needs them. Nothing here throws but
+// std::bad_alloc.
+#ifndef SPECIALEFFECTS_SFX_FILES_H
+#define SPECIALEFFECTS_SFX_FILES_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sfx {
+
+/// Only such files are opened: a pipe could block for ever.
+bool IsRegularFile(const std::string& path);
+
+/// The whole of a regular file of at most 16 MB; nothing where it cannot be read.
+std::optional<std::string> ReadTextFile(const std::string& path);
+
+/// Makes a folder and those above it; false where that fails.
+bool MakeFolder(const std::string& path);
+
+bool RenameFile(const std::string& from, const std::string& to);
+void RemoveFile(const std::string& path);
+
+std::string JoinPath(const std::string& folder, const std::string& name);
+
+/// Where data files can have been installed, beginning with the places next to this library.
+const std::vector<std::string>& InstalledFolders();
+/// The user's, by the XDG base directory specification; empty without a home.
+std::string CacheFolder();
+std::string ConfigFolder();
+
+}  // namespace sfx
+
+#endif

@@ -1,0 +1,194 @@
+#include "sfx/Link.h"
+
+#include <cstring>
+#include <utility>
+
+#include "framework/AdditiveRandom.h"
+#include "framework/Surroundings.h"
+#include "sfx/DataFiles.h"
+#include "sfx/Files.h"
+#include "sfx/Guard.h"
+
+namespace sfx {
+namespace {
+
+/// What an effect sees that does nothing but make its data file, at a path of its own.
+class MakerSurroundings final : public Surroundings {
+  public:
+    explicit MakerSurroundings(std::string path) : path_(std::move(path)) {}
+
+    int64_t Milliseconds() override { return 0; }
+    int32_t Rand() override { return random_.Next(); }
+    void Srand(uint32_t seed) override { random_.Seed(seed); }
+    std::string DataFile(const std::string&) override { return IsRegularFile(path_) ? path_ : std::string(); }
+    std::string NewDataFile(const std::string&) override { return path_; }
+
+  private:
+    std::string path_;
+    AdditiveRandom random_;
+};
+
+void Configure(CSpecialEffectFilter& filter, const char* name, int32_t width, int32_t height) {
+    StreamDescription stream{0, width, height, kFormatPlanar};
+    if (filter.Configure(&stream) != kSuccess) {
+        throw Failure{Tell(SFX_ERROR_FAILED, "%s refuses frames of %d by %d", name, static_cast<int>(width),
+                           static_cast<int>(height))};
+    }
+}
+
+ResultCode LoadSettingsFile(CSpecialEffectFilter& filter, std::string path) {
+    char name[] = "";
+    SettingsRecord record{0, name, path.data(), {0, 0}};
+    return filter.LoadSettings(&record);
+}
+
+}  // namespace
+
+/// A clock that follows the time stamps, a generator and a place for data files of the effect's own.
+class LinkSurroundings final : public Surroundings {
+  public:
+    LinkSurroundings(const EffectEntry& effect, uint32_t seed, std::string dataFolder)
+        : effect_(effect), seed_(seed), dataFolder_(std::move(dataFolder)), random_(seed) {}
+
+    int64_t Milliseconds() override { return milliseconds_; }
+    void SetTime(int64_t nanoseconds) { milliseconds_ = kFirstMillisecond + nanoseconds / 1000000; }
+
+    int32_t Rand() override { return random_.Next(); }
+    /// An effect that seeds from the clock still depends on the seed: the default one changes nothing.
+    void Srand(uint32_t seed) override { random_.Seed(seed + seed_ - SFX_DEFAULT_SEED); }
+
+    std::string DataFile(const std::string& name) override {
+        std::string path = FindDataFile(name, dataFolder_);
+        if (effect_.info.data_file != nullptr && name == effect_.info.data_file) {
+            isMissing_ = path.empty();
+        }
+        return path;
+    }
+    /// An object of its own makes the file, so that it is the same whatever the seed; nothing is left to do.
+    std::string NewDataFile(const std::string& name) override {
+        FindOrMakeDataFile(name, dataFolder_, [this](const std::string& path) {
+            constexpr int32_t kSmall = 16;
+            MakerSurroundings surroundings(path);
+            const SurroundingsScope scope(surroundings);
+            Configure(*effect_.Create(), effect_.info.id, kSmall, kSmall);
+        });
+        return {};
+    }
+    bool IsDataMissing() const { return isMissing_; }
+
+  private:
+    /// What the module's own clock starts with.
+    static constexpr int64_t kFirstMillisecond = 2000;
+
+    const EffectEntry& effect_;
+    uint32_t seed_;
+    std::string dataFolder_;
+    AdditiveRandom random_;
+    int64_t milliseconds_ = kFirstMillisecond;
+    bool isMissing_ = false;
+};
+
+Link::Link(LinkText text) : text_(std::move(text)) {}
+Link::Link(Link&&) noexcept = default;
+Link& Link::operator=(Link&&) noexcept = default;
+Link::~Link() = default;
+
+Link Link::Clone() const {
+    Link copy(text_);
+    copy.settingsFile_ = settingsFile_;
+    return copy;
+}
+
+const char* Link::Start(int32_t width, int32_t height, uint32_t seed, const std::string& dataFolder) {
+    Stop();
+    surroundings_ = std::make_unique<LinkSurroundings>(Effect(), seed, dataFolder);
+    const SurroundingsScope scope(*surroundings_);
+    filter_ = Effect().Create();
+    // Before, since some effects build tables from them, and after, since some start over with their own.
+    ApplySettings();
+    Configure(*filter_, Effect().info.id, width, height);
+    if (!settingsFile_.empty()) {
+        LoadSettingsFile(*filter_, settingsFile_);
+    }
+    ApplySettings();
+    return surroundings_->IsDataMissing() ? Effect().info.data_file : nullptr;
+}
+
+void Link::Stop() {
+    filter_.reset();
+    surroundings_.reset();
+}
+
+ResultCode Link::Process(const WorkFrame::Planes& planes, int64_t time) {
+    surroundings_->SetTime(time);
+    const SurroundingsScope scope(*surroundings_);
+    const auto chromaSize = static_cast<int32_t>(planes.ChromaSize());
+    ImageRecord image{kFormatPlanar,
+                      {planes.y, planes.u, planes.v},
+                      0,
+                      {static_cast<int32_t>(planes.LumaSize()), chromaSize, chromaSize}};
+    FrameRecord frame{{0, 0, 0}, &image};
+    return filter_->ProcessFrame(&frame);
+}
+
+void Link::Set(size_t property, int32_t value) {
+    text_.settings[property] = value;
+    if (filter_ != nullptr) {
+        const SurroundingsScope scope(*surroundings_);
+        Effect().properties[property].Set(*filter_, value);
+    }
+}
+
+int32_t Link::Get(size_t property) const {
+    const PropertyEntry& entry = Effect().properties[property];
+    if (filter_ != nullptr) {
+        const SurroundingsScope scope(*surroundings_);
+        return entry.Get(*filter_);
+    }
+    return text_.settings[property].value_or(entry.info.start);
+}
+
+void Link::SetDefaults() {
+    settingsFile_.clear();
+    for (size_t i = 0; i < text_.settings.size(); ++i) {
+        Set(i, Effect().properties[i].info.start);
+        text_.settings[i].reset();
+    }
+}
+
+void Link::ApplySettings() {
+    for (size_t i = 0; i < text_.settings.size(); ++i) {
+        if (text_.settings[i]) {
+            Effect().properties[i].Set(*filter_, *text_.settings[i]);
+        }
+    }
+}
+
+bool Link::TakesSettingsFile() const {
+    // Those that do refuse a null record; all others accept anything.
+    return Effect().Create()->LoadSettings(static_cast<SettingsRecord*>(nullptr)) != kSuccess;
+}
+
+void Link::LoadSettings(const std::string& path) {
+    const Filter own = filter_ == nullptr ? Effect().Create() : nullptr;
+    CSpecialEffectFilter& filter = own != nullptr ? *own : *filter_;
+    MakerSurroundings none{std::string()};
+    const SurroundingsScope scope(surroundings_ != nullptr ? static_cast<Surroundings&>(*surroundings_)
+                                                           : none);
+    std::vector<int32_t> before;
+    for (const PropertyEntry& property : Effect().properties) {
+        before.push_back(property.Get(filter));
+    }
+    if (LoadSettingsFile(filter, path) != kSuccess) {
+        throw Failure{
+            Tell(SFX_ERROR_FILE, "%s does not take the settings file %s", Effect().info.id, path.c_str())};
+    }
+    settingsFile_ = path;
+    for (size_t i = 0; i < before.size(); ++i) {
+        if (const int32_t value = Effect().properties[i].Get(filter); value != before[i]) {
+            text_.settings[i] = value;
+        }
+    }
+}
+
+}  // namespace sfx

@@ -1,0 +1,57 @@
+// One effect of a row: the module's object, its settings and its surroundings.
+#ifndef SPECIALEFFECTS_SFX_LINK_H
+#define SPECIALEFFECTS_SFX_LINK_H
+
+#include <memory>
+#include <string>
+
+#include "sfx/EffectText.h"
+#include "sfx/WorkFrame.h"
+
+namespace sfx {
+
+class LinkSurroundings;
+
+/// Belongs to one thread at a time.
+class Link {
+  public:
+    explicit Link(LinkText text);
+    Link(Link&&) noexcept;
+    Link& operator=(Link&&) noexcept;
+    ~Link();
+
+    /// The same settings, not started.
+    Link Clone() const;
+
+    const EffectEntry& Effect() const { return *text_.effect; }
+    const LinkText& Text() const { return text_; }
+
+    /// Makes a new object for frames of this size, which are even; the old one goes first. The name of a data
+    /// file that is missing, or null. Throws std::bad_alloc, or Failure where the effect refuses.
+    const char* Start(int32_t width, int32_t height, uint32_t seed, const std::string& dataFolder);
+    void Stop();
+
+    /// Changes a frame at a time in nanoseconds since the first one.
+    ResultCode Process(const WorkFrame::Planes& planes, int64_t time);
+
+    /// `value` is within the property's bounds.
+    void Set(size_t property, int32_t value);
+    int32_t Get(size_t property) const;
+    void SetDefaults();
+
+    /// A settings file, for effects that take one. Throws Failure where it is not one.
+    bool TakesSettingsFile() const;
+    void LoadSettings(const std::string& path);
+
+  private:
+    void ApplySettings();
+
+    LinkText text_;
+    std::string settingsFile_;  ///< of effects that keep what it says nowhere else
+    std::unique_ptr<LinkSurroundings> surroundings_;
+    Filter filter_;  ///< null until started
+};
+
+}  // namespace sfx
+
+#endif

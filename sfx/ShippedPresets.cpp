@@ -1,0 +1,4 @@
+#include "sfx/Presets.h"
+namespace sfx {
+const char kShippedPresets[] = "";
+}
