@@ -96,15 +96,11 @@ void CFishEyeSpecialEffectFilter::PaintFirstPixel(const ImageRecord& image) cons
 
     const int planes = packed ? 1 : 3;
     if (std::find(image.Plane, image.Plane + planes, nullptr) != image.Plane + planes) return;
-    image.Plane[0][0] = 0;
-
-    // A chroma plane can be there and be empty: the stream tells, or the frame itself when it is not of the
-    // stream.
-    const StreamDescription* const stream = ReadyStream();
-    const bool ofTheStream = stream != nullptr && stream->Format == image.Format;
-    for (int i = 1; i < planes; ++i) {
-        const bool hasPixels = ofTheStream ? stream->Width > 1 && stream->Height > 1 : image.PlaneSize[i] > 0;
-        if (hasPixels) image.Plane[i][0] = 128;
+    for (int i = 0; i < planes; ++i) {
+        const int32_t smallestSide = i == 0 ? 1 : 2;
+        const bool hasPixels = image.Format == StoredStream.Format && StoredStream.Width >= smallestSide &&
+                               StoredStream.Height >= smallestSide;
+        if (image.PlaneSize[i] > 0 || hasPixels) image.Plane[i][0] = i == 0 ? 0 : 128;
     }
 }
 

@@ -20,8 +20,8 @@ class CFishEyeSpecialEffectFilter final
     /// Always kSuccess; the frames of a stream that is not served are refused. Sets `EffectType` to 1.
     ResultCode Configure(StreamDescription* description) override;
     /// Paints the first pixel of frames that are refused afterwards, too: of a planar frame that has its
-    /// three planes, and the first byte of a packed one. The chroma of a frame that is not of the stream is
-    /// painted only where the frame says that it has some.
+    /// three planes, and the first byte of a packed one. A plane is painted when the frame says that it has
+    /// bytes, or when the frame has the configured format and the plane has pixels at the configured size.
     ResultCode ProcessFrame(FrameRecord* frame) override;
     void BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) override;
 

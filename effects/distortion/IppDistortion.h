@@ -30,9 +30,6 @@ class CSpecialEffectFilter_IppDistortion : public CSpecialEffectFilter {
   protected:
     ~CSpecialEffectFilter_IppDistortion() = default;
 
-    /// The stream whose frames are processed, or null when there is no workspace.
-    const StreamDescription* ReadyStream() const { return Scratch.empty() ? nullptr : &Stream; }
-
   private:
     CGatherMap BuildMap(int32_t width, int32_t height, int32_t pixelBytes);
 

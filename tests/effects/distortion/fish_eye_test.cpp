@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "tests/effects/distortion/remap_model.h"
 
@@ -160,11 +162,6 @@ TEST(FishEye, PaintsTheFirstPixelOfRefusedFramesToo) {
     EXPECT_EQ(frame.v()[0], 128);
     EXPECT_EQ(frame.v()[1], 70);
 
-    TestFrame untold = TestFrame(8, 8).Fill(50, 60, 70);
-    std::fill_n(untold.image().PlaneSize, 3, 0);
-    EXPECT_EQ(effect.Process(untold), kFailure);
-    EXPECT_EQ(untold.y()[0], 0);  // whatever the frame says of its size
-
     ASSERT_EQ(effect.Configure(8, 8), kSuccess);
     TestFrame packed = TestFrame(8, 8, kFormatPacked).Fill(50, 0, 0);
     EXPECT_EQ(effect.Process(packed), kFailure);
@@ -185,15 +182,61 @@ TEST(FishEye, PaintsTheFirstPixelOfRefusedFramesToo) {
     EXPECT_EQ(other.y()[0], 50);
 }
 
+/// The first bytes of a frame's planes after it went through `effect`, which were 50, 60 and 70.
+std::string FirstBytes(EffectDriver& effect, int32_t format, const int32_t (&planeSizes)[3]) {
+    TestFrame frame = TestFrame(8, 8).Fill(50, 60, 70);
+    frame.image().Format = format;
+    std::copy_n(planeSizes, 3, frame.image().PlaneSize);
+    effect.Process(frame);
+    return std::to_string(frame.y()[0]) + " " + std::to_string(frame.u()[0]) + " " +
+           std::to_string(frame.v()[0]);
+}
+
+TEST(FishEye, PaintsPlanesThatTheFrameOrTheStreamGivesPixels) {
+    constexpr int32_t none[] = {0, 0, 0}, all[] = {64, 16, 16}, mixed[] = {-1, 1, 0};
+    constexpr int32_t other = 1;
+    struct Case {
+        int32_t width, height, format;  ///< of the stream
+        const char *planarNone, *planarMixed, *packedNone, *packedAll;
+    };
+    for (const Case& stream : {
+             Case{0, 0, kFormatPlanar, "50 60 70", "50 128 70", "50 60 70", "0 60 70"},
+             Case{0, 5, kFormatPlanar, "50 60 70", "50 128 70", "50 60 70", "0 60 70"},
+             Case{5, -1, kFormatPlanar, "50 60 70", "50 128 70", "50 60 70", "0 60 70"},
+             Case{1, 5, kFormatPlanar, "0 60 70", "0 128 70", "50 60 70", "0 60 70"},
+             Case{5, 1, kFormatPlanar, "0 60 70", "0 128 70", "50 60 70", "0 60 70"},
+             Case{2, 2, kFormatPlanar, "0 128 128", "0 128 128", "50 60 70", "0 60 70"},
+             Case{20000, 2, kFormatPlanar, "0 128 128", "0 128 128", "50 60 70", "0 60 70"},
+             Case{1, 1, kFormatPacked, "50 60 70", "50 128 70", "0 60 70", "0 60 70"},
+             Case{0, 1, kFormatPacked, "50 60 70", "50 128 70", "50 60 70", "0 60 70"},
+             Case{8, 8, other, "50 60 70", "50 128 70", "50 60 70", "0 60 70"},
+         }) {
+        SCOPED_TRACE(testing::Message()
+                     << stream.width << " by " << stream.height << ", format " << stream.format);
+        EffectDriver effect(kGuid);
+        EXPECT_EQ(effect.Configure(stream.width, stream.height, stream.format), kSuccess);
+        for (const bool shutDown : {false, true}) {
+            if (shutDown) effect->Shutdown();  // the stream stays known
+            EXPECT_EQ(FirstBytes(effect, kFormatPlanar, none), stream.planarNone);
+            EXPECT_EQ(FirstBytes(effect, kFormatPlanar, mixed), stream.planarMixed);
+            EXPECT_EQ(FirstBytes(effect, kFormatPlanar, all), "0 128 128");
+            EXPECT_EQ(FirstBytes(effect, kFormatPacked, none), stream.packedNone);
+            EXPECT_EQ(FirstBytes(effect, kFormatPacked, all), stream.packedAll);
+            EXPECT_EQ(FirstBytes(effect, other, all), "50 60 70");
+        }
+    }
+}
+
 TEST(FishEye, PaintsNothingInEmptyPlanes) {
-    EffectDriver effect(kGuid);
-    TestFrame frame(1, 9);
-    EXPECT_EQ(effect.Process(frame), kFailure);  // the frame says that its chroma planes are empty
-    EXPECT_TRUE(frame.GuardsIntact());
-    ASSERT_EQ(effect.Configure(1, 9), kSuccess);
-    frame.image().PlaneSize[1] = frame.image().PlaneSize[2] = 100;
-    EXPECT_EQ(effect.Process(frame), kSuccess);
-    EXPECT_TRUE(frame.GuardsIntact());
+    for (const auto& [width, height] : {std::pair{0, 5}, {5, 0}, {0, 0}, {1, 9}, {9, 1}, {1, 1}}) {
+        EffectDriver effect(kGuid);
+        TestFrame frame(width, height);
+        EXPECT_EQ(effect.Process(frame), kFailure);
+        EXPECT_TRUE(frame.GuardsIntact());
+        ASSERT_EQ(effect.Configure(width, height), kSuccess);
+        EXPECT_EQ(effect.Process(frame), width > 0 && height > 0 ? kSuccess : kFailure);
+        EXPECT_TRUE(frame.GuardsIntact()) << width << " by " << height;
+    }
 }
 
 TEST(FishEye, ShowsTheDiscOnBlack) {
