@@ -20,6 +20,7 @@ cascade=$build/share/specialeffects/haar.txt  # not there without opencv-data
 [ ! -e "$cascade" ] || made_from+=("$cascade")
 mkdir -p "$out/pictures" "$out/clips" "$out/work"
 out=$(realpath "$out")
+lowered=$out/work/lowered.png
 
 # Whether a file is newer than all that it is made from: is_fresh FILE [FURTHER_SOURCE...]
 is_fresh() {
@@ -38,6 +39,15 @@ request_of() {
     esac
 }
 
+# What the camera sees. Picture Me needs room above the head: it copies a square round the face, which the portrait's
+# upper edge would cut off.
+portrait_of() {
+    case $1 in
+        picture-me) echo "$lowered" ;;
+        *) echo "$portrait" ;;
+    esac
+}
+
 # The frame that becomes the picture: one that is typical.
 shown_of() {
     case $1 in
@@ -48,16 +58,17 @@ shown_of() {
 
 # One effect: its clip and its picture. In a directory of its own, since some effects keep files where they run.
 make_effect() {
-    local name=$1 request
+    local name=$1 request seen
     request=$(request_of "$name")
+    seen=$(portrait_of "$name")
     mkdir -p "$out/work/$name"
     cd "$out/work/$name"
-    "$program" apply --quiet --seed 1 -e "$request" --frames $frames "still:$portrait" "$out/clips/$name.mp4"
-    "$program" apply --quiet --seed 1 -e "$request" --frame "$(shown_of "$name")" "still:$portrait" "$out/pictures/$name.png"
+    "$program" apply --quiet --seed 1 -e "$request" --frames $frames "still:$seen" "$out/clips/$name.mp4"
+    "$program" apply --quiet --seed 1 -e "$request" --frame "$(shown_of "$name")" "still:$seen" "$out/pictures/$name.png"
     echo "  $name"
 }
-export -f make_effect request_of shown_of
-export program portrait frames out
+export -f make_effect request_of portrait_of shown_of
+export program portrait lowered frames out
 
 # The names in the module's order, and what a person calls them.
 list=$("$program" list --all --json)
@@ -70,6 +81,7 @@ for name in "${names[@]}"; do
     is_fresh "$out/clips/$name.mp4" && is_fresh "$out/pictures/$name.png" || stale+=("$name")
 done
 if [ ${#stale[@]} -gt 0 ]; then
+    convert "$portrait" -virtual-pixel edge -distort ScaleRotateTranslate '0,0 1 0 0,48' "$lowered"
     echo "Running ${#stale[@]} effects over $frames frames each"
     printf '%s\n' "${stale[@]}" | xargs -P "$(nproc)" -I{} bash -c 'make_effect {}'
 fi
