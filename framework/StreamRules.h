@@ -65,18 +65,6 @@ struct PlanarFrame {
         std::memset(v.data, vValue, QuarterBytes(v));
     }
 
-    /// Whether the chroma planes can take (width + 1) / 2 by (height + 1) / 2 samples, as conversions from
-    /// packed pixels write them at odd sizes. A host that tells no size (0 or less) is taken to have them,
-    /// unless the format's own chroma planes are empty at this size, which is what a size of 0 then means.
-    bool HoldsRoundedUpChroma() const {
-        const int64_t needed = (int64_t{y.width} + 1) / 2 * ((int64_t{y.height} + 1) / 2);
-        const auto holds = [&](const FramePlane& chroma) {
-            const int64_t own = int64_t{chroma.width} * chroma.height;
-            return own == needed || chroma.size >= needed || (chroma.size <= 0 && own > 0);
-        };
-        return holds(u) && holds(v);
-    }
-
   private:
     size_t QuarterBytes(const FramePlane& chroma) const {
         const int64_t held = int64_t{chroma.width} * chroma.height;

@@ -1,6 +1,7 @@
 #include "effects/drawing/ComicBook.h"
 
 #include "imaging/PerLevel.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -77,8 +78,16 @@ SE_INLINE void Print(uint8_t* luma, uint8_t* u, uint8_t* v, ptrdiff_t width, ptr
 
 }  // namespace
 
+void CComicBookSpecialEffectFilter::Prepare() {
+    Chroma.Prepare(Width(), Height());
+}
+
+void CComicBookSpecialEffectFilter::Release() {
+    ReleaseMemory(Chroma);
+}
+
 ResultCode CComicBookSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    if (!frame.HoldsRoundedUpChroma()) return kInvalidArgument;
-    AtLevel<Print>(frame.y.data, frame.u.data, frame.v.data, Width(), Height());
-    return kSuccess;
+    return Chroma.Apply(frame, [this](uint8_t* const planes[3]) {
+        AtLevel<Print>(planes[0], planes[1], planes[2], Width(), Height());
+    });
 }

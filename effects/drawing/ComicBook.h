@@ -3,6 +3,7 @@
 #define SPECIALEFFECTS_EFFECTS_DRAWING_COMICBOOK_H
 
 #include "framework/EffectBase.h"
+#include "framework/RoundedChroma.h"
 
 /// Every pixel becomes one of the corners of the colour cube: red, green and blue are each printed in full or
 /// not at all. What comes out is what widening the frame to packed pixels, reducing them to two levels and
@@ -11,9 +12,13 @@ class CComicBookSpecialEffectFilter final : public PlanarEffect<CComicBookSpecia
   public:
     static constexpr const char* DisplayName = "Comic Book";
 
-    /// Chroma is (width + 1) / 2 by (height + 1) / 2 samples here; at odd sizes a frame that says that its
-    /// chroma planes are smaller is refused with kInvalidArgument.
+    void Prepare();
+    void Release();
+    /// kInvalidArgument when a chroma plane is too small: see CRoundedChroma.
     ResultCode ProcessPlanar(const PlanarFrame& frame);
+
+  private:
+    CRoundedChroma Chroma;
 };
 
 #endif

@@ -17,19 +17,19 @@ constexpr float kColorTwistMatrix[12] = {
 
 void CSepiaSpecialEffectFilter::Prepare() {
     Workspace.resize(PackedBytes(Width(), Height()));
+    Chroma.Prepare(Width(), Height());
 }
 
 void CSepiaSpecialEffectFilter::Release() {
-    ReleaseMemory(Workspace);
+    ReleaseMemory(Workspace, Chroma);
 }
 
 ResultCode CSepiaSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    if (!frame.HoldsRoundedUpChroma()) return kInvalidArgument;
-    uint8_t* const planes[3] = {frame.y.data, frame.u.data, frame.v.data};
-    PrimYuv420ToRgb(planes, Workspace.data(), Width(), Height());
-    PrimColorTwist8uC3(Workspace.data(), 3 * Width(), Width(), Height(), kColorTwistMatrix);
-    PrimRgbToYuv420(Workspace.data(), planes, Width(), Height());
-    return kSuccess;
+    return Chroma.Apply(frame, [this](uint8_t* const planes[3]) {
+        PrimYuv420ToRgb(planes, Workspace.data(), Width(), Height());
+        PrimColorTwist8uC3(Workspace.data(), 3 * Width(), Width(), Height(), kColorTwistMatrix);
+        PrimRgbToYuv420(Workspace.data(), planes, Width(), Height());
+    });
 }
 
 ResultCode CSepiaSpecialEffectFilter::ProcessPacked(uint8_t* pixels) {

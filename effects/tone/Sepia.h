@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "framework/EffectBase.h"
+#include "framework/RoundedChroma.h"
 
 /// Works on packed pixels, red first. Planar frames go through a packed workspace and come back with their
 /// chroma at the resolution of the planes.
@@ -14,14 +15,14 @@ class CSepiaSpecialEffectFilter final : public PlanarEffect<CSepiaSpecialEffectF
 
     void Prepare();
     void Release();
-    /// At odd sizes the conversion back writes (width + 1) / 2 by (height + 1) / 2 chroma samples; a frame
-    /// that says that its chroma planes are smaller is refused with kInvalidArgument.
+    /// kInvalidArgument when a chroma plane is too small: see CRoundedChroma.
     ResultCode ProcessPlanar(const PlanarFrame& frame);
     /// Needs no workspace. Frames of a stream that `Configure` refused pass unchanged.
     ResultCode ProcessPacked(uint8_t* pixels);
 
   private:
     std::vector<uint8_t> Workspace;
+    CRoundedChroma Chroma;
 };
 
 #endif

@@ -12,8 +12,7 @@ enum {
     PACKED_TOO = 2,   /* processes format 2 */
     DISTORTION = 4,   /* Configure always succeeds; a missing workspace is noticed before a bad format */
     FIRST_BYTES = 8,  /* writes the first byte of each plane before anything else */
-    ODD_CHROMA = 16,  /* at odd sizes wants chroma planes of (W+1)/2 by (H+1)/2 */
-    FACES = 32        /* Picture Me */
+    FACES = 16        /* Picture Me */
 };
 
 typedef struct {

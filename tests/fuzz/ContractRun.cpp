@@ -306,8 +306,6 @@ class Host {
             // A frame that tells no size of a chroma plane is one of a host whose planes are rounded up.
             if (i > 0 && held[i] > 0 && sizes.told[i] <= 0)
                 sizes.held[i] = std::max(sizes.held[i], ((w + 1) / 2) * ((h + 1) / 2));
-            // This effect marks a black pixel at the start of each plane, whatever the size.
-            if (guest.marksPlanes) sizes.held[i] = std::max<size_t>(sizes.held[i], 1);
         }
         return sizes;
     }

@@ -46,7 +46,6 @@ class EffectDriver {
 struct ContractTraits {
     bool needsWorkspace = true;  ///< false: frames are processed before `Configure` and after `Shutdown`
     bool needsLuma = true;       ///< false: a null luma plane is accepted
-    bool servesOddSizes = true;  ///< false: refused, since chroma of (w / 2) by (h / 2) is too small for it
     bool planarOnly = true;      ///< false: packed frames are processed
     /// false: `Configure` answers 0 to everything, and frames of a stream that is not served find no
     /// workspace

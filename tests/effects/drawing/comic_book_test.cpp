@@ -46,7 +46,7 @@ void ComicBookModel(Planes& p) {
 }
 
 TEST(ComicBook, KeepsTheContract) {
-    drawing_model::ExpectEffect(kGuid, "Comic Book", {.servesOddSizes = false});
+    drawing_model::ExpectEffect(kGuid, "Comic Book");
     drawing_model::ExpectNoProperties(kGuid);
 }
 
@@ -127,20 +127,6 @@ TEST(ComicBook, MidGreyTurnsBlackOrWhiteAsAWhole) {
         ASSERT_EQ(effect.Process(frame), kSuccess);
         EXPECT_EQ(frame, TestFrame(16, 16).Fill(grey < 128 ? 0 : 255, 128, 128)) << grey;
     }
-}
-
-TEST(ComicBook, AtOddSizesNeedsTheRoundedUpChroma) {
-    EffectDriver effect(kGuid);
-    ASSERT_EQ(effect.Configure(5, 3), kSuccess);
-    Planes planes(5, 3);
-    std::fill(planes.y.begin(), planes.y.end(), uint8_t{100});
-    ImageRecord image{kFormatPlanar, {planes.y.data(), planes.u.data(), planes.v.data()}, 0, {15, 6, 5}};
-    FrameRecord frame{{}, &image};
-    EXPECT_EQ(effect->ProcessFrame(&frame), kInvalidArgument);
-    EXPECT_EQ(planes.y[0], 100);
-    image.PlaneSize[2] = 6;
-    EXPECT_EQ(effect->ProcessFrame(&frame), kSuccess);
-    EXPECT_NE(planes.y[14], 100);
 }
 
 }  // namespace

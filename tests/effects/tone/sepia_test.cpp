@@ -68,7 +68,7 @@ void SepiaModel(TestFrame& frame) {
 TEST(Sepia, KeepsTheContract) {
     EffectDriver effect(kGuid);
     EXPECT_EQ(effect.Name(), "Sepia");
-    ExpectContract(effect, {.servesOddSizes = false, .planarOnly = false});
+    ExpectContract(effect, {.planarOnly = false});
 }
 
 TEST(Sepia, TintsPackedPixelsInPlace) {
@@ -115,22 +115,6 @@ TEST(Sepia, EqualsItsModelOnPlanarFrames) {
             ASSERT_EQ(FirstDifference(frame, expected), "") << w << " by " << h << ", frame " << i;
         }
     }
-}
-
-TEST(Sepia, AtOddSizesNeedsTheRoundedUpChroma) {
-    EffectDriver effect(kGuid);
-    ASSERT_EQ(effect.Configure(5, 3), kSuccess);
-    std::vector<uint8_t> luma(15, 100), u(6, 90), v(6, 170);
-    ImageRecord image{kFormatPlanar, {luma.data(), u.data(), v.data()}, 0, {15, 6, 5}};
-    FrameRecord frame{{}, &image};
-    EXPECT_EQ(effect->ProcessFrame(&frame), kInvalidArgument);
-    EXPECT_EQ(luma[0], 100);
-    image.PlaneSize[2] = 6;
-    EXPECT_EQ(effect->ProcessFrame(&frame), kSuccess);
-    EXPECT_NE(luma[14], 100);
-    EXPECT_NE(u[5], 90);
-    image.PlaneSize[1] = 0;  // not told: taken to be there
-    EXPECT_EQ(effect->ProcessFrame(&frame), kSuccess);
 }
 
 TEST(Sepia, PackedFramesNeedNoWorkspace) {
