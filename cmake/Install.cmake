@@ -5,6 +5,8 @@ install(TARGETS specialeffects EXPORT specialeffects-targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES framework/SpecialEffectFilter.h framework/SpecialEffectFactory.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/specialeffects/framework)
+# The library contains glyphs, whose licence has to go with every copy.
+install(FILES effects/animated/GlyphTable.license.txt DESTINATION ${CMAKE_INSTALL_DATADIR}/specialeffects)
 
 install(EXPORT specialeffects-targets NAMESPACE specialeffects::
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/specialeffects)

@@ -32,10 +32,10 @@ int main(int argc, char** argv) {
     std::printf(
         "// Written by tools/make_glyphs from %s %s: do not edit.\n"
         "//\n"
-        "// The DejaVu fonts are free: they build on Bitstream Vera (copyright 2003 Bitstream, Inc.), whose "
-        "licence\n"
-        "// permits use, embedding and redistribution; the changes of the DejaVu project are in the public "
-        "domain.\n"
+        "// Copyright (c) 2003 by Bitstream, Inc.; the changes of the DejaVu project are in the public "
+        "domain. The "
+        "licence,\n"
+        "// which has to go with every copy, is in GlyphTable.license.txt.\n"
         "#include \"effects/animated/GlyphTable.h\"\n\n"
         "// clang-format off\n"
         "const uint8_t kGlyphs[kGlyphCount][kGlyphWidth * kGlyphHeight] = {\n",
