@@ -28,6 +28,9 @@ struct CScaleEntry {
 class CFaceDetector {
   public:
     static constexpr int32_t kFramesInCycle = 4;
+    /// How much the stages may do in a frame, so that no cascade stalls it: some 50 ms. A unit is a window
+    /// tried or a rectangle summed up in one. Trained cascades need a hundredth of it.
+    static constexpr int64_t kMostFrameWork = int64_t{1} << 24;
 
     /// The cascade that the next `Initialize` reads; an empty path means the data file haar.txt. Null is
     /// ignored.
@@ -54,8 +57,8 @@ class CFaceDetector {
     /// plane is left out.
     void DrawFaces(CPlane8u& plane) const;
 
-    /// One pass at one scale, its hits collected. 0, or -1 when a primitive failed or the stages have done as
-    /// much in this frame as they may.
+    /// One pass at one scale, its hits collected. 0, or -1 when a primitive failed or a stage would exceed
+    /// `kMostFrameWork`.
     int32_t DetectAtScale(const CPlane8u& plane, float scale);
 
     /// Marks the edges of a picture: type 0 by 3 by 3 Sobel, 1 by 5 by 5 Sobel, 2 by 3 by 3 Scharr gradients.
@@ -73,7 +76,7 @@ class CFaceDetector {
     const std::vector<CFaceRect>& PreviousFaces() const { return previousFaces; }
     const CHitStore* Hits() const { return hitStore.get(); }
     int32_t MinFaceSize() const { return minFaceSize; }
-    /// What the stages have done in the last frame, in rectangles summed up.
+    /// What the stages have done in the last frame, in the units of `kMostFrameWork`.
     int64_t FrameWork() const { return frameWork; }
 
   private:
