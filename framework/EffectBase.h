@@ -19,10 +19,13 @@
 #define SPECIALEFFECTS_FRAMEWORK_EFFECTBASE_H
 
 #include <algorithm>
+#include <memory>
 #include <new>
 #include <span>
 #include <type_traits>
+#include <vector>
 
+#include "framework/EffectClass.h"
 #include "framework/Property.h"
 #include "framework/PropertyText.h"
 #include "framework/SpecialEffectFilter.h"
@@ -280,5 +283,23 @@ class PlanarEffect : public EffectBase<Effect> {
     StreamDescription stream_{};
     bool hasWorkspace_ = false;
 };
+
+template <class Effect>
+CSpecialEffectFilter* EffectClass<Effect>::Make(int32_t variant) {
+    if constexpr (std::is_constructible_v<Effect, int32_t>) {
+        return std::make_unique<Effect>(variant).release();
+    } else {
+        return std::make_unique<Effect>().release();
+    }
+}
+
+template <class Effect>
+std::vector<PropertyWords> EffectClass<Effect>::Words() {
+    std::vector<PropertyWords> words;
+    for (const Property<Effect>& row : Effect::Properties()) {
+        words.push_back({row.name, row.description, row.values});
+    }
+    return words;
+}
 
 #endif

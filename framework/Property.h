@@ -5,8 +5,10 @@
 //
 //     std::span<const Property<CRain>> CRain::Properties() {
 //         static constexpr Property<CRain> rows[] = {
-//             IntegerProperty<&CRain::DropPeriod>("DropPeriod", "1", "1,20"),
+//             IntegerProperty<&CRain::DropPeriod>("DropPeriod", "1", "1,20")
+//                 .Says("Frames between two drops."),
 //             IntegerProperty<&CRain::DropSize>("DropSize", "3", "2,16")
+//                 .Says("Radius of a drop in pixels.")
 //                 .OnSet([](CRain& rain, int32_t size) {
 //                     rain.DropSize = size;
 //                     rain.StampReady = false;
@@ -19,7 +21,9 @@
 
 #include <cstdint>
 #include <limits>
+#include <span>
 
+#include "framework/PropertyWords.h"
 #include "framework/SpecialEffectFilter.h"
 
 /// Values travel as int32_t: a boolean as 0 or 1, a colour as its bit pattern.
@@ -35,7 +39,17 @@ struct Property {
     int32_t lowest, highest;  ///< bounds of an integer, applied before `set`
     Getter get;
     Setter set;
+    const char* description = "";         ///< one sentence, for hosts of our own
+    std::span<const ValueName> values{};  ///< names of an enumerated integer's values
 
+    /// The same row with a sentence that says what the property does and, where its values are a choice,
+    /// their names.
+    constexpr Property Says(const char* sentence, std::span<const ValueName> names = {}) const {
+        Property row = *this;
+        row.description = sentence;
+        row.values = names;
+        return row;
+    }
     /// The same row with other bounds than the range text says.
     constexpr Property ClampedTo(int32_t lo, int32_t hi) const {
         Property row = *this;
@@ -88,7 +102,9 @@ constexpr Property<OwnerOf<Member>> Row(PropTypeSet type, const char* name, cons
             lowest,
             highest,
             [](const Effect& effect) { return static_cast<int32_t>(effect.*Member); },
-            [](Effect& effect, int32_t value) { effect.*Member = static_cast<ValueOf<Member>>(value); }};
+            [](Effect& effect, int32_t value) { effect.*Member = static_cast<ValueOf<Member>>(value); },
+            "",
+            {}};
 }
 
 }  // namespace property_detail
@@ -129,7 +145,9 @@ constexpr Property<Effect> ColorProperty(const char* name, const char* defaultTe
             std::numeric_limits<int32_t>::min(),
             std::numeric_limits<int32_t>::max(),
             get,
-            set};
+            set,
+            "",
+            {}};
 }
 
 /// A property value from its text, and back into a buffer of `size` characters.

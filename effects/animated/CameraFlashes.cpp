@@ -4,13 +4,24 @@
 
 std::span<const Property<CCameraFlashesSpecialEffectFilter>> CCameraFlashesSpecialEffectFilter::Properties() {
     using Effect = CCameraFlashesSpecialEffectFilter;
+    static constexpr ValueName kModes[] = {
+        {1, "glows", "plain round glows"},
+        {2, "glares", "sharp points with wide halos"},
+        {3, "ragged-stars", "stars with spikes of random length"},
+        {4, "regular-stars", "stars with 3 to 7 even spikes"},
+        {5, "changing-stars", "stars that change their spikes"},
+        {6, "ringed-stars", "ragged stars in rings"},
+        {7, "random", "a random kind for each flare"},
+    };
     static constexpr Property<Effect> rows[] = {
-        IntegerProperty<&Effect::Mode>("Mode", "1", "1,7").OnGet([](const Effect& effect) {
-            return effect.ActiveMode;
-        }),
-        BooleanProperty<&Effect::Moving>("Moving", "TRUE"),
-        BooleanProperty<&Effect::Colorizing>("Colorizing", "TRUE"),
-        BooleanProperty<&Effect::Animation>("Animation", "TRUE"),
+        IntegerProperty<&Effect::Mode>("Mode", "1", "1,7")
+            .Says("Kind of the flares.", kModes)
+            .OnGet([](const Effect& effect) { return effect.ActiveMode; }),
+        BooleanProperty<&Effect::Moving>("Moving", "TRUE").Says("Whether the flares drift."),
+        BooleanProperty<&Effect::Colorizing>("Colorizing", "TRUE")
+            .Says("Whether the flares colour the picture, or only brighten it."),
+        BooleanProperty<&Effect::Animation>("Animation", "TRUE")
+            .Says("Whether the flares pulse and light up again elsewhere."),
     };
     return rows;
 }
@@ -36,3 +47,5 @@ void CCameraFlashesSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) 
     Field->RenderGlow(&y);
     if (Colorizing) Field->ColorizeChroma(&u, &v);
 }
+
+template struct EffectClass<CCameraFlashesSpecialEffectFilter>;

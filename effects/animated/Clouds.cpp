@@ -96,10 +96,19 @@ SE_INLINE void BlendColor(uint8_t* SE_RESTRICT pixels, const uint8_t* SE_RESTRIC
 std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter::Properties() {
     // What starts differs from the default text of the colour, and the lower bound of the intensity from its
     // range text: hosts know both.
+    static constexpr ValueName kTypes[] = {
+        {1, "veil", "an even veil"},
+        {2, "patches", "patches with clear sky between them"},
+        {3, "hanging", "clouds that hang from the upper edge"},
+    };
     static constexpr Property<CCloudsSpecialEffectFilter> rows[] = {
-        ColorProperty<&CCloudsSpecialEffectFilter::CloudColor>("CloudColor", "0,0,255"),
-        IntegerProperty<&CCloudsSpecialEffectFilter::Intensity>("Intensity", "90", "1,100").ClampedTo(0, 100),
-        IntegerProperty<&CCloudsSpecialEffectFilter::Type>("Type", "1", "1,3"),
+        ColorProperty<&CCloudsSpecialEffectFilter::CloudColor>("CloudColor", "0,0,255")
+            .Says("Colour of the clouds."),
+        IntegerProperty<&CCloudsSpecialEffectFilter::Intensity>("Intensity", "90", "1,100")
+            .Says("Opacity of the clouds in percent.")
+            .ClampedTo(0, 100),
+        IntegerProperty<&CCloudsSpecialEffectFilter::Type>("Type", "1", "1,3")
+            .Says("Shape of the clouds.", kTypes),
     };
     return rows;
 }
@@ -184,3 +193,5 @@ void CCloudsSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     AtLevel<BlendColor>(frame.v.data, SmallMask.data, color[2], SmallMask.Size());
     AtLevel<BlendColor>(frame.u.data, SmallMask.data, color[1], SmallMask.Size());
 }
+
+template struct EffectClass<CCloudsSpecialEffectFilter>;

@@ -102,3 +102,5 @@ void CFireSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     ResizePlane(FullU, u);
     ResizePlane(FullV, v);
 }
+
+template struct EffectClass<CFireSpecialEffectFilter>;

@@ -19,21 +19,32 @@ void Effect::SetAndRemake(Effect& effect, int32_t value) {
 template <size_t index>
 constexpr Property<Effect> Effect::ColorRow(const char* name) {
     return ColorProperty<Effect>(
-        name, "0,0,0", [](const Effect& effect) { return static_cast<int32_t>(effect.Colors[index]); },
-        [](Effect& effect, int32_t value) {
-            effect.Colors[index] = static_cast<uint32_t>(value);
-            effect.Dirty = true;
-        });
+               name, "0,0,0", [](const Effect& effect) { return static_cast<int32_t>(effect.Colors[index]); },
+               [](Effect& effect, int32_t value) {
+                   effect.Colors[index] = static_cast<uint32_t>(value);
+                   effect.Dirty = true;
+               })
+        .Says("One of the colours for the copies; black counts as none.");
 }
 
 std::span<const Property<Effect>> Effect::Properties() {
+    static constexpr ValueName kTypes[] = {
+        {kText, "text", "a short text"},
+        {kPicture, "picture", "the bitmap of the data file logo3.bmp, or a message where there is none"},
+    };
     static constexpr Property<Effect> rows[] = {
-        IntegerProperty<&Effect::ObjectsNumber>("Objects Number", "10", "1,40"),
-        IntegerProperty<&Effect::Type>("Type", "2", "1,2").OnSet(SetAndRemake<&Effect::Type>),
+        IntegerProperty<&Effect::ObjectsNumber>("Objects Number", "10", "1,40")
+            .Says("How many copies there are."),
+        IntegerProperty<&Effect::Type>("Type", "2", "1,2")
+            .Says("What the copies show.", kTypes)
+            .OnSet(SetAndRemake<&Effect::Type>),
         BooleanProperty<&Effect::MovingAnimation>("Moving Animation", "FALSE")
+            .Says("Whether the copies drift.")
             .OnSet(SetAndRemake<&Effect::MovingAnimation>),
-        BooleanProperty<&Effect::Colorize>("Colorize", "FALSE"),
+        BooleanProperty<&Effect::Colorize>("Colorize", "FALSE")
+            .Says("Whether the copies colour the picture, or only brighten it."),
         BooleanProperty<&Effect::RandomColors>("Random Colors", "FALSE")
+            .Says("Whether each copy gets a random colour, instead of one of those set.")
             .OnSet(SetAndRemake<&Effect::RandomColors>),
         ColorRow<0>("Color 1"),
         ColorRow<1>("Color 2"),
@@ -145,3 +156,5 @@ void Effect::ProcessPlanar(const PlanarFrame& frame) {
     if (MovingAnimation) CurrentField->MoveAll();
     CurrentField->RenderTinted(&y, &u, &v, Colorize);
 }
+
+template struct EffectClass<CLogoAnimationSpecialEffectFilter>;

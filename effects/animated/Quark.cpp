@@ -75,3 +75,5 @@ void CQuarkSpecialEffectFilter::ProcessPlane(const FramePlane& plane, History& h
     }
     AtLevel<PickSlots>(history.data(), window, plane.data, count);
 }
+
+template struct EffectClass<CQuarkSpecialEffectFilter>;

@@ -35,8 +35,10 @@ SE_INLINE bool IsLevel(const int16_t* above, const int16_t* row, const int16_t* 
 
 std::span<const Property<CRainSpecialEffectFilter>> CRainSpecialEffectFilter::Properties() {
     static constexpr Property<CRainSpecialEffectFilter> rows[] = {
-        IntegerProperty<&CRainSpecialEffectFilter::DropPeriod>("DropPeriod", "1", "1,20"),
+        IntegerProperty<&CRainSpecialEffectFilter::DropPeriod>("DropPeriod", "1", "1,20")
+            .Says("Frames from one drop to the next."),
         IntegerProperty<&CRainSpecialEffectFilter::DropSize>("DropSize", "3", "2,16")
+            .Says("Diameter of a drop in pixels.")
             .OnSet([](CRainSpecialEffectFilter& rain, int32_t size) {
                 rain.DropSize = size;
                 rain.StampReady = false;
@@ -142,3 +144,5 @@ void CRainSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     std::memcpy(luma, Output.data(), Output.size());
     CPlane8u::Over(luma, width, height).ReplicateBorder(1);
 }
+
+template struct EffectClass<CRainSpecialEffectFilter>;

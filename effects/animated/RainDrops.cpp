@@ -130,7 +130,8 @@ int32_t WaterGrid::ChooseDirection(int32_t x, int32_t y) const {
 
 std::span<const Property<CRainDropsSpecialEffectFilter>> CRainDropsSpecialEffectFilter::Properties() {
     static constexpr Property<CRainDropsSpecialEffectFilter> rows[] = {
-        IntegerProperty<&CRainDropsSpecialEffectFilter::RainRate>("RainRate", "5", "1,10"),
+        IntegerProperty<&CRainDropsSpecialEffectFilter::RainRate>("RainRate", "5", "1,10")
+            .Says("How hard it rains."),
     };
     return rows;
 }
@@ -194,3 +195,5 @@ void CRainDropsSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     }
     Grid.Run();
 }
+
+template struct EffectClass<CRainDropsSpecialEffectFilter>;

@@ -82,3 +82,5 @@ void CBulgeSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int32_
         rowPhi += stepPhi;
     }
 }
+
+template struct EffectClass<CBulgeSpecialEffectFilter>;

@@ -56,12 +56,20 @@ void FillTable(const RemapTable& table, Map map) {
 
 std::span<const Property<CFishEyeSpecialEffectFilter>> CFishEyeSpecialEffectFilter::Properties() {
     using Effect = CFishEyeSpecialEffectFilter;
+    static constexpr ValueName kTypes[] = {
+        {1, "sphere", "a glass sphere"},
+        {2, "cosine", "a softer lens"},
+        {3, "arc-cosine", "a lens that turns the picture inside out"},
+    };
     static constexpr Property<Effect> rows[] = {
-        BooleanProperty<&Effect::LargeSphere>("LargeSphere", "TRUE").OnSet([](Effect& effect, int32_t value) {
-            effect.LargeSphere = value != 0;
-            effect.Rebuild();
-        }),
+        BooleanProperty<&Effect::LargeSphere>("LargeSphere", "TRUE")
+            .Says("Whether the disc is as large as the longer side of the picture.")
+            .OnSet([](Effect& effect, int32_t value) {
+                effect.LargeSphere = value != 0;
+                effect.Rebuild();
+            }),
         IntegerProperty<&Effect::EffectType>("EffectType", "1", "1,3")
+            .Says("Curve of the lens.", kTypes)
             .OnSet([](Effect& effect, int32_t value) {
                 effect.EffectType = value;
                 effect.Rebuild();
@@ -123,3 +131,5 @@ void CFishEyeSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int3
             break;
     }
 }
+
+template struct EffectClass<CFishEyeSpecialEffectFilter>;

@@ -104,3 +104,5 @@ void CHallwayVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) 
     GatherInPlace(IndexHalf, frame.u, Scratch);
     GatherInPlace(IndexHalf, frame.v, Scratch);
 }
+
+template struct EffectClass<CHallwayVisionSpecialEffectFilter>;

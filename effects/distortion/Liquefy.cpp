@@ -42,8 +42,9 @@ constexpr int32_t kLowestBlob = 90, kHighestBlob = 180;
 std::span<const Property<CLiquefySpecialEffectFilter>> CLiquefySpecialEffectFilter::Properties() {
     using Effect = CLiquefySpecialEffectFilter;
     static constexpr Property<Effect> rows[] = {
-        IntegerProperty<&Effect::ChangeSpeed>("ChangeSpeed", "1", "1,3"),
-        IntegerProperty<&Effect::Intensity>("Intensity", "16", "1,24"),
+        IntegerProperty<&Effect::ChangeSpeed>("ChangeSpeed", "1", "1,3").Says("How fast the water moves."),
+        IntegerProperty<&Effect::Intensity>("Intensity", "16", "1,24")
+            .Says("How strongly the water bends the picture; 16 is full strength."),
     };
     return rows;
 }
@@ -161,3 +162,5 @@ void CLiquefySpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     TempPlane.CopyPixels(luma);
     DisplaceByGradient(NextHeightMap(), TempPlane, luma);
 }
+
+template struct EffectClass<CLiquefySpecialEffectFilter>;

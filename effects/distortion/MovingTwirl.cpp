@@ -143,3 +143,5 @@ void CMovingTwirlSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
         }
     });
 }
+
+template struct EffectClass<CMovingTwirlSpecialEffectFilter>;

@@ -56,3 +56,5 @@ void CStretchSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int3
         if (mirrored < height) std::fill_n(table.YRow(mirrored), width, static_cast<float>(mirrored) - e);
     }
 }
+
+template struct EffectClass<CStretchSpecialEffectFilter>;

@@ -49,3 +49,5 @@ void CTwirlSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     GatherInPlace(ChromaMap, frame.u, Scratch);
     GatherInPlace(ChromaMap, frame.v, Scratch);
 }
+
+template struct EffectClass<CTwirlSpecialEffectFilter>;

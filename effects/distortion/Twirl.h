@@ -13,7 +13,7 @@ class CTwirlSpecialEffectFilter final : public PlanarEffect<CTwirlSpecialEffectF
 
     /// Variant 1 turns a disc as high as the frame and leaves the rest in place; any other turns the whole
     /// frame, out to its corners. `angle` is the turn at the centre, in radians.
-    CTwirlSpecialEffectFilter(int32_t variant, double angle);
+    CTwirlSpecialEffectFilter(int32_t variant, double angle = 1.15);
 
     void Prepare();
     void Release();

@@ -42,8 +42,11 @@ SE_INLINE void OutlineEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t widt
 }  // namespace
 
 std::span<const Property<CChalkSpecialEffectFilter>> CChalkSpecialEffectFilter::Properties() {
+    static constexpr ValueName kEdges[] = {{0, "plain", "flat tones alone"},
+                                           {1, "inked", "near-black edges"}};
     static constexpr Property<CChalkSpecialEffectFilter> rows[] = {
-        BooleanProperty<&CChalkSpecialEffectFilter::DrawEdges>("DrawEdges", "TRUE"),
+        BooleanProperty<&CChalkSpecialEffectFilter::DrawEdges>("DrawEdges", "TRUE")
+            .Says("Whether edges are inked; chalk-3 draws its outline in any case.", kEdges),
     };
     return rows;
 }
@@ -96,3 +99,5 @@ void CChalkSpecialEffectFilter::DrawOutline(CPlane8u& y, CPlane8u& u, CPlane8u& 
     AtLevel<OutlineEdges>(Scratch.data, y.data, y.width, y.height);
     FilterBoxInPlace(y, 3);
 }
+
+template struct EffectClass<CChalkSpecialEffectFilter>;

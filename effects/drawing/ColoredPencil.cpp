@@ -33,3 +33,5 @@ void CColoredPencilSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) 
     AtLevel<DrawLines>(luma.data, Scratch.data, luma.Size());
     FilterGauss5(Scratch, luma);  // the grain of the pencil
 }
+
+template struct EffectClass<CColoredPencilSpecialEffectFilter>;

@@ -91,3 +91,5 @@ ResultCode CComicBookSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame
         AtLevel<Print>(planes[0], planes[1], planes[2], Width(), Height());
     });
 }
+
+template struct EffectClass<CComicBookSpecialEffectFilter>;

@@ -62,3 +62,5 @@ void CCottonCandySpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     LookupBytes(kUPalette.data(), BlurredHalf.data, frame.u.data, BlurredHalf.Size());
     LookupBytes(kVPalette.data(), BlurredHalf.data, frame.v.data, BlurredHalf.Size());
 }
+
+template struct EffectClass<CCottonCandySpecialEffectFilter>;

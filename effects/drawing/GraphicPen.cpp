@@ -51,7 +51,8 @@ void DrawPenPage(CPlane8u& page, int32_t level) {
 
 std::span<const Property<CGraphicPenSpecialEffectFilter>> CGraphicPenSpecialEffectFilter::Properties() {
     static constexpr Property<CGraphicPenSpecialEffectFilter> rows[] = {
-        BooleanProperty<&CGraphicPenSpecialEffectFilter::Colored>("Colored", "TRUE"),
+        BooleanProperty<&CGraphicPenSpecialEffectFilter::Colored>("Colored", "TRUE")
+            .Says("Whether the colours of the scene show through the hatching."),
     };
     return rows;
 }
@@ -89,3 +90,5 @@ void CGraphicPenSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     }
     FinishDrawing(SoftenTemp, Soften, luma);
 }
+
+template struct EffectClass<CGraphicPenSpecialEffectFilter>;

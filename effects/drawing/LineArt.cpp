@@ -38,7 +38,8 @@ SE_INLINE void DrawLines(const uint8_t* source, ptrdiff_t sourceStep, uint8_t* l
 
 std::span<const Property<CLineArtSpecialEffectFilter>> CLineArtSpecialEffectFilter::Properties() {
     static constexpr Property<CLineArtSpecialEffectFilter> rows[] = {
-        ColorProperty<&CLineArtSpecialEffectFilter::BackgroundColor>("BackgroundColor", "0,0,0"),
+        ColorProperty<&CLineArtSpecialEffectFilter::BackgroundColor>("BackgroundColor", "0,0,0")
+            .Says("Colour of the ground, which also tints the lines."),
     };
     return rows;
 }
@@ -90,3 +91,5 @@ void CLineArtSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     AtLevel<DrawLines>(Padded.Row(kMargin) + kMargin, Padded.width, frame.y.data, frame.y.width,
                        frame.y.height, EdgeThreshold, PackedToY(BackgroundColor));
 }
+
+template struct EffectClass<CLineArtSpecialEffectFilter>;

@@ -149,3 +149,5 @@ void CPlasterSpecialEffectFilter::ThresholdDark() {
     if (share > 70) --DarkLimit;
     DarkLimit = std::clamp(DarkLimit, 0, 255);
 }
+
+template struct EffectClass<CPlasterSpecialEffectFilter>;

@@ -74,3 +74,5 @@ void CSketchSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     }
     FinishDrawing(SoftenTemp, Soften, luma);
 }
+
+template struct EffectClass<CSketchSpecialEffectFilter>;

@@ -114,3 +114,5 @@ void CFourSquareSpecialEffectFilter::PrintQuadrant(const Print& print, int32_t x
     softenAndPaste(TileU, ChromaScratch, frame.u, x / 2, y / 2);
     softenAndPaste(TileV, ChromaScratch, frame.v, x / 2, y / 2);
 }
+
+template struct EffectClass<CFourSquareSpecialEffectFilter>;

@@ -47,3 +47,5 @@ void CMotionBlurSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     if (c >= kFirstBlended) (Mode == 0 ? BlendTrails : BlendGhost)(y.data, a.data, b.data, d.data, y.Size());
     b.CopyPixels(y);
 }
+
+template struct EffectClass<CMotionBlurSpecialEffectFilter>;

@@ -32,8 +32,10 @@ SE_INLINE void FollowScene(uint8_t* SE_RESTRICT background, const uint8_t* SE_RE
 std::span<const Property<CMotionDetectorSpecialEffectFilter>>
 CMotionDetectorSpecialEffectFilter::Properties() {
     static constexpr Property<CMotionDetectorSpecialEffectFilter> rows[] = {
-        IntegerProperty<&CMotionDetectorSpecialEffectFilter::BlurDelay>("BlurDelay", "50", "1,100"),
-        ColorProperty<&CMotionDetectorSpecialEffectFilter::BlurColor>("BlurColor", "0,0,192"),
+        IntegerProperty<&CMotionDetectorSpecialEffectFilter::BlurDelay>("BlurDelay", "50", "1,100")
+            .Says("How slowly motion fades."),
+        ColorProperty<&CMotionDetectorSpecialEffectFilter::BlurColor>("BlurColor", "0,0,192")
+            .Says("Colour of the glow."),
     };
     return rows;
 }
@@ -80,3 +82,5 @@ void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height).Fill(PackedToU(BlurColor));
     CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height).Fill(PackedToV(BlurColor));
 }
+
+template struct EffectClass<CMotionDetectorSpecialEffectFilter>;

@@ -31,6 +31,7 @@ SE_INLINE void AddShade(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT shade
 std::span<const Property<CTiledUpSpecialEffectFilter>> CTiledUpSpecialEffectFilter::Properties() {
     static constexpr Property<CTiledUpSpecialEffectFilter> rows[] = {
         IntegerProperty<&CTiledUpSpecialEffectFilter::TileSize>("TileSize", "5", "4,32")
+            .Says("Side of a tile in pixels.")
             .OnSet([](CTiledUpSpecialEffectFilter& effect, int32_t size) { effect.SetTileSize(size); }),
     };
     return rows;
@@ -112,3 +113,5 @@ void CTiledUpSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     ShadeByGradient(y, Shade, kReliefBias);
     AtLevel<AddShade>(y.data, Shade.data, y.Size());
 }
+
+template struct EffectClass<CTiledUpSpecialEffectFilter>;

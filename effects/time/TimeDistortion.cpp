@@ -94,3 +94,5 @@ void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     });
     ++FrameCount;
 }
+
+template struct EffectClass<CTimeDistortionSpecialEffectFilter>;

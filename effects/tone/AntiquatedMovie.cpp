@@ -111,8 +111,10 @@ void FillVignette(CPlane8u& plane) {
 std::span<const Property<CAntiquatedMovieSpecialEffectFilter>>
 CAntiquatedMovieSpecialEffectFilter::Properties() {
     static constexpr Property<CAntiquatedMovieSpecialEffectFilter> rows[] = {
-        BooleanProperty<&CAntiquatedMovieSpecialEffectFilter::Sepia>("Sepia", "TRUE"),
-        BooleanProperty<&CAntiquatedMovieSpecialEffectFilter::Vignetting>("Vignetting", "TRUE"),
+        BooleanProperty<&CAntiquatedMovieSpecialEffectFilter::Sepia>("Sepia", "TRUE")
+            .Says("Whether the film is tinted brown."),
+        BooleanProperty<&CAntiquatedMovieSpecialEffectFilter::Vignetting>("Vignetting", "TRUE")
+            .Says("Whether the corners are dark."),
     };
     return rows;
 }
@@ -190,3 +192,5 @@ void CAntiquatedMovieSpecialEffectFilter::Tint(CPlane8u& luma, const FramePlane&
     LookupBytes(kLutLuma.data(), luma.data, luma.Size());
     LookupBytes(kLutChromaFalling.data(), ToneHalfPlane.data, u.data, ToneHalfPlane.Size());
 }
+
+template struct EffectClass<CAntiquatedMovieSpecialEffectFilter>;

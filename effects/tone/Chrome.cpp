@@ -76,3 +76,5 @@ void CChromeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     }
     frame.FillChroma(128, 128);
 }
+
+template struct EffectClass<CChromeSpecialEffectFilter>;

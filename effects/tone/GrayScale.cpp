@@ -5,3 +5,5 @@ void CGrayScaleSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     frame.u.FillWhole(kNeutral);
     frame.v.FillWhole(kNeutral);
 }
+
+template struct EffectClass<CGrayScaleSpecialEffectFilter>;

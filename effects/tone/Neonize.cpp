@@ -109,3 +109,5 @@ void CNeonizeSpecialEffectFilter::ProcessChroma(CPlane8u& chroma) {
     FilterGauss5(ChromaWork, ChromaBlur);
     ShowInterior(chroma, ChromaBlur, 3);
 }
+
+template struct EffectClass<CNeonizeSpecialEffectFilter>;

@@ -8,3 +8,5 @@ void CNightVisionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
         PrimNot8uC1(plane.data, plane.width, plane.width, plane.height);
     }
 }
+
+template struct EffectClass<CNightVisionSpecialEffectFilter>;

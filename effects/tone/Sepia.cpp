@@ -38,3 +38,5 @@ ResultCode CSepiaSpecialEffectFilter::ProcessPacked(uint8_t* pixels) {
     PrimColorTwist8uC3(pixels, 3 * Width(), Width(), Height(), kColorTwistMatrix);
     return kSuccess;
 }
+
+template struct EffectClass<CSepiaSpecialEffectFilter>;

@@ -108,3 +108,5 @@ void CSpotLightSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     AtLevel<WarmChroma>(ChromaMask.data, frame.u.data, ChromaMask.Size());
     AtLevel<WarmChroma>(ChromaMask.data, frame.v.data, ChromaMask.Size());
 }
+
+template struct EffectClass<CSpotLightSpecialEffectFilter>;

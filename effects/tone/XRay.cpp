@@ -64,3 +64,5 @@ void CXRaySpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     frame.u.FillWhole(128);
     frame.v.FillWhole(98);
 }
+
+template struct EffectClass<CXRaySpecialEffectFilter>;

@@ -3,7 +3,7 @@
 #     cmake -DROOT=... -P include_rules.cmake
 #
 #   imaging      imaging
-#   framework    framework; Catalogue.cpp alone knows all effects as well
+#   framework    framework
 #   effects/*    framework without the catalogue, imaging, its own folder; never an effect's header but its own
 #   facetrack    the same
 #   sfx          sfx, framework, imaging; sfx.h nothing of the tree
@@ -74,11 +74,7 @@ endforeach()
 
 sources(files framework)
 foreach(file IN LISTS files)
-    if(file STREQUAL "framework/Catalogue.cpp")
-        check_module_file(${file} "^(framework|effects|facetrack)/")
-    else()
-        check_module_file(${file} "^framework/")
-    endif()
+    check_module_file(${file} "^framework/")
 endforeach()
 foreach(file IN LISTS public_headers)
     check_module_file(${file} "^framework/SpecialEffectFilter\\.h$")
@@ -90,12 +86,14 @@ foreach(file IN LISTS files)
     check_module_file(${file} "^(framework/|imaging/|${folder}/)")
 endforeach()
 
-# An effect's header is one that the catalogue includes. Only the effect itself and the catalogue see it.
-read_includes(framework/Catalogue.cpp includes)
+# An effect's header names the effect. Only the effect itself sees it.
 set(effect_headers "")
-foreach(include IN LISTS includes)
-    if(include MATCHES "^.((effects|facetrack)/.*)")
-        list(APPEND effect_headers ${CMAKE_MATCH_1})
+foreach(file IN LISTS files)
+    if(file MATCHES "\\.h$")
+        file(STRINGS ${ROOT}/${file} names REGEX "DisplayName = ")
+        if(names)
+            list(APPEND effect_headers ${file})
+        endif()
     endif()
 endforeach()
 foreach(file IN LISTS files)
