@@ -75,6 +75,10 @@ void Storage::Settle(bool timing) {
     }
 }
 
+void Storage::Restore() {
+    std::ranges::copy(copies_[0].pristine, copies_[0].all.begin());
+}
+
 std::string Storage::OutsideVerdict(const Copy& copy) const {
     const std::byte* now = copy.all.data();
     const std::byte* before = copy.pristine.data();
@@ -146,7 +150,7 @@ void Trial::Begin(int32_t width, int32_t height, double copyBytesPerPixel) {
     height_ = height;
     copyBytesPerPixel_ = copyBytesPerPixel;
     ran_ = false;
-    failure_.clear();
+    failures_.clear();
     parameters_.clear();
     nextPlace_ = 0;
     nextStorage_ = 0;
@@ -209,14 +213,28 @@ void Trial::Note(std::string_view name, double value) {
     parameters_ += text.str();
 }
 
-void Trial::Compare(bool sameResult) {
+void Trial::BeginLevel(cpu::Level level) {
+    level_ = level;
+    cpu::Limit(level);
+    for (size_t i = 0; i < nextStorage_; ++i) {
+        storages_[i]->Restore();
+    }
+}
+
+void Trial::Compare(cpu::Level level, bool sameResult) {
     ran_ = true;
-    if (!sameResult) {
-        failure_ = "the results differ";
+    std::string failure = sameResult ? "" : "the results differ";
+    for (size_t i = 0; i < nextStorage_ && failure.empty(); ++i) {
+        failure = storages_[i]->Verdict();
     }
-    for (size_t i = 0; i < nextStorage_ && failure_.empty(); ++i) {
-        failure_ = storages_[i]->Verdict();
+    if (!failure.empty()) {
+        failures_[level] = failure;
     }
+}
+
+std::string Trial::failure(cpu::Level level) const {
+    const auto found = failures_.find(level);
+    return found == failures_.end() ? "" : found->second;
 }
 
 void Trial::Time(const std::function<void()>& fast, const std::function<void()>& model) {

@@ -29,12 +29,14 @@
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "imaging/Cpu.h"
 #include "tests/check_kernels/Arena.h"
 
 namespace check {
@@ -130,6 +132,8 @@ class Storage {
     /// Gives the second copy the pixels of the first, margins included, and notes what is there before the
     /// run.
     void Settle(bool timing);
+    /// Makes the first copy what it was when it was noted.
+    void Restore();
     /// Empty, or what is wrong after the run.
     std::string Verdict() const;
 
@@ -193,17 +197,20 @@ class Trial {
         return Make(shape, true);
     }
 
-    /// Calls body(fast, Side::kFast) and body(model, Side::kModel) and compares results and pictures; or
-    /// times them.
+    /// Calls body(fast, Side::kFast), at each processor level, and body(model, Side::kModel), and compares
+    /// results and pictures; or times them.
     template <typename Function, typename Body>
     void Run(Function fast, Function model, Body body) {
         if (timing_) {
             Time([&] { (void)body(fast, Side::kFast); }, [&] { (void)body(model, Side::kModel); });
             return;
         }
-        const auto fastResult = body(fast, Side::kFast);
         const auto modelResult = body(model, Side::kModel);
-        Compare(fastResult == modelResult);
+        for (const cpu::Level level : cpu::Levels()) {
+            BeginLevel(level);
+            const auto fastResult = body(fast, Side::kFast);
+            Compare(level, fastResult == modelResult);
+        }
     }
 
     // ---- for the program ----------------------------------------------------------------------------
@@ -221,7 +228,10 @@ class Trial {
     /// Forgets the parameters of the kernel before.
     void Reset();
 
-    const std::string& failure() const { return failure_; }
+    /// What is wrong at a processor level, or empty.
+    std::string failure(cpu::Level level) const;
+    /// The level that the run is at.
+    cpu::Level level() const { return level_; }
     const std::string& parameters() const { return parameters_; }
     /// Whether the case called Run.
     bool ran() const { return ran_; }
@@ -240,7 +250,9 @@ class Trial {
     void FillBytes(const Storage& storage);
     size_t Digit(size_t radix);
     void Note(std::string_view name, double value);
-    void Compare(bool sameResult);
+    /// Limits the processor to a level and makes the primitive's pictures what they were before the run.
+    void BeginLevel(cpu::Level level);
+    void Compare(cpu::Level level, bool sameResult);
     void Time(const std::function<void()>& fast, const std::function<void()>& model);
 
     bool timing_;
@@ -249,7 +261,8 @@ class Trial {
     int32_t height_ = 0;
     double copyBytesPerPixel_ = 1;
     bool ran_ = false;
-    std::string failure_;
+    cpu::Level level_ = cpu::Level::kBaseline;
+    std::map<cpu::Level, std::string> failures_;
     std::string parameters_;
     Times times_{};
     std::vector<Place> places_;

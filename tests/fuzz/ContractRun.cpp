@@ -16,6 +16,7 @@
 
 #include "framework/Catalogue.h"
 #include "framework/SpecialEffectFactory.h"
+#include "imaging/Cpu.h"
 
 namespace {
 
@@ -144,7 +145,10 @@ int64_t Pixels(const StreamDescription& stream) {
 
 class Host {
   public:
-    explicit Host(std::span<const uint8_t> bytes) : source_(bytes), factory_(CreateSpecialEffectFactory()) {}
+    explicit Host(std::span<const uint8_t> bytes) : source_(bytes), factory_(CreateSpecialEffectFactory()) {
+        const std::span<const cpu::Level> levels = cpu::Levels();
+        cpu::Limit(levels[source_.Below(levels.size())]);
+    }
 
     ~Host() {
         for (Guest& guest : guests_) Destroy(guest);

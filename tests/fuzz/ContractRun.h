@@ -11,7 +11,7 @@
 /// that the host answers for, so that an address sanitizer sees every byte beyond. Ends the program when an
 /// answer is not one of the contract's or a refused frame has changed.
 ///
-/// The same bytes make the same calls, whatever ran before. Data files are written to the current directory.
+/// The first byte chooses the processor level. The same bytes make the same calls, whatever ran before. Data files are written to the current directory.
 void RunContract(std::span<const uint8_t> bytes);
 
 /// A directory of its own for the data files that effects read and write; the process works in it. It is
