@@ -78,7 +78,7 @@ check-fuzz:
 
 # Long runs and wide sweeps of the release build.
 check-slow:
-	@tools/setup.sh build check
+	@tools/setup.sh build check slow
 	$(call build_tests,release,all)
 	$(call run_tests,release,-L slow)
 

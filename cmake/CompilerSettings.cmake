@@ -17,9 +17,6 @@ endif()
 
 option(SE_WERROR "Treat warnings as errors" ON)
 set(SE_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined or thread")
-set(SE_PROCESSOR "all" CACHE STRING
-    "Processor generations to compile hot loops for: all (chosen at load time), baseline, avx2 or avx512")
-set_property(CACHE SE_PROCESSOR PROPERTY STRINGS all baseline avx2 avx512)
 
 add_library(se_warnings INTERFACE)
 target_compile_options(se_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
@@ -37,8 +34,3 @@ endif()
 add_library(se_module_flags INTERFACE)
 target_compile_options(se_module_flags INTERFACE -ffp-contract=off)
 target_link_libraries(se_module_flags INTERFACE se_sanitizers)
-if(SE_PROCESSOR STREQUAL "avx2")
-    target_compile_options(se_module_flags INTERFACE -march=x86-64-v3)
-elseif(SE_PROCESSOR STREQUAL "avx512")
-    target_compile_options(se_module_flags INTERFACE -march=x86-64-v4 -mavx512vbmi)
-endif()

@@ -11,6 +11,7 @@ build        build-essential cmake ninja-build pkg-config libfmt-dev libcli11-de
 build        libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libswscale-dev libpugixml-dev opencv-data
 check        ccache libgtest-dev
 clang        clang libclang-rt-dev
+slow         qemu-user
 demo         ffmpeg imagemagick
 bench        libopencv-dev
 lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
