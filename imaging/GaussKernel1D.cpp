@@ -1,9 +1,9 @@
 #include "imaging/GaussKernel1D.h"
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
-#include "imaging/Plane8u.h"
 #include "imaging/Prim.h"
 
 namespace {
@@ -13,6 +13,10 @@ constexpr int32_t kMaxSize = 32767;
 bool FitsInt32(double value) {
     // False for what is not a number, too.
     return value > -2147483649.0 && value < 2147483648.0;
+}
+
+bool SameSize(const CPlane8u& a, const CPlane8u& b) {
+    return a.width == b.width && a.height == b.height;
 }
 
 }  // namespace
@@ -49,8 +53,18 @@ bool CGaussKernel1D::Build(double sigma, int32_t kernelSize) {
     return true;
 }
 
-void CGaussKernel1D::FilterColumns(const CPlane8u& src, CPlane8u& dst) const {
+void CGaussKernel1D::FilterColumns(const CPlane8u& src, CPlane8u& dst, FilterRing ends) const {
     const int32_t half = size / 2;
+    if (ends == FilterRing::kCopied && !src.Empty() && SameSize(src, dst)) {
+        if (divisor == 0 || dst.height <= 2 * half) {
+            dst.CopyPixels(src);
+        } else {
+            const int32_t below = dst.height - half;
+            const auto bytes = static_cast<size_t>(half) * static_cast<size_t>(dst.width);
+            std::memcpy(dst.data, src.data, bytes);
+            std::memcpy(dst.Row(below), src.Row(below), bytes);
+        }
+    }
     if (src.Empty() || dst.Empty() || src.width > dst.width || src.height < dst.height ||
         dst.height <= 2 * half)
         return;
@@ -58,8 +72,20 @@ void CGaussKernel1D::FilterColumns(const CPlane8u& src, CPlane8u& dst) const {
                          taps, size, half, divisor);
 }
 
-void CGaussKernel1D::FilterRows(const CPlane8u& src, CPlane8u& dst) const {
+void CGaussKernel1D::FilterRows(const CPlane8u& src, CPlane8u& dst, FilterRing ends) const {
     const int32_t half = size / 2;
+    if (ends == FilterRing::kCopied && !src.Empty() && SameSize(src, dst)) {
+        if (divisor == 0 || dst.width <= 2 * half) {
+            dst.CopyPixels(src);
+        } else {
+            const int32_t right = dst.width - half;
+            const auto bytes = static_cast<size_t>(half);
+            for (int32_t y = 0; y < dst.height; ++y) {
+                std::memcpy(dst.Row(y), src.Row(y), bytes);
+                std::memcpy(dst.Row(y) + right, src.Row(y) + right, bytes);
+            }
+        }
+    }
     if (src.Empty() || dst.Empty() || src.width < dst.width || src.height > dst.height ||
         dst.width <= 2 * half)
         return;

@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-class CPlane8u;
+#include "imaging/Plane8u.h"
 
 /// Owns its taps; can be moved.
 class CGaussKernel1D {
@@ -30,11 +30,11 @@ class CGaussKernel1D {
     bool Build(double sigma, int32_t kernelSize);
 
     /// Filters along the columns (rows) with the kernel's middle on each pixel. The size/2 pixels of `dst` at
-    /// either end are not reached and stay as they are. Made for two different planes of one size; a `dst`
-    /// for which `src` lacks pixels, or that has no room for the result, is left alone. The empty kernel does
-    /// nothing.
-    void FilterColumns(const CPlane8u& src, CPlane8u& dst) const;
-    void FilterRows(const CPlane8u& src, CPlane8u& dst) const;
+    /// either end are not reached: they stay as they are or, in two planes of one size, are copied. Made for
+    /// two different planes of one size; a `dst` for which `src` lacks pixels, or that has no room for the
+    /// result, is left alone. The empty kernel does nothing, or copies all.
+    void FilterColumns(const CPlane8u& src, CPlane8u& dst, FilterRing ends = FilterRing::kKept) const;
+    void FilterRows(const CPlane8u& src, CPlane8u& dst, FilterRing ends = FilterRing::kKept) const;
 
     void Release();
     void Swap(CGaussKernel1D& other) noexcept;

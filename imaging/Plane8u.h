@@ -79,7 +79,8 @@ class CPlane8u {
 
     /// Scales the given rectangle of `src` to this whole plane, linearly. Where the rectangle reaches past
     /// the right or lower edge of `src`, the pixels that would show what is missing stay as they are; a
-    /// rectangle that starts outside `src` does nothing.
+    /// rectangle that starts outside `src` does nothing. Takes memory and throws std::bad_alloc when there is
+    /// none; frames use a `ResizePlan`.
     void ResizeRegion(const CPlane8u& src, int32_t regionWidth, int32_t regionHeight, int32_t x, int32_t y);
 
     /// Overwrites a frame of `border` pixels with the nearest pixels inside it. Does nothing where no pixel
@@ -119,26 +120,38 @@ void Require(bool allocated);
 
 // ---- filters ---------------------------------------------------------------------------------------
 //
-// They work on the interior: a frame of r pixels, r being half the mask, stays as it was in the destination.
-// The source's size rules; a destination that is smaller in either direction is left alone, and so is one
-// whose interior is empty. Source and destination are different planes.
+// They work on the interior, which leaves a ring of r pixels at the edges, r being half the mask. The
+// source's size rules; a destination that is smaller in either direction is left alone. Source and
+// destination are different planes.
+
+/// What the ring of the destination holds afterwards: what it held before, or the source's pixels. The ring
+/// of a plane without interior is all of it.
+enum class FilterRing { kKept, kCopied };
+
+/// Copies the ring of `thickness` pixels between planes of one size; planes of different sizes are left
+/// alone.
+void CopyRing(const CPlane8u& src, CPlane8u& dst, int32_t thickness);
 
 /// Gaussian 3 by 3 (r 1) and 5 by 5 (r 2).
-void FilterGauss3(const CPlane8u& src, CPlane8u& dst);
-void FilterGauss5(const CPlane8u& src, CPlane8u& dst);
+void FilterGauss3(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
+void FilterGauss5(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
 
 /// Mean of 3 by 3 (r 1) and of 5 by 5 (r 2).
-void FilterLowpass3(const CPlane8u& src, CPlane8u& dst);
-void FilterLowpass5(const CPlane8u& src, CPlane8u& dst);
+void FilterLowpass3(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
+void FilterLowpass5(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
 
 /// Median of 5 by 5 (r 2).
 void FilterMedian5(const CPlane8u& src, CPlane8u& dst);
 
 /// Mean of maskSize by maskSize in place (r = maskSize / 2). The mask has to be smaller than the interior.
+/// Takes memory and throws std::bad_alloc when there is none; frames use a `BoxFilter`.
 void FilterBoxInPlace(CPlane8u& plane, int32_t maskSize);
 
-/// Maximum of 3 by 3 in place, minimum of 3 by 3 (r 1).
+/// Maximum of 3 by 3 (r 1). The form in place takes memory and throws std::bad_alloc when there is none.
 void Dilate3(CPlane8u& plane);
+void Dilate3(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
+
+/// Minimum of 3 by 3 (r 1).
 void Erode3(const CPlane8u& src, CPlane8u& dst);
 
 // ---- grey levels -----------------------------------------------------------------------------------
@@ -155,7 +168,8 @@ void ThresholdPlane(CPlane8u& plane, uint8_t lo, uint8_t loValue, uint8_t hi, ui
 
 // ---- geometry --------------------------------------------------------------------------------------
 
-/// Scales all of `src` to all of `dst`, linearly; the corners of one land on the corners of the other.
+/// Scales all of `src` to all of `dst`, linearly; the corners of one land on the corners of the other. Takes
+/// memory and throws std::bad_alloc when there is none; frames use a `ResizePlan`.
 void ResizePlane(const CPlane8u& src, CPlane8u& dst);
 
 /// dst(x, y) = src(xMap(x, y), yMap(x, y)). The maps have one entry for each pixel of `dst`, row after row;

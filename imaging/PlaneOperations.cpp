@@ -1,26 +1,35 @@
 // The free functions on planes that stand on the primitives.
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
+#include "imaging/BoxFilter.h"
+#include "imaging/Morphology.h"
 #include "imaging/Plane8u.h"
 #include "imaging/Prim.h"
 
 namespace {
+
+/// Whether a frame of `r` pixels leaves an interior.
+bool HasInterior(const CPlane8u& plane, int32_t r) {
+    return r <= (std::min(plane.width, plane.height) - 1) / 2;
+}
 
 /// Calls filter(src, srcStep, dst, dstStep, width, height) on the interior that a frame of `r` pixels leaves
 /// of `src`, at the same place in `dst`.
 template <class Filter>
 void FilterInterior(const CPlane8u& src, CPlane8u& dst, int32_t r, Filter filter) {
     if (src.Empty() || dst.Empty() || dst.width < src.width || dst.height < src.height) return;
-    if (r < 0 || r > (std::min(src.width, src.height) - 1) / 2) return;
+    if (r < 0 || !HasInterior(src, r)) return;
     filter(src.Row(r) + r, src.width, dst.Row(r) + r, dst.width, src.width - 2 * r, src.height - 2 * r);
 }
 
 using MaskFilter = PrimStatus (*)(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t, int32_t, int32_t);
 
 /// For a primitive that takes a mask code.
-void FilterWithMask(MaskFilter primitive, const CPlane8u& src, CPlane8u& dst, int32_t mask) {
+void FilterWithMask(MaskFilter primitive, const CPlane8u& src, CPlane8u& dst, int32_t mask, FilterRing ring) {
     const int32_t r = mask == kPrimMask3x3 ? 1 : 2;
+    if (ring == FilterRing::kCopied) CopyRing(src, dst, r);
     FilterInterior(src, dst, r, [primitive, mask](auto... region) { primitive(region..., mask); });
 }
 
@@ -28,20 +37,36 @@ void FilterWithMask(MaskFilter primitive, const CPlane8u& src, CPlane8u& dst, in
 
 // ---- filters ---------------------------------------------------------------------------------------
 
-void FilterGauss3(const CPlane8u& src, CPlane8u& dst) {
-    FilterWithMask(PrimFilterGauss8uC1, src, dst, kPrimMask3x3);
+void CopyRing(const CPlane8u& src, CPlane8u& dst, int32_t thickness) {
+    if (src.Empty() || src.width != dst.width || src.height != dst.height || thickness < 1) return;
+    if (!HasInterior(src, thickness)) {
+        dst.CopyPixels(src);
+        return;
+    }
+    const auto side = static_cast<size_t>(thickness), row = static_cast<size_t>(src.width);
+    const int32_t right = src.width - thickness, bottom = src.height - thickness;
+    std::memcpy(dst.data, src.data, side * row);
+    std::memcpy(dst.Row(bottom), src.Row(bottom), side * row);
+    for (int32_t y = thickness; y < bottom; ++y) {
+        std::memcpy(dst.Row(y), src.Row(y), side);
+        std::memcpy(dst.Row(y) + right, src.Row(y) + right, side);
+    }
 }
 
-void FilterGauss5(const CPlane8u& src, CPlane8u& dst) {
-    FilterWithMask(PrimFilterGauss8uC1, src, dst, kPrimMask5x5);
+void FilterGauss3(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {
+    FilterWithMask(PrimFilterGauss8uC1, src, dst, kPrimMask3x3, ring);
 }
 
-void FilterLowpass3(const CPlane8u& src, CPlane8u& dst) {
-    FilterWithMask(PrimFilterLowpass8uC1, src, dst, kPrimMask3x3);
+void FilterGauss5(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {
+    FilterWithMask(PrimFilterGauss8uC1, src, dst, kPrimMask5x5, ring);
 }
 
-void FilterLowpass5(const CPlane8u& src, CPlane8u& dst) {
-    FilterWithMask(PrimFilterLowpass8uC1, src, dst, kPrimMask5x5);
+void FilterLowpass3(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {
+    FilterWithMask(PrimFilterLowpass8uC1, src, dst, kPrimMask3x3, ring);
+}
+
+void FilterLowpass5(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {
+    FilterWithMask(PrimFilterLowpass8uC1, src, dst, kPrimMask5x5, ring);
 }
 
 void FilterMedian5(const CPlane8u& src, CPlane8u& dst) {
@@ -49,12 +74,7 @@ void FilterMedian5(const CPlane8u& src, CPlane8u& dst) {
 }
 
 void FilterBoxInPlace(CPlane8u& plane, int32_t maskSize) {
-    const int32_t r = maskSize / 2;
-    FilterInterior(plane, plane, r,
-                   [=](const uint8_t*, int32_t, uint8_t* data, int32_t step, int32_t width, int32_t height) {
-                       Require(PrimFilterBox8uC1(data, step, width, height, maskSize, maskSize, r, r) !=
-                               kPrimMemoryError);
-                   });
+    BoxFilter(plane.width, plane.height, maskSize).ApplyInPlace(plane);
 }
 
 void Dilate3(CPlane8u& plane) {
@@ -62,6 +82,11 @@ void Dilate3(CPlane8u& plane) {
                    [](const uint8_t*, int32_t, uint8_t* data, int32_t step, int32_t width, int32_t height) {
                        Require(PrimDilate3x38uC1(data, step, width, height) != kPrimMemoryError);
                    });
+}
+
+void Dilate3(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {
+    if (ring == FilterRing::kCopied) CopyRing(src, dst, 1);
+    FilterInterior(src, dst, 1, [](auto... region) { prim::Dilate3x3(region...); });
 }
 
 void Erode3(const CPlane8u& src, CPlane8u& dst) {

@@ -1,4 +1,4 @@
-// Box mean in place, at a cost that does not depend on the mask: one running sum down each column, one along
+// Box mean, at a cost that does not depend on the mask: one running sum down each column, one along
 // the row.
 #include <algorithm>
 #include <cstddef>
@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 
+#include "imaging/BoxFilter.h"
 #include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
@@ -22,20 +23,7 @@ using prim::Row;
 
 namespace {
 
-struct Box {
-    uint8_t* corner;  ///< the pixel under the mask's corner when the mask belongs to (0, 0)
-    ptrdiff_t step;
-    ptrdiff_t width;
-    ptrdiff_t height;
-    ptrdiff_t maskWidth;
-    ptrdiff_t maskHeight;
-    ptrdiff_t anchorX;
-    ptrdiff_t anchorY;
-
-    /// Columns that the masks of a row cover.
-    ptrdiff_t columns() const { return width + maskWidth - 1; }
-    int64_t area() const { return int64_t{maskWidth} * maskHeight; }
-};
+using box::Region;
 
 /// Lines are read in fours.
 constexpr ptrdiff_t kSlack = 4;
@@ -43,26 +31,40 @@ constexpr ptrdiff_t kSlack = 4;
 /// The working memory of one call.
 template <typename Sum>
 struct Buffers {
-    explicit Buffers(const Box& box)
-        : columnSums(new (std::nothrow) Sum[static_cast<size_t>(1 + box.columns() + kSlack)]()),
-          windowSums(new (std::nothrow) Sum[static_cast<size_t>(box.width + kSlack)]),
-          ring(new (std::nothrow) uint8_t[static_cast<size_t>((box.anchorY + 1) * box.columns())]) {}
+    static size_t Bytes(const Region& region) {
+        return SumCount(region) * sizeof(Sum) + static_cast<size_t>((region.anchorY + 1) * region.Columns());
+    }
 
-    explicit operator bool() const { return columnSums && windowSums && ring; }
+    Buffers(const Region& region, void* scratch)
+        : columnSums(static_cast<Sum*>(scratch)),
+          windowSums(columnSums + ColumnCount(region)),
+          ring(reinterpret_cast<uint8_t*>(columnSums + SumCount(region))) {
+        std::fill(columnSums, columnSums + ColumnCount(region), Sum{0});
+    }
 
-    std::unique_ptr<Sum[]> columnSums;  ///< after one 0
-    std::unique_ptr<Sum[]> windowSums;
+    Sum* columnSums;  ///< after one 0
+    Sum* windowSums;
     /// Unfiltered rows that are overwritten and not yet left by the mask.
-    std::unique_ptr<uint8_t[]> ring;
+    uint8_t* ring;
+
+  private:
+    static size_t ColumnCount(const Region& region) {
+        return static_cast<size_t>(1 + region.Columns() + kSlack);
+    }
+    static size_t SumCount(const Region& region) {
+        return ColumnCount(region) + static_cast<size_t>(region.width + kSlack);
+    }
 };
 
 /// Calls means(columnSums, out) for each row, with the sums of the pixels that the mask covers in each
 /// column.
 template <typename Sum, typename Means>
-SE_INLINE void ForRows(const Box& box, const Buffers<Sum>& buffers, Means means) {
-    const ptrdiff_t columns = box.columns();
-    Sum* SE_RESTRICT const sums = buffers.columnSums.get() + 1;
-    const auto kept = [&](ptrdiff_t y) { return buffers.ring.get() + y % (box.anchorY + 1) * columns; };
+SE_INLINE void ForRows(const Region& region, const Buffers<Sum>& buffers, Means means) {
+    const ptrdiff_t columns = region.Columns();
+    const bool inPlace = region.InPlace();
+    const uint8_t* const corner = region.src - region.anchorX;
+    Sum* SE_RESTRICT const sums = buffers.columnSums + 1;
+    const auto kept = [&](ptrdiff_t y) { return buffers.ring + y % (region.anchorY + 1) * columns; };
     const auto add = [&](const uint8_t* SE_RESTRICT entering) {
         for (ptrdiff_t x = 0; x < columns; ++x) {
             sums[x] += entering[x];
@@ -73,21 +75,23 @@ SE_INLINE void ForRows(const Box& box, const Buffers<Sum>& buffers, Means means)
             sums[x] += static_cast<Sum>(entering[x] - leaving[x]);
         }
     };
-    const ptrdiff_t reach = box.maskHeight - 1 - box.anchorY;  // rows below the pixel
-    for (ptrdiff_t y = -box.anchorY; y < reach; ++y) {
-        add(Row(box.corner, box.step, y));
+    const ptrdiff_t reach = region.maskHeight - 1 - region.anchorY;  // rows below the pixel
+    for (ptrdiff_t y = -region.anchorY; y < reach; ++y) {
+        add(Row(corner, region.srcStep, y));
     }
-    for (ptrdiff_t y = 0; y < box.height; ++y) {
-        const uint8_t* const entering = Row(box.corner, box.step, y + reach);
-        const ptrdiff_t leaving = y - 1 - box.anchorY;
+    for (ptrdiff_t y = 0; y < region.height; ++y) {
+        const uint8_t* const entering = Row(corner, region.srcStep, y + reach);
+        const ptrdiff_t leaving = y - 1 - region.anchorY;
         if (y == 0) {
             add(entering);
         } else {
-            exchange(entering, leaving < 0 ? Row(box.corner, box.step, leaving) : kept(leaving));
+            const bool overwritten = inPlace && leaving >= 0;
+            exchange(entering, overwritten ? kept(leaving) : Row(corner, region.srcStep, leaving));
         }
-        uint8_t* const row = Row(box.corner, box.step, y);
-        std::memcpy(kept(y), row, static_cast<size_t>(columns));
-        means(sums, row + box.anchorX);
+        if (inPlace) {
+            std::memcpy(kept(y), Row(corner, region.srcStep, y), static_cast<size_t>(columns));
+        }
+        means(sums, Row(region.dst, region.dstStep, y));
     }
 }
 
@@ -110,43 +114,51 @@ SE_INLINE void SumWindows(const uint32_t* SE_RESTRICT columnSums, ptrdiff_t mask
 }
 
 template <typename Real>
-SE_INLINE void FilterBox(const Box& box, const Buffers<uint32_t>& buffers) {
-    const Mean<Real> mean(box.area());
-    uint32_t* const windowSums = buffers.windowSums.get();
-    ForRows(box, buffers, [&](const uint32_t* columnSums, uint8_t* SE_RESTRICT out) {
-        SumWindows(columnSums, box.maskWidth, windowSums, box.width);
-        for (ptrdiff_t x = 0; x < box.width; ++x) {
+SE_INLINE void FilterBox(const Region& region, const Buffers<uint32_t>& buffers) {
+    const Mean<Real> mean(region.Area());
+    uint32_t* const windowSums = buffers.windowSums;
+    ForRows(region, buffers, [&](const uint32_t* columnSums, uint8_t* SE_RESTRICT out) {
+        SumWindows(columnSums, region.maskWidth, windowSums, region.width);
+        for (ptrdiff_t x = 0; x < region.width; ++x) {
             out[x] = mean(static_cast<int32_t>(windowSums[x]));
         }
     });
 }
 
 /// For masks whose sums pass 32 bits.
-void FilterBoxWide(const Box& box, const Buffers<uint64_t>& buffers) {
-    const auto area = static_cast<uint64_t>(box.area());
-    ForRows(box, buffers, [&](const uint64_t* columnSums, uint8_t* out) {
+void FilterBoxWide(const Region& region, const Buffers<uint64_t>& buffers) {
+    const auto area = static_cast<uint64_t>(region.Area());
+    ForRows(region, buffers, [&](const uint64_t* columnSums, uint8_t* out) {
         uint64_t sum = area / 2;
-        for (ptrdiff_t x = 0; x < box.maskWidth - 1; ++x) {
+        for (ptrdiff_t x = 0; x < region.maskWidth - 1; ++x) {
             sum += columnSums[x];
         }
-        for (ptrdiff_t x = 0; x < box.width; ++x) {
-            sum += columnSums[x + box.maskWidth - 1] - columnSums[x - 1];
+        for (ptrdiff_t x = 0; x < region.width; ++x) {
+            sum += columnSums[x + region.maskWidth - 1] - columnSums[x - 1];
             out[x] = static_cast<uint8_t>(sum / area);
         }
     });
 }
 
-template <typename Sum>
-PrimStatus Filter(const Box& box, void (*filter)(const Box&, const Buffers<Sum>&)) {
-    const Buffers<Sum> buffers(box);
-    if (!buffers) {
-        return kPrimMemoryError;
-    }
-    filter(box, buffers);
-    return kPrimOk;
+bool NeedsWideSums(const Region& region) {
+    return region.Area() > Mean<double>::kMaxCount;
 }
 
 }  // namespace
+
+size_t box::ScratchBytes(const Region& region) {
+    return NeedsWideSums(region) ? Buffers<uint64_t>::Bytes(region) : Buffers<uint32_t>::Bytes(region);
+}
+
+void box::Filter(const Region& region, void* scratch) {
+    if (NeedsWideSums(region)) {
+        FilterBoxWide(region, Buffers<uint64_t>(region, scratch));
+    } else if (region.Area() > Mean<float>::kMaxCount) {
+        AtLevel<FilterBox<double>>(region, Buffers<uint32_t>(region, scratch));
+    } else {
+        AtLevel<FilterBox<float>>(region, Buffers<uint32_t>(region, scratch));
+    }
+}
 
 PrimStatus PrimFilterBox8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height, int32_t maskWidth,
                              int32_t maskHeight, int32_t anchorX, int32_t anchorY) {
@@ -156,12 +168,12 @@ PrimStatus PrimFilterBox8uC1(uint8_t* data, int32_t step, int32_t width, int32_t
                        CheckAnchor(anchorX, maskWidth), CheckAnchor(anchorY, maskHeight))) {
         return status;
     }
-    const Box box = {data - anchorX, step, width, height, maskWidth, maskHeight, anchorX, anchorY};
-    if (box.area() <= Mean<float>::kMaxCount) {
-        return Filter(box, AtLevel<FilterBox<float>>);
+    const Region region = {data, step, data, step, width, height, maskWidth, maskHeight, anchorX, anchorY};
+    const size_t words = box::ScratchBytes(region) / sizeof(uint64_t) + 1;
+    const std::unique_ptr<uint64_t[]> scratch(new (std::nothrow) uint64_t[words]);
+    if (!scratch) {
+        return kPrimMemoryError;
     }
-    if (box.area() <= Mean<double>::kMaxCount) {
-        return Filter(box, AtLevel<FilterBox<double>>);
-    }
-    return Filter(box, FilterBoxWide);
+    box::Filter(region, scratch.get());
+    return kPrimOk;
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "imaging/Morphology.h"
 #include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
@@ -38,6 +39,14 @@ SE_INLINE void Erode(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdif
         [](const uint8_t* line) { return Min(line[0], Min(line[1], line[2])); });
 }
 
+SE_INLINE void DilateInto(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                          ptrdiff_t width, ptrdiff_t height) {
+    prim::FilterSeparable<uint8_t, 1>(
+        src, srcStep, dst, dstStep, width, height, prim::Surround::kAsMaskReaches,
+        [](uint8_t a, uint8_t b, uint8_t c) { return Max(a, Max(b, c)); },
+        [](const uint8_t* line) { return Max(line[0], Max(line[1], line[2])); });
+}
+
 /// A ring of three lines holds the maxima along the rows above, at and below y. The row below is still as it
 /// was when it enters the ring.
 SE_INLINE void Dilate(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
@@ -61,6 +70,11 @@ SE_INLINE void Dilate(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t 
 }
 
 }  // namespace
+
+void prim::Dilate3x3(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
+                     ptrdiff_t height) {
+    AtLevel<DilateInto>(src, srcStep, dst, dstStep, width, height);
+}
 
 PrimStatus PrimErode3x38uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, int32_t width,
                             int32_t height) {

@@ -3,6 +3,7 @@
 // Both axes are treated alike and alone: where the samples of a destination row or column come from is worked
 // out once for the row and once for the column.
 #include <algorithm>
+#include <memory>
 
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
@@ -23,19 +24,47 @@ int32_t EffectiveMode(int32_t interpolation, int32_t width, int32_t height) {
     return side < 2 ? kPrimNearest : interpolation;
 }
 
+class NearestPlan final : public resize::Plan {
+  public:
+    NearestPlan(const resize::Axis& x, const resize::Axis& y)
+        : y_(y), count_(x.count), columns_(static_cast<size_t>(x.count)) {
+        if (!columns_) return;
+        for (int32_t k = 0; k < count_; ++k) columns_[static_cast<size_t>(k)] = x.NearestSample(k);
+    }
+
+    bool Ready() const { return static_cast<bool>(columns_); }
+
+    void Run(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep) override {
+        const int32_t* const column = columns_.data();
+        for (int32_t y = 0; y < y_.count; ++y) {
+            const uint8_t* const row = Row(src, srcStep, y_.NearestSample(y));
+            uint8_t* const out = Row(dst, dstStep, y);
+            for (int32_t k = 0; k < count_; ++k) out[k] = row[column[k]];
+        }
+    }
+
+  private:
+    resize::Axis y_;
+    int32_t count_;
+    resize::Buffer<int32_t> columns_;
+};
+
 }  // namespace
 
-PrimStatus resize::Nearest(const Image& image) {
-    Buffer<int32_t> columns(static_cast<size_t>(image.x.count));
-    if (!columns) return kPrimMemoryError;
-    int32_t* const column = columns.data();
-    for (int32_t k = 0; k < image.x.count; ++k) column[k] = image.x.NearestSample(k);
-    for (int32_t y = 0; y < image.y.count; ++y) {
-        const uint8_t* const row = Row(image.src, image.srcStep, image.y.NearestSample(y));
-        uint8_t* const out = Row(image.dst, image.dstStep, y);
-        for (int32_t k = 0; k < image.x.count; ++k) out[k] = row[column[k]];
+std::unique_ptr<resize::Plan> resize::Nearest(const Axis& x, const Axis& y) {
+    return MakePlan<NearestPlan>(x, y);
+}
+
+std::unique_ptr<resize::Plan> resize::PlanFor(int32_t interpolation, int32_t srcWidth, int32_t srcHeight,
+                                              const Axis& x, const Axis& y) {
+    switch (EffectiveMode(interpolation, srcWidth, srcHeight)) {
+        case kPrimNearest:
+            return Nearest(x, y);
+        case kPrimLanczos:
+            return Lanczos(x, y);
+        default:
+            return Linear(x, y);
     }
-    return kPrimOk;
 }
 
 PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStep,
@@ -55,19 +84,10 @@ PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeigh
     if (status != kPrimOk) return status;
 
     const Roi clipped = prim::ClipRoi(roi, srcWidth, srcHeight);
-    const resize::Image image{Row(src, srcStep, clipped.y) + clipped.x,
-                              srcStep,
-                              dst,
-                              dstStep,
-                              resize::Axis(clipped.width, xFactor, dstWidth),
-                              resize::Axis(clipped.height, yFactor, dstHeight)};
-    if (image.x.count == 0 || image.y.count == 0) return kPrimOk;
-    switch (EffectiveMode(interpolation, srcWidth, srcHeight)) {
-        case kPrimNearest:
-            return resize::Nearest(image);
-        case kPrimLanczos:
-            return resize::Lanczos(image);
-        default:
-            return resize::Linear(image);
-    }
+    const resize::Axis x(clipped.width, xFactor, dstWidth), y(clipped.height, yFactor, dstHeight);
+    if (x.count == 0 || y.count == 0) return kPrimOk;
+    const std::unique_ptr<resize::Plan> plan = resize::PlanFor(interpolation, srcWidth, srcHeight, x, y);
+    if (!plan) return kPrimMemoryError;
+    plan->Run(Row(src, srcStep, clipped.y) + clipped.x, srcStep, dst, dstStep);
+    return kPrimOk;
 }

@@ -1,4 +1,4 @@
-// What the modes of scaling share: where the samples of an axis come from, and line buffers.
+// What the modes of scaling share: where the samples of an axis come from, line buffers, and plans.
 #ifndef SPECIALEFFECTS_IMAGING_RESIZEAXIS_H
 #define SPECIALEFFECTS_IMAGING_RESIZEAXIS_H
 
@@ -45,13 +45,17 @@ struct Axis {
     }
 };
 
-/// A scaling of the whole of one image to the upper left `x.count` by `y.count` pixels of another.
-struct Image {
-    const uint8_t* src;
-    int32_t srcStep;
-    uint8_t* dst;
-    int32_t dstStep;
-    Axis x, y;
+/// Scalings from one size to another: the tables and the line buffers, made once for any number of pictures.
+class Plan {
+  public:
+    Plan() = default;
+    Plan(const Plan&) = delete;
+    Plan& operator=(const Plan&) = delete;
+    virtual ~Plan() = default;
+
+    /// Scales the whole of `src` to the upper left `x.count` by `y.count` pixels of `dst`. One picture at a
+    /// time: the line buffers belong to the plan.
+    virtual void Run(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep) = 0;
 };
 
 /// A block from the heap, freed with the object; false when there was no memory. Contents undefined.
@@ -73,10 +77,22 @@ class Buffer {
     void* block_;
 };
 
-/// The modes. They give kPrimOk or kPrimMemoryError.
-PrimStatus Nearest(const Image& image);
-PrimStatus Linear(const Image& image);
-PrimStatus Lanczos(const Image& image);
+/// A plan that is ready to run; null when there was no memory.
+template <class ReadyPlan>
+std::unique_ptr<ReadyPlan> MakePlan(const Axis& x, const Axis& y) {
+    std::unique_ptr<ReadyPlan> plan(new (std::nothrow) ReadyPlan(x, y));
+    if (plan && !plan->Ready()) plan.reset();
+    return plan;
+}
+
+/// The modes. Null when there was no memory.
+std::unique_ptr<Plan> Nearest(const Axis& x, const Axis& y);
+std::unique_ptr<Plan> Linear(const Axis& x, const Axis& y);
+std::unique_ptr<Plan> Lanczos(const Axis& x, const Axis& y);
+
+/// The plan with which `interpolation`, a mode of `PrimResize8uC1`, serves a source of this size.
+std::unique_ptr<Plan> PlanFor(int32_t interpolation, int32_t srcWidth, int32_t srcHeight, const Axis& x,
+                              const Axis& y);
 
 }  // namespace resize
 

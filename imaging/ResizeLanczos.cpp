@@ -181,47 +181,68 @@ SE_INLINE void MixLines(const std::array<const float*, kTaps>& lines, const Weig
     }
 }
 
-}  // namespace
+class LanczosPlan final : public Plan {
+  public:
+    LanczosPlan(const Axis& x, const Axis& y)
+        : columns_(x),
+          y_(y),
+          count_(x.count),
+          length_(static_cast<size_t>(x.length)),
+          stride_((static_cast<size_t>(x.count) + kBlock - 1) / kBlock * kBlock),
+          padded_(kTapsBefore + length_ + kTapsBehind + 2 * kWindow),
+          lines_(kTaps * stride_) {
+        // Behind the repeated edge the shuffles read on without use.
+        if (padded_) std::memset(padded_.data(), 0, kTapsBefore + length_ + kTapsBehind + 2 * kWindow);
+    }
 
-PrimStatus Lanczos(const Image& image) {
-    const size_t stride = (static_cast<size_t>(image.x.count) + kBlock - 1) / kBlock * kBlock;
-    const auto length = static_cast<size_t>(image.x.length);
-    // Behind the repeated edge the shuffles read on without use.
-    Buffer<uint8_t> padded(kTapsBefore + length + kTapsBehind + 2 * kWindow);
-    Buffer<float> lines(kTaps * stride);
-    ColumnTable columns(image.x);
-    if (!padded || !lines || !columns) return kPrimMemoryError;
-    std::memset(padded.data(), 0, kTapsBefore + length + kTapsBehind + 2 * kWindow);
+    bool Ready() const { return columns_ && padded_ && lines_; }
 
-    std::array<int32_t, kTaps> held;
-    held.fill(-1);
-    const auto lineOf = [&](int32_t y) {
-        const auto slot = static_cast<size_t>(y % kTaps);
-        float* const line = lines.data() + slot * stride;
-        if (held[slot] == y) return line;
-        held[slot] = y;
-        const uint8_t* const row = Row(image.src, image.srcStep, y);
-        std::memset(padded.data(), row[0], kTapsBefore);
-        std::memcpy(padded.data() + kTapsBefore, row, length);
-        std::memset(padded.data() + kTapsBefore + length, row[length - 1], kTapsBehind);
+    void Run(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep) override {
+        std::array<int32_t, kTaps> held;
+        held.fill(-1);
+        const auto lineOf = [&](int32_t y) {
+            const auto slot = static_cast<size_t>(y % kTaps);
+            float* const line = lines_.data() + slot * stride_;
+            if (held[slot] == y) return line;
+            held[slot] = y;
+            MakeLine(Row(src, srcStep, y), line);
+            return line;
+        };
+        for (int32_t y = 0; y < y_.count; ++y) {
+            const auto [sample, fraction] = y_.Interpolated(y);
+            std::array<const float*, kTaps> taps{};
+            for (int32_t t = 0; t < kTaps; ++t)
+                taps[static_cast<size_t>(t)] = lineOf(std::clamp(sample - kTapsBefore + t, 0, y_.length - 1));
+            AtLevel<MixLines>(taps, WeightsAt(fraction), Row(dst, dstStep, y), count_);
+        }
+    }
+
+  private:
+    void MakeLine(const uint8_t* row, float* line) {
+        std::memset(padded_.data(), row[0], kTapsBefore);
+        std::memcpy(padded_.data() + kTapsBefore, row, length_);
+        std::memset(padded_.data() + kTapsBefore + length_, row[length_ - 1], kTapsBehind);
 #if SE_AVX2
         if (simd::HasAvx2()) {
-            columns.ScaleAvx2(padded.data(), line);
-            return line;
+            columns_.ScaleAvx2(padded_.data(), line);
+            return;
         }
 #endif
-        columns.ScalePlain(padded.data(), line);
-        return line;
-    };
-    for (int32_t y = 0; y < image.y.count; ++y) {
-        const auto [sample, fraction] = image.y.Interpolated(y);
-        std::array<const float*, kTaps> taps{};
-        for (int32_t t = 0; t < kTaps; ++t)
-            taps[static_cast<size_t>(t)] =
-                lineOf(std::clamp(sample - kTapsBefore + t, 0, image.y.length - 1));
-        AtLevel<MixLines>(taps, WeightsAt(fraction), Row(image.dst, image.dstStep, y), image.x.count);
+        columns_.ScalePlain(padded_.data(), line);
     }
-    return kPrimOk;
+
+    ColumnTable columns_;
+    Axis y_;
+    int32_t count_;
+    size_t length_, stride_;
+    Buffer<uint8_t> padded_;
+    Buffer<float> lines_;
+};
+
+}  // namespace
+
+std::unique_ptr<Plan> Lanczos(const Axis& x, const Axis& y) {
+    return MakePlan<LanczosPlan>(x, y);
 }
 
 }  // namespace resize

@@ -223,50 +223,65 @@ void BlendAvx2(const uint16_t* upper, const uint16_t* lower, int32_t weight, uin
 
 #endif
 
-/// Runs the scaling: `scaler` makes lines, `blend` makes destination rows of them.
-template <class RowScaler, class Blend>
-PrimStatus Run(const Image& image, RowScaler& scaler, Blend blend) {
-    const size_t stride = RoundUp(static_cast<size_t>(image.x.count), 32);
-    Buffer<uint16_t> lines(2 * stride);
-    if (!lines) return kPrimMemoryError;
+using Blend = void (*)(const uint16_t* upper, const uint16_t* lower, int32_t weight, uint8_t* out,
+                       int32_t count);
 
-    // Source row i lies in line i % 2, so that the lower row of one destination row can be the upper one of
-    // the next.
-    std::array<int32_t, 2> held{-1, -1};
-    const auto lineOf = [&](int32_t i) {
-        const auto slot = static_cast<size_t>(i % 2);
-        uint16_t* const line = lines.data() + slot * stride;
-        if (held[slot] != i) {
-            held[slot] = i;
-            scaler.Scale(Row(image.src, image.srcStep, i), line);
+/// `RowScaler` makes lines, `blend` makes destination rows of them.
+template <class RowScaler, Blend blend>
+class LinearPlan final : public Plan {
+  public:
+    LinearPlan(const Axis& x, const Axis& y)
+        : scaler_(x),
+          y_(y),
+          count_(x.count),
+          stride_(RoundUp(static_cast<size_t>(x.count), 32)),
+          lines_(2 * stride_) {}
+
+    bool Ready() const { return scaler_ && lines_; }
+    const RowScaler& Scaler() const { return scaler_; }
+
+    void Run(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep) override {
+        // Source row i lies in line i % 2, so that the lower row of one destination row can be the upper one
+        // of the next.
+        std::array<int32_t, 2> held{-1, -1};
+        const auto lineOf = [&](int32_t i) {
+            const auto slot = static_cast<size_t>(i % 2);
+            uint16_t* const line = lines_.data() + slot * stride_;
+            if (held[slot] != i) {
+                held[slot] = i;
+                scaler_.Scale(Row(src, srcStep, i), line);
+            }
+            return line;
+        };
+        for (int32_t y = 0; y < y_.count; ++y) {
+            const auto [sample, fraction] = y_.Interpolated(y);
+            const uint16_t* const upper = lineOf(sample);
+            const uint16_t* const lower = lineOf(std::min(sample + 1, y_.length - 1));
+            blend(upper, lower, Weight(fraction), Row(dst, dstStep, y), count_);
         }
-        return line;
-    };
-    for (int32_t y = 0; y < image.y.count; ++y) {
-        const auto [sample, fraction] = image.y.Interpolated(y);
-        const uint16_t* const upper = lineOf(sample);
-        const uint16_t* const lower = lineOf(std::min(sample + 1, image.y.length - 1));
-        blend(upper, lower, Weight(fraction), Row(image.dst, image.dstStep, y), image.x.count);
     }
-    return kPrimOk;
-}
+
+  private:
+    RowScaler scaler_;
+    Axis y_;
+    int32_t count_;
+    size_t stride_;
+    Buffer<uint16_t> lines_;
+};
 
 }  // namespace
 
-PrimStatus Linear(const Image& image) {
+std::unique_ptr<Plan> Linear(const Axis& x, const Axis& y) {
 #if SE_AVX2
     if (simd::HasAvx2()) {
-        if (ShuffleRowScaler::MaySuit(image.x)) {
-            ShuffleRowScaler scaler(image.x);
-            if (!scaler) return kPrimMemoryError;
-            if (scaler.Suitable()) return Run(image, scaler, BlendAvx2);
+        if (ShuffleRowScaler::MaySuit(x)) {
+            auto plan = MakePlan<LinearPlan<ShuffleRowScaler, BlendAvx2>>(x, y);
+            if (!plan || plan->Scaler().Suitable()) return plan;
         }
-        PlainRowScaler scaler(image.x);
-        return scaler ? Run(image, scaler, BlendAvx2) : kPrimMemoryError;
+        return MakePlan<LinearPlan<PlainRowScaler, BlendAvx2>>(x, y);
     }
 #endif
-    PlainRowScaler scaler(image.x);
-    return scaler ? Run(image, scaler, AtLevel<BlendPlain>) : kPrimMemoryError;
+    return MakePlan<LinearPlan<PlainRowScaler, AtLevel<BlendPlain>>>(x, y);
 }
 
 }  // namespace resize

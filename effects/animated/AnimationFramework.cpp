@@ -127,10 +127,15 @@ void CAnimationFramework::ColorizeChroma(CPlane8u* u, CPlane8u* v) {
 
 /// The mask at the chroma's size; valid until the next call.
 const CPlane8u& CAnimationFramework::HalfMask(const CPlane8u& mask) {
-    const int32_t width = mask.width / 2, height = mask.height / 2;
-    if (Half.width != width || Half.height != height) Half = NewPlane(width, height);
-    ResizePlane(mask, Half);
-    return Half;
+    auto half = std::find_if(Halves.begin(), Halves.end(), [&](const HalfSize& entry) {
+        return entry.of.width == mask.width && entry.of.height == mask.height;
+    });
+    if (half == Halves.end()) {
+        const PlaneSize of{mask.width, mask.height}, to{mask.width / 2, mask.height / 2};
+        half = Halves.insert(half, {of, ResizePlan(of, to), NewPlane(to.width, to.height)});
+    }
+    half->plan.Apply(mask, half->mask);
+    return half->mask;
 }
 
 size_t CAnimationFramework::AddObject(AnimationObject object) {

@@ -7,6 +7,7 @@
 
 #include "effects/animated/AnimationObjects.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ResizePlan.h"
 
 /// Draws its objects in the order in which they were added, clipped to the planes.
 class CAnimationFramework {
@@ -44,9 +45,16 @@ class CAnimationFramework {
     CPlane8u Work;
 
   private:
+    /// Masks of one size, scaled to the chroma's.
+    struct HalfSize {
+        PlaneSize of;
+        ResizePlan plan;
+        CPlane8u mask;
+    };
+
     const CPlane8u& HalfMask(const CPlane8u& mask);
 
-    CPlane8u Half;
+    std::vector<HalfSize> Halves;  ///< for each size of the objects
     CPlane8u ChromaWork;
 };
 

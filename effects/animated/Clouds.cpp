@@ -15,6 +15,7 @@
 #include "imaging/Lookup.h"
 #include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
+#include "imaging/ReleaseMemory.h"
 #include "imaging/ScalarColor.h"
 
 namespace {
@@ -129,19 +130,19 @@ void CCloudsSpecialEffectFilter::Prepare() {
         }
     }
     CPlane8u scratch = NewPlane(kPictureWidth, kPictureHeight);
+    ResizePlan fit({kPictureWidth, kPictureHeight}, {Width(), Height()});
     for (CPlane8u& picture : NoiseFrames) {
         picture = NewPlane(Width(), Height());
         file.read(reinterpret_cast<char*>(scratch.data), static_cast<std::streamsize>(scratch.Size()));
-        ResizePlane(scratch, picture);
+        fit.Apply(scratch, picture);
     }
     Mask = NewPlane(Width(), Height());
     SmallMask = NewPlane(Width() / 2, Height() / 2);
+    Shrink = ResizePlan({Width(), Height()}, {Width() / 2, Height() / 2});
 }
 
 void CCloudsSpecialEffectFilter::Release() {
-    for (CPlane8u& picture : NoiseFrames) picture.Release();
-    Mask.Release();
-    SmallMask.Release();
+    ReleaseMemory(NoiseFrames, Mask, SmallMask, Shrink);
 }
 
 /// `weight` of 256 is all of `next`.
@@ -189,7 +190,7 @@ void CCloudsSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     uint8_t color[4];
     RgbToYuvColor(color, PackedRed(CloudColor), PackedGreen(CloudColor), PackedBlue(CloudColor));
     AtLevel<BlendColor>(frame.y.data, Mask.data, color[0], Mask.Size());
-    ResizePlane(Mask, SmallMask);
+    Shrink.Apply(Mask, SmallMask);
     AtLevel<BlendColor>(frame.v.data, SmallMask.data, color[2], SmallMask.Size());
     AtLevel<BlendColor>(frame.u.data, SmallMask.data, color[1], SmallMask.Size());
 }

@@ -4,6 +4,7 @@
 
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ResizePlan.h"
 
 /// The pictures, 640 by 480 each, are kept in the data file perlin.dat and made by the first `Configure` that
 /// finds none. The file is written under another name and renamed when it is whole. Where it cannot be
@@ -32,6 +33,7 @@ class CCloudsSpecialEffectFilter final : public PlanarEffect<CCloudsSpecialEffec
     CPlane8u NoiseFrames[kPictures];
     CPlane8u Mask;       ///< opacity of the clouds
     CPlane8u SmallMask;  ///< the same at the chroma's size
+    ResizePlan Shrink;   ///< from `Mask` to `SmallMask`
 };
 
 #endif

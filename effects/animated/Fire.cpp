@@ -4,6 +4,7 @@
 
 #include "imaging/Lookup.h"
 #include "imaging/PerLevel.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -68,30 +69,26 @@ SE_INLINE void MixRow(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT blurred
 
 void CFireSpecialEffectFilter::Prepare() {
     Border = 10 * Width() / 640;
-    Padded.reset(PrimMalloc8uC1(Width() + 2 * Border, Height() + 2 * Border, &PaddedStep));
-    Require(Padded != nullptr);
+    Padded = NewPlane(Width() + 2 * Border, Height() + 2 * Border);
+    Blur = BoxFilter(Padded.width, Padded.height, 2 * Border + 1);
     FullU = NewPlane(Width(), Height());
     FullV = NewPlane(Width(), Height());
+    Shrink = ResizePlan({Width(), Height()}, {Width() / 2, Height() / 2});
 }
 
 void CFireSpecialEffectFilter::Release() {
-    Padded.reset();
-    FullU.Release();
-    FullV.Release();
+    ReleaseMemory(Padded, Blur, FullU, FullV, Shrink);
 }
 
 void CFireSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    const int32_t width = Width(), height = Height(), mask = 2 * Border + 1;
-    uint8_t* const inner = Padded.get() + (ptrdiff_t{PaddedStep} + 1) * Border;
-    PrimCopyReplicateBorder8uC1(frame.y.data, width, width, height, Padded.get(), PaddedStep,
-                                width + 2 * Border, height + 2 * Border, Border, Border);
-    // Refused on frames no larger than the mask; the copy then serves as it is.
-    Require(PrimFilterBox8uC1(inner, PaddedStep, width, height, mask, mask, Border, Border) !=
-            kPrimMemoryError);
-
+    const int32_t width = Width(), height = Height();
     CPlane8u y = CPlane8u::Over(frame.y.data, width, height);
+    Padded.CopyWithBorder(y, Border);
+    // Filters nothing on frames no larger than the mask; the copy then serves as it is.
+    Blur.ApplyInPlace(Padded);
+
     for (int32_t row = 0; row < height; ++row) {
-        AtLevel<MixRow>(y.Row(row), inner + ptrdiff_t{PaddedStep} * row, static_cast<size_t>(width));
+        AtLevel<MixRow>(y.Row(row), Padded.Row(Border + row) + Border, static_cast<size_t>(width));
     }
     LookupBytes(kPalette.U.data(), y.data, FullU.data, y.Size());
     LookupBytes(kPalette.V.data(), y.data, FullV.data, y.Size());
@@ -99,8 +96,8 @@ void CFireSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 
     CPlane8u u = CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height);
     CPlane8u v = CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height);
-    ResizePlane(FullU, u);
-    ResizePlane(FullV, v);
+    Shrink.Apply(FullU, u);
+    Shrink.Apply(FullV, v);
 }
 
 template struct EffectClass<CFireSpecialEffectFilter>;

@@ -2,11 +2,10 @@
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_FIRE_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_FIRE_H
 
-#include <memory>
-
 #include "framework/EffectBase.h"
+#include "imaging/BoxFilter.h"
 #include "imaging/Plane8u.h"
-#include "imaging/Prim.h"
+#include "imaging/ResizePlan.h"
 
 /// Luma is mixed with a box-blurred copy of itself, the more so the brighter it is, and the mix indexes a
 /// palette that runs from white through red and blue back to white. Pixels mix in pairs, with the weight of
@@ -20,14 +19,11 @@ class CFireSpecialEffectFilter final : public PlanarEffect<CFireSpecialEffectFil
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    struct Free {
-        void operator()(uint8_t* image) const { PrimFree(image); }
-    };
-
-    int32_t Border = 0;  ///< K: the blur's mask is 2 K + 1 in both directions
-    int32_t PaddedStep = 0;
-    std::unique_ptr<uint8_t, Free> Padded;  ///< the luma with a margin of K all round
-    CPlane8u FullU, FullV;                  ///< chroma at full size
+    int32_t Border = 0;     ///< K: the blur's mask is 2 K + 1 in both directions
+    CPlane8u Padded;        ///< the luma with a margin of K all round
+    BoxFilter Blur;         ///< of `Padded`
+    CPlane8u FullU, FullV;  ///< chroma at full size
+    ResizePlan Shrink;      ///< to the chroma planes
 };
 
 #endif

@@ -50,6 +50,7 @@ void WaterGrid::Prepare(int32_t columns, int32_t rows) {
     Cells.resize(static_cast<size_t>(columns) * static_cast<size_t>(rows));
     for (Cell& cell : Cells) cell = {Rand() % 1000 / 1000.0, 0.0};
     Runners.clear();
+    Runners.reserve(Cells.size());
     RunnerCount.assign(Cells.size(), 0);
 }
 
@@ -139,6 +140,7 @@ std::span<const Property<CRainDropsSpecialEffectFilter>> CRainDropsSpecialEffect
 void CRainDropsSpecialEffectFilter::Prepare() {
     BumpMap = NewPlane(Width(), Height());
     Source = NewPlane(Width(), Height());
+    Soften = BoxFilter(Width(), Height(), 3);
     Grid.Prepare(Width() / kCell, Height() / kCell);
     const size_t cells = static_cast<size_t>(Grid.columns()) * static_cast<size_t>(Grid.rows());
     JitterX.resize(cells);
@@ -150,7 +152,7 @@ void CRainDropsSpecialEffectFilter::Prepare() {
 }
 
 void CRainDropsSpecialEffectFilter::Release() {
-    ReleaseMemory(BumpMap, Source, Grid, JitterX, JitterY);
+    ReleaseMemory(BumpMap, Source, Soften, Grid, JitterX, JitterY);
 }
 
 void CRainDropsSpecialEffectFilter::DrawBumpMap() {
@@ -164,8 +166,8 @@ void CRainDropsSpecialEffectFilter::DrawBumpMap() {
             DrawDome(JitterX[cell] + kCell * cx + kCell / 2, JitterY[cell] + kCell * cy + kCell / 2, radius);
         }
     }
-    FilterBoxInPlace(BumpMap, 3);
-    FilterBoxInPlace(BumpMap, 3);
+    Soften.ApplyInPlace(BumpMap);
+    Soften.ApplyInPlace(BumpMap);
 }
 
 /// Domes add up, modulo 256.

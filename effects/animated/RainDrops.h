@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "framework/EffectBase.h"
+#include "imaging/BoxFilter.h"
 #include "imaging/Plane8u.h"
 
 /// Water on the pane: a coarse grid of cells. Rain falls on random cells, heavy cells start to run, and the
@@ -73,6 +74,7 @@ class CRainDropsSpecialEffectFilter final : public PlanarEffect<CRainDropsSpecia
 
     WaterGrid Grid;
     CPlane8u BumpMap, Source;
+    BoxFilter Soften;
     std::vector<int32_t> JitterX, JitterY;  ///< where in its cell a drop sits, -2 to 2 off the middle
     int32_t RainRate = 5;
 };

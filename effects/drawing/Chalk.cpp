@@ -4,6 +4,7 @@
 
 #include "effects/drawing/Edges.h"
 #include "imaging/Lookup.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -55,12 +56,11 @@ void CChalkSpecialEffectFilter::Prepare() {
     EdgeSource = NewPlane(Width(), Height());
     Scratch = NewPlane(Width(), Height());
     ChromaScratch = NewPlane(Width() / 2, Height() / 2);
+    Blur = BoxFilter(Width(), Height(), 3);
 }
 
 void CChalkSpecialEffectFilter::Release() {
-    EdgeSource.Release();
-    Scratch.Release();
-    ChromaScratch.Release();
+    ReleaseMemory(EdgeSource, Scratch, ChromaScratch, Blur);
 }
 
 void CChalkSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
@@ -75,29 +75,25 @@ void CChalkSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 }
 
 void CChalkSpecialEffectFilter::DrawTones(CPlane8u& y, CPlane8u& u, CPlane8u& v) {
-    Scratch.CopyPixels(y);
-    FilterGauss5(Scratch, y);
-    if (DrawEdges) EdgeSource.CopyPixels(y);
-    FilterMedian5(y, Scratch);
+    // All three filters leave the same ring: it stays that of the frame.
+    FilterGauss5(y, Scratch, FilterRing::kCopied);
+    if (DrawEdges) Blur.Apply(Scratch, EdgeSource);
     FilterMedian5(Scratch, y);
-    LookupBytes(kToneTable.data(), y.data, y.Size());
+    FilterMedian5(y, Scratch);
+    LookupBytes(kToneTable.data(), Scratch.data, y.data, y.Size());
     for (CPlane8u* chroma : {&u, &v}) {
         ChromaScratch.CopyPixels(*chroma);
         FilterGauss3(ChromaScratch, *chroma);
     }
-    if (DrawEdges) {
-        FilterBoxInPlace(EdgeSource, 3);
-        AtLevel<InkEdges>(EdgeSource.data, y.data, y.width, y.height);
-    }
+    if (DrawEdges) AtLevel<InkEdges>(EdgeSource.data, y.data, y.width, y.height);
 }
 
 void CChalkSpecialEffectFilter::DrawOutline(CPlane8u& y, CPlane8u& u, CPlane8u& v) {
     u.Fill(128);
     v.Fill(128);
-    Scratch.CopyPixels(y);
-    FilterBoxInPlace(Scratch, 3);
+    Blur.Apply(y, Scratch);
     AtLevel<OutlineEdges>(Scratch.data, y.data, y.width, y.height);
-    FilterBoxInPlace(y, 3);
+    Blur.ApplyInPlace(y);
 }
 
 template struct EffectClass<CChalkSpecialEffectFilter>;

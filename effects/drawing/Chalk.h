@@ -3,6 +3,7 @@
 #define SPECIALEFFECTS_EFFECTS_DRAWING_CHALK_H
 
 #include "framework/EffectBase.h"
+#include "imaging/BoxFilter.h"
 #include "imaging/Plane8u.h"
 
 /// Smooths the luma, reduces it to eight tones and blurs the chroma. Edges are found in the smoothed picture,
@@ -29,6 +30,7 @@ class CChalkSpecialEffectFilter final : public PlanarEffect<CChalkSpecialEffectF
     CPlane8u EdgeSource;
     CPlane8u Scratch;
     CPlane8u ChromaScratch;
+    BoxFilter Blur;
 };
 
 #endif

@@ -1,6 +1,7 @@
 #include "effects/drawing/ColoredPencil.h"
 
 #include "imaging/PerLevel.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -20,16 +21,16 @@ SE_INLINE void DrawLines(uint8_t* SE_RESTRICT luma, uint8_t* SE_RESTRICT mean, s
 
 void CColoredPencilSpecialEffectFilter::Prepare() {
     Scratch = NewPlane(Width(), Height());
+    Blur = BoxFilter(Width(), Height(), 5);
 }
 
 void CColoredPencilSpecialEffectFilter::Release() {
-    Scratch.Release();
+    ReleaseMemory(Scratch, Blur);
 }
 
 void CColoredPencilSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
-    Scratch.CopyPixels(luma);
-    FilterBoxInPlace(Scratch, 5);
+    Blur.Apply(luma, Scratch);
     AtLevel<DrawLines>(luma.data, Scratch.data, luma.Size());
     FilterGauss5(Scratch, luma);  // the grain of the pencil
 }

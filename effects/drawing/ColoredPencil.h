@@ -3,6 +3,7 @@
 #define SPECIALEFFECTS_EFFECTS_DRAWING_COLOREDPENCIL_H
 
 #include "framework/EffectBase.h"
+#include "imaging/BoxFilter.h"
 #include "imaging/Plane8u.h"
 
 /// Draws where a pixel is brighter than its surroundings; chroma is left alone.
@@ -16,6 +17,7 @@ class CColoredPencilSpecialEffectFilter final : public PlanarEffect<CColoredPenc
 
   private:
     CPlane8u Scratch;
+    BoxFilter Blur;
 };
 
 #endif

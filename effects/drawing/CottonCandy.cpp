@@ -4,6 +4,7 @@
 
 #include "imaging/Lookup.h"
 #include "imaging/PerLevel.h"
+#include "imaging/ReleaseMemory.h"
 #include "imaging/ScalarColor.h"
 
 namespace {
@@ -43,22 +44,24 @@ SE_INLINE void LightNegative(uint8_t* SE_RESTRICT luma, ptrdiff_t width, ptrdiff
 
 void CCottonCandySpecialEffectFilter::Prepare() {
     Padded = NewPlane(Width() + 2 * kMargin, Height() + 2 * kMargin);
+    Blur = BoxFilter(Padded.width, Padded.height, kBlurSize);
     BlurredHalf = NewPlane(Width() / 2, Height() / 2);
+    Shrink = ResizePlan({Padded.width, Padded.height}, {kMargin, kMargin, Width(), Height()},
+                        {Width() / 2, Height() / 2});
 }
 
 void CCottonCandySpecialEffectFilter::Release() {
-    Padded.Release();
-    BlurredHalf.Release();
+    ReleaseMemory(Padded, Blur, BlurredHalf, Shrink);
 }
 
 void CCottonCandySpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
     EqualizeHistogram(luma);
     Padded.CopyWithBorder(luma, kMargin);
-    FilterBoxInPlace(Padded, kBlurSize);
+    Blur.ApplyInPlace(Padded);
     AtLevel<LightNegative>(luma.data, luma.width, luma.height, Padded.Row(kMargin) + kMargin, Padded.width);
 
-    BlurredHalf.ResizeRegion(Padded, luma.width, luma.height, kMargin, kMargin);
+    Shrink.Apply(Padded, BlurredHalf);
     LookupBytes(kUPalette.data(), BlurredHalf.data, frame.u.data, BlurredHalf.Size());
     LookupBytes(kVPalette.data(), BlurredHalf.data, frame.v.data, BlurredHalf.Size());
 }

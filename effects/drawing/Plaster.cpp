@@ -127,8 +127,7 @@ void CPlasterSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     FilterLowpass5(luma, Work);
     ThresholdDark();
 
-    luma.CopyPixels(Mask);
-    Dilate3(luma);
+    Dilate3(Mask, luma, FilterRing::kCopied);
     FilterLowpass5(luma, Work);
     FilterLowpass3(Work, luma);
     luma.FillBorder(3, 0);

@@ -5,6 +5,7 @@
 #include "imaging/Lookup.h"
 #include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
+#include "imaging/ReleaseMemory.h"
 #include "imaging/ScalarColor.h"
 
 struct CFourSquareSpecialEffectFilter::Planes {
@@ -59,14 +60,14 @@ void CFourSquareSpecialEffectFilter::Prepare() {
     for (CPlane8u* plane : {&SmallChroma, &ChromaScratch, &TileU, &TileV}) {
         *plane = NewPlane(Width() / 4, Height() / 4);
     }
+    ShrinkLuma = ResizePlan({Width(), Height()}, {halfWidth, halfHeight});
+    ShrinkChroma = ResizePlan({halfWidth, halfHeight}, {Width() / 4, Height() / 4});
     HasPrevious = false;
 }
 
 void CFourSquareSpecialEffectFilter::Release() {
-    for (CPlane8u* plane :
-         {&Small, &SmallChroma, &Scratch, &ChromaScratch, &Previous, &TileY, &TileU, &TileV}) {
-        plane->Release();
-    }
+    ReleaseMemory(Small, SmallChroma, Scratch, ChromaScratch, Previous, TileY, TileU, TileV, ShrinkLuma,
+                  ShrinkChroma);
 }
 
 void CFourSquareSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
@@ -78,12 +79,11 @@ void CFourSquareSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     Planes planes{CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height),
                   CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height),
                   CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height)};
-    ResizePlane(planes.y, Scratch);
-    Small.CopyPixels(Scratch);
-    FilterGauss3(Scratch, Small);
+    ShrinkLuma.Apply(planes.y, Scratch);
+    FilterGauss3(Scratch, Small, FilterRing::kCopied);
     Steady();
     ThresholdPlane(Small, 60, 0, 180, 255);
-    ResizePlane(Small, SmallChroma);
+    ShrinkChroma.Apply(Small, SmallChroma);
 
     const int32_t x = Width() / 2, y = Height() / 2;
     PrintQuadrant(kTopLeft, 0, 0, planes);
@@ -106,8 +106,7 @@ void CFourSquareSpecialEffectFilter::PrintQuadrant(const Print& print, int32_t x
 
     const auto softenAndPaste = [](const CPlane8u& tile, CPlane8u& scratch, CPlane8u& plane, int32_t atX,
                                    int32_t atY) {
-        scratch.CopyPixels(tile);
-        FilterGauss3(tile, scratch);
+        FilterGauss3(tile, scratch, FilterRing::kCopied);
         plane.Paste(scratch, atX, atY);
     };
     softenAndPaste(TileY, Scratch, frame.y, x, y);

@@ -4,6 +4,7 @@
 
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ResizePlan.h"
 
 /// A shrunken copy of high contrast, steadied against camera noise, is printed in each quadrant with a colour
 /// for its blacks, one for its whites and a tint for the tones between. At odd sizes the last column and row
@@ -30,6 +31,8 @@ class CFourSquareSpecialEffectFilter final : public PlanarEffect<CFourSquareSpec
     CPlane8u TileY;
     CPlane8u TileU;
     CPlane8u TileV;
+    ResizePlan ShrinkLuma;    ///< from the frame to `Small`
+    ResizePlan ShrinkChroma;  ///< from `Small` to `SmallChroma`
     bool HasPrevious = false;
 };
 

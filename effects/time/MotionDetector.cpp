@@ -11,12 +11,13 @@ namespace {
 
 constexpr uint32_t kRed = 255;
 
-/// 1 where a pixel is more than 16 levels away from the background, otherwise 0.
-SE_INLINE void MarkMotion(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT background, size_t count) {
+/// 1 where a pixel of the scene is more than 16 levels away from the background, otherwise 0.
+SE_INLINE void MarkMotion(const uint8_t* SE_RESTRICT scene, const uint8_t* SE_RESTRICT background,
+                          uint8_t* SE_RESTRICT moved, size_t count) {
     constexpr int kThreshold = 16;
     for (size_t i = 0; i < count; ++i) {
-        const int difference = background[i] > y[i] ? background[i] - y[i] : y[i] - background[i];
-        y[i] = difference > kThreshold ? 1 : 0;
+        const int difference = background[i] > scene[i] ? background[i] - scene[i] : scene[i] - background[i];
+        moved[i] = difference > kThreshold ? 1 : 0;
     }
 }
 
@@ -59,16 +60,14 @@ void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     const int32_t historyStep = Width() * static_cast<int32_t>(sizeof(float));
 
     CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
-    Smoothed.CopyPixels(y);
-    FilterGauss3(Smoothed, y);
-    Smoothed.CopyPixels(y);
+    FilterGauss3(y, Smoothed, FilterRing::kCopied);
     if (FirstFrame) {
-        Background.CopyPixels(y);
+        Background.CopyPixels(Smoothed);
         History.assign(History.size(), 0.0F);
         FirstFrame = false;
     }
 
-    AtLevel<MarkMotion>(y.data, Background.data, y.Size());
+    AtLevel<MarkMotion>(Smoothed.data, Background.data, y.data, y.Size());
     PrimUpdateMotionHistory8u32f(y.data, Width(), History.data(), historyStep, Width(), Height(), now,
                                  kDuration);
 

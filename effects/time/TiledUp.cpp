@@ -38,21 +38,33 @@ std::span<const Property<CTiledUpSpecialEffectFilter>> CTiledUpSpecialEffectFilt
 }
 
 void CTiledUpSpecialEffectFilter::Prepare() {
-    GridStorage = NewPlane(Width(), Height());
     TileSize = static_cast<int16_t>(TileSizeFor(Width()));
+    BuildGrids();
     Shade = NewPlane(Width(), Height());
     GroutMap.resize(Shade.Size());
     BuildGroutMap();
 }
 
 void CTiledUpSpecialEffectFilter::Release() {
-    ReleaseMemory(Shade, GridStorage, GroutMap);
+    ReleaseMemory(Shade, LumaGrid, ChromaGrid, GroutMap);
 }
 
 void CTiledUpSpecialEffectFilter::SetTileSize(int32_t size) {
     if (size == TileSize) return;
     TileSize = static_cast<int16_t>(size);
-    if (!GroutMap.empty()) BuildGroutMap();
+    if (GroutMap.empty()) return;
+    BuildGrids();
+    BuildGroutMap();
+}
+
+CTiledUpSpecialEffectFilter::Grid CTiledUpSpecialEffectFilter::MakeGrid(int32_t width, int32_t height) const {
+    const int32_t columns = width / TileSize, rows = height / TileSize;
+    return {NewPlane(columns, rows), ResizePlan({width, height}, {columns, rows})};
+}
+
+void CTiledUpSpecialEffectFilter::BuildGrids() {
+    LumaGrid = MakeGrid(Width(), Height());
+    ChromaGrid = MakeGrid(Width() / 2, Height() / 2);
 }
 
 void CTiledUpSpecialEffectFilter::BuildGroutMap() {
@@ -79,12 +91,11 @@ void CTiledUpSpecialEffectFilter::BuildGroutMap() {
 
 /// One value a tile, from the picture scaled down to the grid. What is left beyond the last whole tile goes
 /// on with that tile's value.
-void CTiledUpSpecialEffectFilter::Pixelate(const FramePlane& plane) {
-    const int32_t tile = TileSize, columns = plane.width / tile, rows = plane.height / tile;
-    if (columns == 0 || rows == 0) return;
+void CTiledUpSpecialEffectFilter::Pixelate(const FramePlane& plane, Grid& grid) const {
+    if (grid.values.Empty()) return;
+    const int32_t tile = TileSize, columns = grid.values.width, rows = grid.values.height;
     CPlane8u picture = CPlane8u::Over(plane.data, plane.width, plane.height);
-    CPlane8u grid = CPlane8u::Over(GridStorage.data, columns, rows);
-    ResizePlane(picture, grid);
+    grid.shrink.Apply(picture, grid.values);
 
     const auto width = static_cast<size_t>(plane.width);
     for (int32_t y = 0; y < plane.height; ++y) {
@@ -93,7 +104,7 @@ void CTiledUpSpecialEffectFilter::Pixelate(const FramePlane& plane) {
             std::memcpy(row, picture.Row(y - 1), width);
             continue;
         }
-        const uint8_t* const values = grid.Row(std::min(y / tile, rows - 1));
+        const uint8_t* const values = grid.values.Row(std::min(y / tile, rows - 1));
         for (int32_t column = 0; column < columns; ++column) {
             const int32_t x = column * tile;
             const int32_t end = column + 1 == columns ? plane.width : x + tile;
@@ -103,10 +114,10 @@ void CTiledUpSpecialEffectFilter::Pixelate(const FramePlane& plane) {
 }
 
 void CTiledUpSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
-    Pixelate(frame.y);
+    Pixelate(frame.y, LumaGrid);
     if (TileSize >= kTintedTiles) {
-        Pixelate(frame.u);
-        Pixelate(frame.v);
+        Pixelate(frame.u, ChromaGrid);
+        Pixelate(frame.v, ChromaGrid);
     }
     const CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
     AtLevel<AddGrout>(y.data, GroutMap.data(), y.Size());

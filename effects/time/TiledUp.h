@@ -6,6 +6,7 @@
 
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ResizePlan.h"
 
 /// Each `Configure` for planar frames chooses "TileSize" from the width anew, whatever the property held; a
 /// host sets it afterwards. A change builds the grout at once, with fresh random numbers; before `Configure`,
@@ -22,10 +23,18 @@ class CTiledUpSpecialEffectFilter final : public PlanarEffect<CTiledUpSpecialEff
   private:
     void SetTileSize(int32_t size);
     void BuildGroutMap();
-    void Pixelate(const FramePlane& plane);
+    /// A plane scaled down to one value a tile.
+    struct Grid {
+        CPlane8u values;
+        ResizePlan shrink;
+    };
+
+    Grid MakeGrid(int32_t width, int32_t height) const;
+    void BuildGrids();
+    void Pixelate(const FramePlane& plane, Grid& grid) const;
 
     CPlane8u Shade;
-    CPlane8u GridStorage;           ///< its buffer holds one value a tile
+    Grid LumaGrid, ChromaGrid;
     std::vector<int16_t> GroutMap;  ///< what each pixel's luma gains, below 0 throughout
     int16_t TileSize = 16;
 };

@@ -4,6 +4,7 @@
 
 #include "imaging/ExactDivision.h"
 #include "imaging/PerLevel.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -56,15 +57,11 @@ void CTimeDistortionSpecialEffectFilter::Prepare() {
     }
     SmallLuma = NewPlane(Width() / 2, Height() / 2);
     SmallAverage = NewPlane(Width() / 2, Height() / 2);
+    Shrink = ResizePlan({Width(), Height()}, {Width() / 2, Height() / 2});
 }
 
 void CTimeDistortionSpecialEffectFilter::Release() {
-    for (uint32_t k = 0; k < kRing; ++k) {
-        HistoryY[k].Release();
-        HistoryU[k].Release();
-        HistoryV[k].Release();
-    }
-    for (CPlane8u* plane : {&Average, &SmallLuma, &SmallAverage}) plane->Release();
+    ReleaseMemory(Average, HistoryY, HistoryU, HistoryV, SmallLuma, SmallAverage, Shrink);
 }
 
 void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
@@ -83,8 +80,8 @@ void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
         if (FrameCount++ >= kRing) WarmingUp = false;
         return;
     }
-    ResizePlane(y, SmallLuma);
-    ResizePlane(Average, SmallAverage);
+    Shrink.Apply(y, SmallLuma);
+    Shrink.Apply(Average, SmallAverage);
     // Delays that are longer than the ring wrap round it.
     const auto past = [now = FrameCount](uint32_t delay) { return (now - delay) % kRing; };
     ForEachChange(Average, y, [&](size_t i, uint32_t delay) { y.data[i] = HistoryY[past(delay)].data[i]; });

@@ -4,6 +4,7 @@
 
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ResizePlan.h"
 
 /// A pixel that has changed is replaced by the same pixel of some frames ago; the stronger the change, the
 /// further back it reaches. The first 33 frames after `Configure` pass unchanged and fill the ring.
@@ -28,6 +29,7 @@ class CTimeDistortionSpecialEffectFilter final : public PlanarEffect<CTimeDistor
     // Luma and its average at the chroma's size: colour decides its delays for itself.
     CPlane8u SmallLuma;
     CPlane8u SmallAverage;
+    ResizePlan Shrink;  ///< to them
 };
 
 #endif

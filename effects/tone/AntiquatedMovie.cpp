@@ -8,6 +8,7 @@
 #include "framework/Surroundings.h"
 #include "imaging/Lookup.h"
 #include "imaging/Prim.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -125,6 +126,7 @@ void CAntiquatedMovieSpecialEffectFilter::Prepare() {
     PrimAddGaussNoise8uC1(GrainPlane.data, GrainPlane.width, GrainPlane.width, GrainPlane.height, 20.0, 17.0,
                           &seed);
     ToneHalfPlane = NewPlane(Width() / 2, Height() / 2);
+    ToneHalf = ResizePlan({Width(), Height()}, {Width() / 2, Height() / 2});
     SoftenPlane = NewPlane(Width(), Height());
     VignettePlane = NewPlane(Width(), Height());
     FillVignette(VignettePlane);
@@ -133,10 +135,7 @@ void CAntiquatedMovieSpecialEffectFilter::Prepare() {
 }
 
 void CAntiquatedMovieSpecialEffectFilter::Release() {
-    GrainPlane.Release();
-    VignettePlane.Release();
-    ToneHalfPlane.Release();
-    SoftenPlane.Release();
+    ReleaseMemory(GrainPlane, VignettePlane, ToneHalfPlane, ToneHalf, SoftenPlane);
 }
 
 void CAntiquatedMovieSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
@@ -188,7 +187,7 @@ void CAntiquatedMovieSpecialEffectFilter::JitterGate(CPlane8u& luma) {
 
 /// The brighter the picture, the more blue is taken from it; the other chroma plane stays neutral.
 void CAntiquatedMovieSpecialEffectFilter::Tint(CPlane8u& luma, const FramePlane& u) {
-    ResizePlane(luma, ToneHalfPlane);
+    ToneHalf.Apply(luma, ToneHalfPlane);
     LookupBytes(kLutLuma.data(), luma.data, luma.Size());
     LookupBytes(kLutChromaFalling.data(), ToneHalfPlane.data, u.data, ToneHalfPlane.Size());
 }

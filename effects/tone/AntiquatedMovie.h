@@ -5,6 +5,7 @@
 
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ResizePlan.h"
 
 /// The damage is drawn with `rand`, which is not seeded here. Properties are read at each frame. On a frame
 /// 64 or less wide or high the hairs are left out, with their random numbers; scratches that do not fit into
@@ -28,6 +29,7 @@ class CAntiquatedMovieSpecialEffectFilter final : public PlanarEffect<CAntiquate
     CPlane8u GrainPlane;  ///< one row higher than the frame, to be read from any column of the first row on
     CPlane8u VignettePlane;   ///< what is left of the light, 255 = all
     CPlane8u ToneHalfPlane;   ///< luma at the size of the chroma
+    ResizePlan ToneHalf;      ///< to it
     CPlane8u SoftenPlane;     ///< luma before it is softened
     int32_t JitterRows = 0;   ///< rows by which the picture has slipped up, 0 to 10
     int32_t DriftColumn = 0;  ///< where the first of the drifting scratches is

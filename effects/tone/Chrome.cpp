@@ -64,8 +64,7 @@ void CChromeSpecialEffectFilter::Release() {
 
 void CChromeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     CPlane8u luma = CPlane8u::Over(frame.y.data, Width(), Height());
-    SmoothPlane.CopyPixels(luma);  // for the edge, which the filter does not reach
-    FilterLowpass5(luma, SmoothPlane);
+    FilterLowpass5(luma, SmoothPlane, FilterRing::kCopied);
     AtLevel<Steady>(SmoothPlane.data, PreviousPlane.data, PreviousPlane.Size());
     FilterLowpass5(PreviousPlane, luma);  // the edge stays raw
 

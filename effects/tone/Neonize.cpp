@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "imaging/PerLevel.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -17,12 +18,10 @@ void PrepareKernel(CGaussKernel1D& kernel, const CPlane8u& plane) {
     kernel.Build(plane.width < 320 ? 0.8 : 1.5, 0);
 }
 
-/// Smooths along the rows and then along the columns. What a pass does not reach keeps what it held.
+/// Smooths along the rows and then along the columns. What a pass does not reach it copies.
 void Smooth(CPlane8u& plane, CPlane8u& scratch, const CGaussKernel1D& kernel) {
-    scratch.CopyPixels(plane);
-    kernel.FilterRows(plane, scratch);
-    plane.CopyPixels(scratch);
-    kernel.FilterColumns(scratch, plane);
+    kernel.FilterRows(plane, scratch, FilterRing::kCopied);
+    kernel.FilterColumns(scratch, plane, FilterRing::kCopied);
 }
 
 SE_INLINE int16_t Magnitude(int16_t dx, int16_t dy) {
@@ -51,10 +50,13 @@ SE_INLINE void DrawChromaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_
     }
 }
 
-/// Scales `work` without its outermost `cut` pixels up to the whole of `plane`.
-void ShowInterior(CPlane8u& plane, const CPlane8u& work, int32_t cut) {
-    const int32_t width = work.width - 2 * cut, height = work.height - 2 * cut;
-    if (width > 0 && height > 0) plane.ResizeRegion(work, width, height, cut, cut);
+PlaneSize SizeOf(const CPlane8u& plane) {
+    return {plane.width, plane.height};
+}
+
+/// Scales `work` without its outermost `cut` pixels up to a whole plane.
+ResizePlan ShowInterior(const CPlane8u& work, int32_t cut, PlaneSize plane) {
+    return {SizeOf(work), {cut, cut, work.width - 2 * cut, work.height - 2 * cut}, plane};
 }
 
 }  // namespace
@@ -70,17 +72,17 @@ void CNeonizeSpecialEffectFilter::Prepare() {
     PrepareGradient(ChromaGradient, ChromaWork);
     PrepareKernel(LumaKernel, LumaWork);
     PrepareKernel(ChromaKernel, ChromaWork);
+
+    const PlaneSize luma{Width(), Height()}, chroma{Width() / 2, Height() / 2};
+    LumaIn = ResizePlan(luma, SizeOf(LumaWork));
+    LumaOut = ShowInterior(LumaWork, 6, luma);
+    ChromaIn = ResizePlan(chroma, SizeOf(ChromaWork));
+    ChromaOut = ShowInterior(ChromaWork, 3, chroma);
 }
 
 void CNeonizeSpecialEffectFilter::Release() {
-    LumaGradient.Release();
-    ChromaGradient.Release();
-    LumaWork.Release();
-    ChromaWork.Release();
-    ChromaBlur.Release();
-    LumaScratch.Release();
-    LumaKernel.Release();
-    ChromaKernel.Release();
+    ReleaseMemory(LumaGradient, ChromaGradient, LumaWork, ChromaWork, ChromaBlur, LumaScratch, LumaKernel,
+                  ChromaKernel, LumaIn, LumaOut, ChromaIn, ChromaOut);
 }
 
 void CNeonizeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
@@ -93,21 +95,20 @@ void CNeonizeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 }
 
 void CNeonizeSpecialEffectFilter::ProcessLuma(CPlane8u& luma) {
-    ResizePlane(luma, LumaWork);
+    LumaIn.Apply(luma, LumaWork);
     Smooth(LumaWork, LumaScratch, LumaKernel);
     LumaGradient.ComputeSobel(LumaWork);
     AtLevel<DrawLumaEdges>(LumaGradient.dx, LumaGradient.dy, LumaWork.data, LumaWork.Size());
-    ShowInterior(luma, LumaWork, 6);
+    LumaOut.Apply(LumaWork, luma);
 }
 
 void CNeonizeSpecialEffectFilter::ProcessChroma(CPlane8u& chroma) {
-    ResizePlane(chroma, ChromaWork);
+    ChromaIn.Apply(chroma, ChromaWork);
     Smooth(ChromaWork, ChromaBlur, ChromaKernel);
     ChromaGradient.ComputeSobel(ChromaWork);
     AtLevel<DrawChromaEdges>(ChromaGradient.dx, ChromaGradient.dy, ChromaWork.data, ChromaWork.Size());
-    ChromaBlur.CopyPixels(ChromaWork);
-    FilterGauss5(ChromaWork, ChromaBlur);
-    ShowInterior(chroma, ChromaBlur, 3);
+    FilterGauss5(ChromaWork, ChromaBlur, FilterRing::kCopied);
+    ChromaOut.Apply(ChromaBlur, chroma);
 }
 
 template struct EffectClass<CNeonizeSpecialEffectFilter>;

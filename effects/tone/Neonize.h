@@ -6,6 +6,7 @@
 #include "imaging/GaussKernel1D.h"
 #include "imaging/GradientImage.h"
 #include "imaging/Plane8u.h"
+#include "imaging/ResizePlan.h"
 
 /// Frames wider than 512 are worked on at half size. The outermost pixels, for which the filters have no
 /// result, are cut away and the rest is scaled up to the full picture; a plane that is no larger than what is
@@ -30,6 +31,8 @@ class CNeonizeSpecialEffectFilter final : public PlanarEffect<CNeonizeSpecialEff
     CPlane8u LumaScratch;  ///< between the two passes of smoothing; for chroma `ChromaBlur` serves
     CGaussKernel1D LumaKernel;
     CGaussKernel1D ChromaKernel;
+    ResizePlan LumaIn, LumaOut;  ///< to the size that is worked on, and back
+    ResizePlan ChromaIn, ChromaOut;
 };
 
 #endif

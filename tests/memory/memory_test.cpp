@@ -192,6 +192,26 @@ TEST_P(Memory, ConfigureToASmallerSizeFreesTheLargerWorkspace) {
     EXPECT_EQ(configure(160, 120), fresh);
 }
 
+// ---- while frames run ------------------------------------------------------------------------------------
+
+TEST_P(Memory, FramesTakeNothingAfterTheFirstTen) {
+    constexpr int kFrames = 50;  // longer than every ring of past frames
+    for (const auto& [width, height] : {std::pair{320, 240}, {640, 480}, {177, 143}}) {
+        Host host(row());
+        ASSERT_NE(host.Create(), nullptr);
+        ASSERT_EQ(host.Configure(width, height), kSuccess);
+        std::vector<TestFrame> scene;
+        for (int i = 0; i < kFrames; ++i) scene.push_back(TestFrame(width, height).DrawScene(i));
+        for (TestFrame& frame : scene) frame.record();
+        int64_t before = 0;
+        for (int i = 0; i < kFrames; ++i) {
+            if (i == 10) before = heap::Allocations();
+            host.Process(scene[static_cast<size_t>(i)]);
+        }
+        EXPECT_EQ(heap::Allocations() - before, 0) << width << " by " << height;
+    }
+}
+
 // ---- out of memory ---------------------------------------------------------------------------------------
 
 /// One life of an effect with frames of two sizes, settings and changes of properties. Stops at the first
