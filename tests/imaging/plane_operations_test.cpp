@@ -28,12 +28,19 @@ struct NamedFilter {
     std::function<void(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t, int32_t)> primitive;
 };
 
+template <void (*filter)(const CPlane8u&, CPlane8u&, FilterRing)>
+void KeepRing(const CPlane8u& src, CPlane8u& dst) {
+    filter(src, dst, FilterRing::kKept);
+}
+
 const std::vector<NamedFilter>& Filters() {
     static const std::vector<NamedFilter> filters = {
-        {"Gauss3", 1, FilterGauss3, [](auto... region) { PrimFilterGauss8uC1(region..., 33); }},
-        {"Gauss5", 2, FilterGauss5, [](auto... region) { PrimFilterGauss8uC1(region..., 55); }},
-        {"Lowpass3", 1, FilterLowpass3, [](auto... region) { PrimFilterLowpass8uC1(region..., 33); }},
-        {"Lowpass5", 2, FilterLowpass5, [](auto... region) { PrimFilterLowpass8uC1(region..., 55); }},
+        {"Gauss3", 1, KeepRing<FilterGauss3>, [](auto... region) { PrimFilterGauss8uC1(region..., 33); }},
+        {"Gauss5", 2, KeepRing<FilterGauss5>, [](auto... region) { PrimFilterGauss8uC1(region..., 55); }},
+        {"Lowpass3", 1, KeepRing<FilterLowpass3>,
+         [](auto... region) { PrimFilterLowpass8uC1(region..., 33); }},
+        {"Lowpass5", 2, KeepRing<FilterLowpass5>,
+         [](auto... region) { PrimFilterLowpass8uC1(region..., 55); }},
         {"Median5", 2, FilterMedian5, [](auto... region) { PrimFilterMedian8uC1(region..., 5, 5, 2, 2); }},
         {"Erode3", 1, Erode3, [](auto... region) { PrimErode3x38uC1(region...); }},
     };
