@@ -98,8 +98,9 @@ std::optional<Options> ParseOptions(int argc, char** argv) {
 
 void PrintUsage() {
     std::fputs(kUsage, stderr);
-    for (const bench::Scene& scene : bench::Scenes())
+    for (const bench::Scene& scene : bench::Scenes()) {
         std::fprintf(stderr, "      %-9s %s\n", scene.name, scene.about);
+    }
     std::fputs(
         "  --cascade FILE  of Picture Me (default the one that the build makes)\n"
         "  --csv           comma-separated values\n",

@@ -94,8 +94,9 @@ bool Cascade::Read(const std::string& path) {
             for (int32_t r = 0; r < inClassifier; ++r) {
                 PrimRect rect{};
                 float weight = 0;
-                if (!Scan(file, "%d %d %d %d %g", &rect.x, &rect.y, &rect.width, &rect.height, &weight))
+                if (!Scan(file, "%d %d %d %d %g", &rect.x, &rect.y, &rect.width, &rect.height, &weight)) {
                     return false;
+                }
                 if (rects.size() == allRects) return false;
                 rects.push_back(rect);
                 weights.push_back(weight);

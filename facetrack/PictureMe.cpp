@@ -130,8 +130,9 @@ void Effect::PlaceSlots() {
 }
 
 ResultCode Effect::ProcessFrame(FrameRecord* frame) {
-    if (frame == nullptr || !IsReadable(frame->Image) || frame->Image->Plane[0] == nullptr)
+    if (frame == nullptr || !IsReadable(frame->Image) || frame->Image->Plane[0] == nullptr) {
         return kInvalidArgument;
+    }
     return Report([&] {
         RegionRect rect{};
         if (Configured) rect = TrackFace(frame->Image->Plane[0]);

@@ -66,8 +66,9 @@ void CGaussKernel1D::FilterColumns(const CPlane8u& src, CPlane8u& dst, FilterRin
         }
     }
     if (src.Empty() || dst.Empty() || src.width > dst.width || src.height < dst.height ||
-        dst.height <= 2 * half)
+        dst.height <= 2 * half) {
         return;
+    }
     PrimFilterColumn8uC1(src.Row(half), src.width, dst.Row(half), dst.width, src.width, dst.height - 2 * half,
                          taps, size, half, divisor);
 }
@@ -87,8 +88,9 @@ void CGaussKernel1D::FilterRows(const CPlane8u& src, CPlane8u& dst, FilterRing e
         }
     }
     if (src.Empty() || dst.Empty() || src.width < dst.width || src.height > dst.height ||
-        dst.width <= 2 * half)
+        dst.width <= 2 * half) {
         return;
+    }
     PrimFilterRow8uC1(src.data + half, src.width, dst.data + half, dst.width, dst.width - 2 * half,
                       src.height, taps, size, half, divisor);
 }

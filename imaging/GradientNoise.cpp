@@ -20,8 +20,9 @@ void DrawUnitVector(std::array<double, n>& vector, int32_t (*rand)()) {
         squares += component * component;
     }
     const double length = std::sqrt(squares);
-    if (length > 0.0)
+    if (length > 0.0) {
         for (double& component : vector) component /= length;
+    }
 }
 
 /// Where a coordinate lies among the lattice lines: the two lines around it and the distances from them.

@@ -52,23 +52,26 @@ constexpr uint32_t kKinds = kStretch3 + 1;
 /// Turns indices into blocks.
 class GatherCompiler {
   public:
-    GatherCompiler(CGatherMap& map, std::span<const uint32_t> index, int32_t width, size_t srcPixels)
+    GatherCompiler(GatherMap& map, std::span<const uint32_t> index, int32_t width, size_t srcPixels)
         : map_(map), index_(index), width_(width), srcPixels_(srcPixels) {}
 
     /// Shuffles, for a destination that holds a cell and a source that holds a window.
     void CompileBlocks() {
         const auto height = static_cast<int32_t>(index_.size() / static_cast<size_t>(width_));
-        for (int32_t top = 0; top < height; top += kAreaHeight)
+        for (int32_t top = 0; top < height; top += kAreaHeight) {
             for (int32_t left = 0; left < width_; left += kAreaWidth) {
                 const int32_t bottom = std::min(top + kAreaHeight, height);
                 const int32_t right = std::min(left + kAreaWidth, width_);
                 // Cells at the far edges are moved back to fit; pixels that two cells share are fetched
                 // twice.
-                for (int32_t y = top; y < bottom; y += kCellHeight)
-                    for (int32_t x = left; x < right; x += kCellWidth)
+                for (int32_t y = top; y < bottom; y += kCellHeight) {
+                    for (int32_t x = left; x < right; x += kCellWidth) {
                         CompileCell(std::min(x, width_ - kCellWidth), std::min(y, height - kCellHeight));
+                    }
+                }
                 FlushArea();
             }
+        }
     }
 
     /// Plain loads, for all else.
@@ -113,9 +116,10 @@ class GatherCompiler {
 
     Block MakeBlock(Shape shape, int32_t x, int32_t y) const {
         Block block{shape, static_cast<uint32_t>(Place(x, y)), {}};
-        for (int32_t i = 0; i < kBlockPixels; ++i)
+        for (int32_t i = 0; i < kBlockPixels; ++i) {
             block.sources[static_cast<size_t>(i)] =
                 index_[shape == Shape::kRow ? Place(x + i, y) : Place(x + i % 4, y + i / 4)];
+        }
         return block;
     }
 
@@ -223,7 +227,7 @@ class GatherCompiler {
         }
     }
 
-    CGatherMap& map_;
+    GatherMap& map_;
     std::span<const uint32_t> index_;
     int32_t width_;
     size_t srcPixels_;
@@ -256,8 +260,9 @@ const uint32_t* RunScattered(const uint32_t* words, uint32_t count, const uint8_
                              ptrdiff_t width) {
     for (; count > 0; --count, words += 1 + kBlockPixels) {
         uint8_t* const out = dst + words[0];
-        for (int32_t i = 0; i < kBlockPixels; ++i)
+        for (int32_t i = 0; i < kBlockPixels; ++i) {
             out[shape == Shape::kRow ? i : i % 4 + i / 4 * width] = src[words[1 + i]];
+        }
     }
     return words;
 }
@@ -300,9 +305,10 @@ SE_TARGET_AVX2 const uint32_t* RunShuffled(const uint32_t* words, uint32_t count
             pixels = _mm_shuffle_epi8(LoadPair(src, windows), picks);
         } else {
             pixels = PickFrom(LoadPair(src, windows), picks, 0);
-            for (size_t p = 1; p < pairs; ++p)
+            for (size_t p = 1; p < pairs; ++p) {
                 pixels = _mm_or_si128(pixels,
                                       PickFrom(LoadPair(src, windows + 2 * p), picks, static_cast<int>(p)));
+            }
         }
         StoreBlock<shape>(pixels, dst + words[0], width);
     }
@@ -314,31 +320,33 @@ SE_TARGET_AVX2 const uint32_t* RunShuffled(const uint32_t* words, uint32_t count
 }  // namespace
 
 void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint8_t* dst, size_t count) {
-    for (size_t i = 0; i < count; ++i)
+    for (size_t i = 0; i < count; ++i) {
         if (index[i] < srcSize) dst[i] = src[index[i]];
+    }
 }
 
-void CGatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t srcPixels, int32_t pixelBytes) {
+void GatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t srcPixels, int32_t pixelBytes) {
     Release();
     if (width < 1 || index.size() < static_cast<size_t>(width)) return;
     width_ = width;
     GatherCompiler compiler(*this, index, width, srcPixels);
     const bool wholeRows = index.size() % static_cast<size_t>(width) == 0;
     if (simd::HasAvx2() && pixelBytes == 1 && wholeRows && width >= kCellWidth &&
-        index.size() / static_cast<size_t>(width) >= kCellHeight && srcPixels >= kWindowBytes)
+        index.size() / static_cast<size_t>(width) >= kCellHeight && srcPixels >= kWindowBytes) {
         compiler.CompileBlocks();
-    else
+    } else {
         compiler.CompileStretches(pixelBytes);
+    }
     words_.shrink_to_fit();
     runs_.shrink_to_fit();
 }
 
-void CGatherMap::Release() {
+void GatherMap::Release() {
     ReleaseMemory(runs_, words_);
     width_ = 0;
 }
 
-void CGatherMap::Apply(const uint8_t* src, uint8_t* dst) const {
+void GatherMap::Apply(const uint8_t* src, uint8_t* dst) const {
     const uint32_t* words = words_.data();
     const ptrdiff_t width = width_;
     for (const auto& [kind, count] : runs_) switch (kind) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 /// dst[i] = src[index[i]] for `count` bytes; where the index is not below `srcSize`, dst[i] stays as it is.
-/// The memories do not overlap. For a map that is used once; a fixed one is better made into a `CGatherMap`.
+/// The memories do not overlap. For a map that is used once; a fixed one is better made into a `GatherMap`.
 void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint8_t* dst, size_t count);
 
 /// A fixed map, compiled for speed: neighbouring pixels mostly come from a few neighbourhoods, so that
@@ -17,13 +17,13 @@ void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint
 ///
 /// Building takes some 50 ns a pixel and memory of 2 to 4 bytes a pixel, and throws std::bad_alloc when there
 /// is none. One map may be applied by several threads at a time.
-class CGatherMap {
+class GatherMap {
   public:
     /// An index that leaves its pixel as it is. Every index past the source does so.
     static constexpr uint32_t kKeep = 0xFFFFFFFF;
 
     /// A map without pixels.
-    CGatherMap() = default;
+    GatherMap() = default;
 
     /// Replaces the map. `index` has one entry for each pixel of the destination, row after row of `width`
     /// pixels: which pixel of the source it takes. The source has `srcPixels` pixels in packed rows of any

@@ -147,8 +147,9 @@ void CPlane8u::ReplicateBorder(int32_t border) {
 }
 
 CPlane8u& CPlane8u::SubtractBoost(const CPlane8u& src) {
-    if (src.width == width && src.height == height)
+    if (src.width == width && src.height == height) {
         PrimSubSfs8uC1(src.data, src.width, data, width, width, height, -4);
+    }
     return *this;
 }
 
@@ -178,18 +179,21 @@ bool CPlane8u::LoadBmp(const char* path) {
 
     const auto fileWidth = static_cast<int32_t>(LittleEndian(&info[4], 4));
     const auto fileHeight = static_cast<int32_t>(LittleEndian(&info[8], 4));
-    if (fileWidth < 1 || fileHeight < 1 || fileWidth > kMaxBitmapSide || fileHeight > kMaxBitmapSide)
+    if (fileWidth < 1 || fileHeight < 1 || fileWidth > kMaxBitmapSide || fileHeight > kMaxBitmapSide) {
         return false;
+    }
     const size_t count = static_cast<size_t>(fileWidth) * static_cast<size_t>(fileHeight);
     if (fileSize < kFileHeaderSize + kInfoHeaderSize + kPaletteSize + count) return false;
 
     // Read aside first: a read that fails after all must not have changed this plane.
     CPlane8u bottomUp = NewPlane(fileWidth, fileHeight);
     if (!ReadExactly(file, bottomUp.data, count)) return false;
-    if (data == nullptr || width != fileWidth || height != fileHeight)
+    if (data == nullptr || width != fileWidth || height != fileHeight) {
         *this = NewPlane(fileWidth, fileHeight);
-    for (int32_t y = 0; y < height; ++y)
+    }
+    for (int32_t y = 0; y < height; ++y) {
         std::memcpy(Row(y), bottomUp.Row(height - 1 - y), static_cast<size_t>(width));
+    }
     return true;
 }
 

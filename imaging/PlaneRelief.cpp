@@ -99,7 +99,7 @@ void DisplaceByGradient(const CPlane8u& bump, const CPlane8u& src, CPlane8u& dst
 
     std::array<int32_t, kStretch> sources;
     std::array<uint8_t, kStretch> fetched;
-    for (int32_t y = 1; y < height - 1; ++y)
+    for (int32_t y = 1; y < height - 1; ++y) {
         for (ptrdiff_t x = 1; x < width - 1; x += kStretch) {
             const ptrdiff_t count = std::min<ptrdiff_t>(kStretch, width - 1 - x);
             const uint8_t* const here = bump.Row(y) + x;
@@ -111,6 +111,7 @@ void DisplaceByGradient(const CPlane8u& bump, const CPlane8u& src, CPlane8u& dst
             for (size_t i = 0; i < static_cast<size_t>(count); ++i) fetched[i] = src.data[sources[i]];
             AtLevel<Brighten>(fetched.data(), here, count, out);
         }
+    }
     const auto columns = static_cast<size_t>(width - 1);
     std::memcpy(dst.Row(0), dst.Row(1), columns);
     if (height > 2) std::memcpy(dst.Row(height - 1), dst.Row(height - 2), columns);
@@ -126,11 +127,12 @@ void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias) {
     // A bias that takes every slope off the scale, whatever its size, is as good as one that just does.
     const auto level = static_cast<int16_t>(128 - std::clamp(bias, -1000, 1000));
     std::array<uint16_t, kStretch> distances;
-    for (int32_t y = 1; y < height - 1; ++y)
+    for (int32_t y = 1; y < height - 1; ++y) {
         for (ptrdiff_t x = 1; x < width - 1; x += kStretch) {
             const ptrdiff_t count = std::min<ptrdiff_t>(kStretch, width - 1 - x);
             AtLevel<Steepness>(src.Row(y) + x, width, level, count, distances.data());
             uint8_t* const out = dst.Row(y) + x;
             for (size_t i = 0; i < static_cast<size_t>(count); ++i) out[i] = shades[distances[i]];
         }
+    }
 }

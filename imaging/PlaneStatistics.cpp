@@ -21,8 +21,9 @@ Histogram CountLevels(const uint8_t* data, size_t size) {
         for (size_t k = 0; k < 8; ++k) ++partial[k][(eight >> (8 * k)) & 255];
     }
     for (; i < size; ++i) ++partial[0][data[i]];
-    for (size_t k = 1; k < partial.size(); ++k)
+    for (size_t k = 1; k < partial.size(); ++k) {
         for (size_t level = 0; level < 256; ++level) partial[0][level] += partial[k][level];
+    }
     return partial[0];
 }
 

@@ -35,8 +35,9 @@ void FlipColumns(uint8_t* data, int32_t step, int32_t width, int32_t height) {
 }
 
 void FlipBoth(uint8_t* data, int32_t step, int32_t width, int32_t height) {
-    for (int32_t top = 0, bottom = height - 1; top < bottom; ++top, --bottom)
+    for (int32_t top = 0, bottom = height - 1; top < bottom; ++top, --bottom) {
         AtLevel<SwapReversed>(Row(data, step, top), Row(data, step, bottom) + width - 1, width);
+    }
     if (height % 2 != 0) FlipColumns(Row(data, step, height / 2), step, width, 1);
 }
 
@@ -101,8 +102,9 @@ PrimStatus PrimCopyReplicateBorder8uC1(const uint8_t* src, int32_t srcStep, int3
                          prim::CheckStep(dstStep, dstWidth));
     if (status != kPrimOk) return status;
     uint8_t* const inner = Row(dst, dstStep, topBorder) + leftBorder;
-    for (int32_t y = 0; y < srcHeight; ++y)
+    for (int32_t y = 0; y < srcHeight; ++y) {
         std::memcpy(Row(inner, dstStep, y), Row(src, srcStep, y), static_cast<size_t>(srcWidth));
+    }
     FillBands(inner, dstStep, srcWidth, srcHeight, sizes);
     return kPrimOk;
 }

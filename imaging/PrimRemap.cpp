@@ -143,8 +143,9 @@ void ForEachStretch(const Warp& warp, Stretch stretch) {
         const float* const xs = Row(warp.xMap, warp.xMapStep, row);
         const float* const ys = Row(warp.yMap, warp.yMapStep, row);
         uint8_t* const out = Row(warp.dst, warp.dstStep, row);
-        for (ptrdiff_t x = 0; x < warp.dstWidth; x += kStretch)
+        for (ptrdiff_t x = 0; x < warp.dstWidth; x += kStretch) {
             stretch(xs + x, ys + x, std::min<ptrdiff_t>(kStretch, warp.dstWidth - x), out + channels * x);
+        }
     }
 }
 
@@ -154,9 +155,11 @@ void RemapNearest(const Warp& warp) {
     ForEachStretch<channels>(warp, [&](const float* xs, const float* ys, ptrdiff_t count, uint8_t* out) {
         const bool all =
             AtLevel<FindNearest>(xs, ys, count, warp.xRange(), warp.yRange(), warp.srcStep, channels, places);
-        for (ptrdiff_t i = 0; i < count; ++i)
-            if (all || places.inside[static_cast<size_t>(i)] != 0)
+        for (ptrdiff_t i = 0; i < count; ++i) {
+            if (all || places.inside[static_cast<size_t>(i)] != 0) {
                 std::memcpy(out + channels * i, warp.src + places.offset[static_cast<size_t>(i)], channels);
+            }
+        }
     });
 }
 
@@ -179,9 +182,11 @@ void RemapLinear(const Warp& warp) {
             const bool direct = channels == 1 && all;
             AtLevel<MixCorners>(corners, places, count, direct ? out : mixed.data());
             if (direct) continue;
-            for (ptrdiff_t i = 0; i < count; ++i)
-                if (all || places.inside[static_cast<size_t>(i)] != 0)
+            for (ptrdiff_t i = 0; i < count; ++i) {
+                if (all || places.inside[static_cast<size_t>(i)] != 0) {
                     out[channels * i + c] = mixed[static_cast<size_t>(i)];
+                }
+            }
         }
     });
 }
@@ -249,12 +254,14 @@ PrimStatus Remap(const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_
                     dstWidth, dstHeight};
     const bool nearest = interpolation == kPrimNearest || srcWidth == 1 || srcHeight == 1;
     const bool ordinary = warp.Ordinary(srcWidth, srcHeight);
-    if (ordinary && nearest)
+    if (ordinary && nearest) {
         RemapNearest<channels>(warp);
-    else if (ordinary && warp.roi.width > 1 && warp.roi.height > 1 && warp.roi.x1() > 1 && warp.roi.y1() > 1)
+    } else if (ordinary && warp.roi.width > 1 && warp.roi.height > 1 && warp.roi.x1() > 1 &&
+               warp.roi.y1() > 1) {
         RemapLinear<channels>(warp);
-    else
+    } else {
         RemapPlain<channels>(warp, nearest);
+    }
     return kPrimOk;
 }
 

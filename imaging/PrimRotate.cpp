@@ -262,9 +262,10 @@ void RotateInto(const Trace& trace, uint8_t* dst, int32_t dstStep, const Roi& ro
         const auto first = static_cast<int32_t>(std::max<double>(range.begin + trace.xShift, roi.x0()));
         const auto last = static_cast<int32_t>(std::min<double>(range.end + trace.xShift, roi.x1()));
         uint8_t* const out = Row(dst, dstStep, row);
-        for (ptrdiff_t column = first; column <= last; column += kStretch)
+        for (ptrdiff_t column = first; column <= last; column += kStretch) {
             RotateStretch<Kernel>(trace, static_cast<int32_t>(column), row,
                                   std::min<ptrdiff_t>(kStretch, last + 1 - column), softEdge, out + column);
+        }
     }
 }
 
@@ -292,14 +293,15 @@ PrimStatus PrimRotate8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeigh
                       xShift, yShift);
     const bool rightAngle = trace.direction.c == 0.0 || trace.direction.s == 0.0;
     const bool permutation = rightAngle && xShift == std::trunc(xShift) && yShift == std::trunc(yShift);
-    if (permutation)
+    if (permutation) {
         RotateInto<NearestKernel>(trace, dst, dstStep, dstRoi, false);
-    else if (mode == kPrimNearest)
+    } else if (mode == kPrimNearest) {
         RotateInto<NearestKernel>(trace, dst, dstStep, dstRoi, softEdge);
-    else if (mode == kPrimLinear)
+    } else if (mode == kPrimLinear) {
         RotateInto<LinearKernel>(trace, dst, dstStep, dstRoi, softEdge);
-    else
+    } else {
         RotateInto<CubicKernel>(trace, dst, dstStep, dstRoi, softEdge);
+    }
     return kPrimOk;
 }
 

@@ -54,8 +54,9 @@ Weights WeightsAt(double fraction) {
         const double position = std::fabs(t - kTapsBefore - fraction) * 100.0;
         const auto i = static_cast<size_t>(position);
         double& weight = raw[static_cast<size_t>(t)];
-        if (position < 300.0)
+        if (position < 300.0) {
             weight = table[i] + (position - static_cast<double>(i)) * (table[i + 1] - table[i]);
+        }
         sum += weight;
     }
     Weights weights{};
@@ -140,7 +141,7 @@ class ColumnTable {
     void Lay(Block& block, const std::array<int32_t, kBlock>& samples) {
         constexpr uint8_t kNothing = 0x80;
         block.samples = samples;
-        for (size_t t = 0; t < kTaps; ++t)
+        for (size_t t = 0; t < kTaps; ++t) {
             for (size_t i = 0; i < kBlock; ++i) {
                 const int32_t x = samples[i] - samples[0] + static_cast<int32_t>(t);
                 Block::Picks& picks = block.picks[t / 2];
@@ -149,6 +150,7 @@ class ColumnTable {
                 picks.far[at] = x < kWindow ? kNothing : static_cast<uint8_t>(x - kWindow);
                 if (x >= 2 * kWindow) shuffles_ = false;
             }
+        }
     }
 
 #if SE_AVX2
@@ -211,8 +213,9 @@ class LanczosPlan final : public Plan {
         for (int32_t y = 0; y < y_.count; ++y) {
             const auto [sample, fraction] = y_.Interpolated(y);
             std::array<const float*, kTaps> taps{};
-            for (int32_t t = 0; t < kTaps; ++t)
+            for (int32_t t = 0; t < kTaps; ++t) {
                 taps[static_cast<size_t>(t)] = lineOf(std::clamp(sample - kTapsBefore + t, 0, y_.length - 1));
+            }
             AtLevel<MixLines>(taps, WeightsAt(fraction), Row(dst, dstStep, y), count_);
         }
     }

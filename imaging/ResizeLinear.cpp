@@ -66,8 +66,9 @@ class PlainRowScaler {
 /// Blends two lines into a destination row.
 SE_INLINE void BlendPlain(const uint16_t* SE_RESTRICT upper, const uint16_t* SE_RESTRICT lower,
                           int32_t weight, uint8_t* SE_RESTRICT out, int32_t count) {
-    for (int32_t k = 0; k < count; ++k)
+    for (int32_t k = 0; k < count; ++k) {
         out[k] = static_cast<uint8_t>((lower[k] * weight + upper[k] * (kOne - weight) + 0x80000) >> 20);
+    }
 }
 
 #if SE_AVX2
@@ -87,11 +88,12 @@ class ShuffleRowScaler {
     explicit ShuffleRowScaler(const Axis& axis)
         : blockCount_(RoundUp(static_cast<size_t>(axis.count), kBlock) / kBlock), blocks_(blockCount_) {
         if (!blocks_) return;
-        for (size_t b = 0; b < blockCount_; ++b)
+        for (size_t b = 0; b < blockCount_; ++b) {
             if (!Lay(axis, b)) {
                 suitable_ = false;
                 return;
             }
+        }
     }
 
     explicit operator bool() const { return static_cast<bool>(blocks_); }
@@ -211,8 +213,9 @@ SE_TARGET_AVX2
 void BlendAvx2(const uint16_t* upper, const uint16_t* lower, int32_t weight, uint8_t* out, int32_t count) {
     const __m256i weights = _mm256_set1_epi32((weight << 16) | (kOne - weight));
     int32_t k = 0;
-    for (; k + kBlendBlock <= count; k += kBlendBlock)
+    for (; k + kBlendBlock <= count; k += kBlendBlock) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + k), BlendBlock(upper + k, lower + k, weights));
+    }
     if (k < count) {
         alignas(32) std::array<uint8_t, kBlendBlock> last;
         _mm256_store_si256(reinterpret_cast<__m256i*>(last.data()),

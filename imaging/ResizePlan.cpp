@@ -30,6 +30,7 @@ void ResizePlan::Apply(const CPlane8u& src, CPlane8u& dst) {
     const auto hasSize = [](const CPlane8u& plane, PlaneSize size) {
         return !plane.Empty() && plane.width == size.width && plane.height == size.height;
     };
-    if (plan_ && hasSize(src, from_) && hasSize(dst, to_))
+    if (plan_ && hasSize(src, from_) && hasSize(dst, to_)) {
         plan_->Run(src.Row(y_) + x_, src.width, dst.data, dst.width);
+    }
 }

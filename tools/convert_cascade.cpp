@@ -93,8 +93,9 @@ void Convert(const std::string& from, const std::string& to, const std::string& 
             size_t feature = 0;
             Read(weak, "internalNodes", left, right, feature, stump.threshold);
             Read(weak, "leafValues", stump.below, stump.above);
-            if (feature >= features.size())
+            if (feature >= features.size()) {
                 throw std::runtime_error("a stump names a feature that is not there");
+            }
             stump.rects = features[feature];
             rectCount += stump.rects.size();
             ++stumpCount;

@@ -34,8 +34,9 @@ std::string Output(const std::string& command) {
     if (!pipe) throw std::runtime_error("cannot run " + command);
     std::string text;
     std::array<char, 4096> part{};
-    while (const size_t got = std::fread(part.data(), 1, part.size(), pipe.get()))
+    while (const size_t got = std::fread(part.data(), 1, part.size(), pipe.get())) {
         text.append(part.data(), got);
+    }
     return text;
 }
 

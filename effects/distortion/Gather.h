@@ -12,14 +12,14 @@
 #include "imaging/Plane8u.h"
 
 /// The map of a picture onto itself; `indices` has one entry for each pixel.
-inline CGatherMap MakeGatherMap(const std::vector<uint32_t>& indices, int32_t width, int32_t pixelBytes = 1) {
-    CGatherMap map;
+inline GatherMap MakeGatherMap(const std::vector<uint32_t>& indices, int32_t width, int32_t pixelBytes = 1) {
+    GatherMap map;
     map.Build(indices, width, indices.size(), pixelBytes);
     return map;
 }
 
 /// Bends a plane by way of a copy in `scratch`, which is no smaller.
-inline void GatherInPlace(const CGatherMap& map, const FramePlane& plane, CPlane8u& scratch) {
+inline void GatherInPlace(const GatherMap& map, const FramePlane& plane, CPlane8u& scratch) {
     std::memcpy(scratch.data, plane.data,
                 static_cast<size_t>(plane.width) * static_cast<size_t>(plane.height));
     map.Apply(scratch.data, plane.data);

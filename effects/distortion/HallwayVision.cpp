@@ -28,7 +28,7 @@ struct Bend {
 };
 
 /// Whole offsets, from a whole centre. Only the flat index is held inside the plane, not its column.
-CGatherMap BuildMap(int32_t width, int32_t height) {
+GatherMap BuildMap(int32_t width, int32_t height) {
     const int32_t hw = width / 2, hh = height / 2, R2 = hh * hh, count = width * height;
     std::vector<uint32_t> indices(static_cast<size_t>(count));
     for (int32_t y = 0; y < height; ++y) {
@@ -87,7 +87,7 @@ void CHallwayVisionSpecialEffectFilter::Prepare() {
         FillTable(chroma.View());
         IndexHalf = MakeGatherMap(chroma.View().NearestIndices(), width / 2);
         if (width > 1 && height > 1) {
-            LumaWarp = CLinearWarp(luma.View());
+            LumaWarp = LinearWarp(luma.View());
         } else {  // there is nothing to interpolate with
             IndexFull = MakeGatherMap(luma.View().NearestIndices(), width);
         }

@@ -23,9 +23,9 @@ class CHallwayVisionSpecialEffectFilter final : public PlanarEffect<CHallwayVisi
   private:
     bool UseIndexTable;
     CPlane8u Scratch;
-    CGatherMap IndexFull;  ///< luma, without interpolation
-    CLinearWarp LumaWarp;  ///< luma, with it; one of the two is empty
-    CGatherMap IndexHalf;  ///< chroma
+    GatherMap IndexFull;  ///< luma, without interpolation
+    LinearWarp LumaWarp;  ///< luma, with it; one of the two is empty
+    GatherMap IndexHalf;  ///< chroma
 };
 
 #endif

@@ -30,7 +30,7 @@ ResultCode CSpecialEffectFilter_IppDistortion::Configure(StreamDescription* desc
     std::vector<uint8_t> scratch;
     scratch.reserve(planar ? pixels + 2 * chromaPixels : 3 * pixels);
     scratch.resize(planar ? pixels : 3 * pixels);
-    CGatherMap halfMap;
+    GatherMap halfMap;
     if (planar) {
         scratch.resize(pixels + 2 * chromaPixels, 128);
         halfMap = BuildMap(Stream.Width / 2, Stream.Height / 2, 1);
@@ -41,7 +41,7 @@ ResultCode CSpecialEffectFilter_IppDistortion::Configure(StreamDescription* desc
     return kSuccess;
 }
 
-CGatherMap CSpecialEffectFilter_IppDistortion::BuildMap(int32_t width, int32_t height, int32_t pixelBytes) {
+GatherMap CSpecialEffectFilter_IppDistortion::BuildMap(int32_t width, int32_t height, int32_t pixelBytes) {
     OwnedRemapTable owned(width, height);
     const RemapTable table = owned.View();
     BuildRemapTable(table.xMap, table.yMap, width, height);
@@ -54,8 +54,9 @@ ResultCode CSpecialEffectFilter_IppDistortion::ProcessFrame(FrameRecord* frame) 
 
     const ImageRecord& image = *frame->Image;
     const int planes = Stream.Format == kFormatPlanar ? 3 : 1;
-    if (std::find(image.Plane, image.Plane + planes, nullptr) != image.Plane + planes)
+    if (std::find(image.Plane, image.Plane + planes, nullptr) != image.Plane + planes) {
         return kInvalidArgument;
+    }
     if (Stream.Format == kFormatPlanar) {
         ProcessPlanar(image);
     } else {
@@ -67,7 +68,7 @@ ResultCode CSpecialEffectFilter_IppDistortion::ProcessFrame(FrameRecord* frame) 
 void CSpecialEffectFilter_IppDistortion::ProcessPlanar(const ImageRecord& image) {
     const PlanarFrame frame(image, Stream);
     uint8_t* bent = Scratch.data();
-    const auto bend = [&bent](const CGatherMap& map, const FramePlane& plane) {
+    const auto bend = [&bent](const GatherMap& map, const FramePlane& plane) {
         const size_t pixels = PixelCount(plane.width, plane.height);
         map.Apply(plane.data, bent);
         std::memcpy(plane.data, bent, std::min(pixels, static_cast<size_t>(std::max(plane.size, 0))));

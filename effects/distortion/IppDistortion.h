@@ -31,13 +31,13 @@ class CSpecialEffectFilter_IppDistortion : public CSpecialEffectFilter {
     ~CSpecialEffectFilter_IppDistortion() = default;
 
   private:
-    CGatherMap BuildMap(int32_t width, int32_t height, int32_t pixelBytes);
+    GatherMap BuildMap(int32_t width, int32_t height, int32_t pixelBytes);
 
     void ProcessPlanar(const ImageRecord& image);
     void ProcessPacked(uint8_t* pixels);
 
-    CGatherMap HalfMap;            ///< for the chroma planes
-    CGatherMap FullMap;            ///< for luma, or for packed pixels
+    GatherMap HalfMap;             ///< for the chroma planes
+    GatherMap FullMap;             ///< for luma, or for packed pixels
     std::vector<uint8_t> Scratch;  ///< the bent picture, plane after plane
     StreamDescription Stream{};
 };

@@ -75,7 +75,7 @@ SE_INLINE bool MixQuickly(const Neighbours& pixels, const float* SE_RESTRICT fra
 
 }  // namespace
 
-CLinearWarp::CLinearWarp(const RemapTable& table) : width_(table.width) {
+LinearWarp::LinearWarp(const RemapTable& table) : width_(table.width) {
     const int32_t lastX = table.width - 1, lastY = table.height - 1;
     const auto moves = [&](int32_t x, int32_t y) {
         const float sx = table.XRow(y)[x], sy = table.YRow(y)[x];
@@ -100,7 +100,7 @@ CLinearWarp::CLinearWarp(const RemapTable& table) : width_(table.width) {
     }
 }
 
-void CLinearWarp::Apply(const uint8_t* src, uint8_t* dst) const {
+void LinearWarp::Apply(const uint8_t* src, uint8_t* dst) const {
     const int32_t* source = source_.data();
     const float* fractionX = fractionX_.data();
     const float* fractionY = fractionY_.data();
@@ -113,8 +113,9 @@ void CLinearWarp::Apply(const uint8_t* src, uint8_t* dst) const {
                 pixels.upper[static_cast<size_t>(i)] = LoadPair(src + source[i]);
                 pixels.lower[static_cast<size_t>(i)] = LoadPair(src + source[i] + width_);
             }
-            if (!AtLevel<MixQuickly>(pixels, fractionX, fractionY, count, out))
+            if (!AtLevel<MixQuickly>(pixels, fractionX, fractionY, count, out)) {
                 AtLevel<MixExactly>(pixels, fractionX, fractionY, count, out);
+            }
             source += count;
             fractionX += count;
             fractionY += count;

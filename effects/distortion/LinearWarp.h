@@ -10,11 +10,11 @@
 /// The table in the form in which a frame needs it: of each row only the pixels from the first to the last
 /// that move, and of each of these its place in the source and its two fractions. The results are those of
 /// the linear remap primitive.
-class CLinearWarp {
+class LinearWarp {
   public:
-    CLinearWarp() = default;
+    LinearWarp() = default;
     /// The picture is at least 2 by 2.
-    explicit CLinearWarp(const RemapTable& table);
+    explicit LinearWarp(const RemapTable& table);
 
     /// `dst` holds the same picture as `src` before the call; what does not move is not written.
     void Apply(const uint8_t* src, uint8_t* dst) const;

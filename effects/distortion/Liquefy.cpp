@@ -78,14 +78,17 @@ void CLiquefySpecialEffectFilter::MakeWaves() {
     std::vector<double> a(width), b(height);
     for (int32_t i = 0; i < FrameCount; ++i) {
         const double phase = 100.0 / FrameCount * i;
-        for (size_t x = 0; x < width; ++x)
+        for (size_t x = 0; x < width; ++x) {
             a[x] = std::sin(2 * ((static_cast<double>(x) + phase) / 100.0) * kPi) * 30.0;
-        for (size_t y = 0; y < height; ++y)
+        }
+        for (size_t y = 0; y < height; ++y) {
             b[y] = std::cos(2 * ((static_cast<double>(y) + phase) / 100.0) * kPi) * 30.0;
+        }
         uint8_t* pixel = Frames[static_cast<size_t>(i)].data;
         for (size_t y = 0; y < height; ++y) {
-            for (size_t x = 0; x < width; ++x)
+            for (size_t x = 0; x < width; ++x) {
                 *pixel++ = static_cast<uint8_t>(static_cast<int32_t>(a[x] + b[y] + 60.0));
+            }
         }
     }
 }
@@ -138,8 +141,9 @@ void CLiquefySpecialEffectFilter::CopyScrollWindow() {
     const auto pos = static_cast<int32_t>((ChangeSpeed + 2) * FrameCounter % around);
     const int32_t untilEnd = std::min(width, around - pos);
     PrimCopy8uC1(ScrollPlane.data + pos, around, HeightMap.data, width, untilEnd, height);
-    if (untilEnd < width)
+    if (untilEnd < width) {
         PrimCopy8uC1(ScrollPlane.data, around, HeightMap.data + untilEnd, width, width - untilEnd, height);
+    }
 }
 
 const CPlane8u& CLiquefySpecialEffectFilter::NextHeightMap() {

@@ -18,7 +18,7 @@ std::vector<uint32_t> RemapTable::NearestIndices() const {
         const bool inside = x >= 0 && x <= width - 1 && y >= 0 && y <= height - 1;
         indices[i] = inside ? static_cast<uint32_t>(y + 0.5) * static_cast<uint32_t>(width) +
                                   static_cast<uint32_t>(x + 0.5)
-                            : CGatherMap::kKeep;
+                            : GatherMap::kKeep;
     }
     return indices;
 }

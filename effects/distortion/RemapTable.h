@@ -18,7 +18,7 @@ struct RemapTable {
     /// Every pixel is its own source.
     void FillIdentity() const;
 
-    /// The indices of the source pixels, coordinates rounded half up; CGatherMap::kKeep where the source lies
+    /// The indices of the source pixels, coordinates rounded half up; GatherMap::kKeep where the source lies
     /// outside the picture.
     std::vector<uint32_t> NearestIndices() const;
 };

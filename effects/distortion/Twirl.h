@@ -22,11 +22,11 @@ class CTwirlSpecialEffectFilter final : public PlanarEffect<CTwirlSpecialEffectF
   private:
     enum : int32_t { kDisc = 0, kWholeFrame = 1 };
 
-    CGatherMap BuildMap(int32_t width, int32_t height) const;
+    GatherMap BuildMap(int32_t width, int32_t height) const;
 
     int32_t Mode;
     CPlane8u Scratch;
-    CGatherMap LumaMap, ChromaMap;
+    GatherMap LumaMap, ChromaMap;
     double Angle;
 };
 

@@ -85,8 +85,9 @@ SE_INLINE void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdi
 /// Lights the relief `src` into the interior of `dst`.
 void Emboss(const CPlane8u& src, CPlane8u& dst) {
     const uint8_t* const shades = Shades().data();
-    for (int32_t y = 1; y < src.height - 1; ++y)
+    for (int32_t y = 1; y < src.height - 1; ++y) {
         AtLevel<EmbossRow>(src.Row(y), src.width, dst.Row(y), src.width, shades);
+    }
 }
 
 /// kDark up to `limit`, 0 above it.

@@ -23,8 +23,9 @@ using Table = std::array<uint8_t, 256>;
 /// Chroma by luma: the tint grows with the luma, exact black and white have colours of their own.
 constexpr Table ChromaTable(int32_t tint, uint8_t black, uint8_t white) {
     Table table{};
-    for (int32_t i = 0; i < 256; ++i)
+    for (int32_t i = 0; i < 256; ++i) {
         table[static_cast<size_t>(i)] = static_cast<uint8_t>(i * tint / 255 + 128);
+    }
     table[0] = black;
     table[255] = white;
     return table;

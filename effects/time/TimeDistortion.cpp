@@ -36,8 +36,9 @@ void ForEachChange(const CPlane8u& average, const CPlane8u& luma, Reach reach) {
     uint8_t difference[kBlock];
     for (size_t start = 0; start < luma.Size(); start += kBlock) {
         const size_t count = std::min(kBlock, luma.Size() - start);
-        if (AtLevel<Differences>(average.data + start, luma.data + start, difference, count) <= kStill)
+        if (AtLevel<Differences>(average.data + start, luma.data + start, difference, count) <= kStill) {
             continue;
+        }
         for (size_t k = 0; k < count; ++k) {
             if (difference[k] > kStill) reach(start + k, difference[k] / 4U);
         }

@@ -286,7 +286,7 @@ std::vector<uint32_t> MakeMap(MapKind kind, bool holes, int32_t width, int32_t h
                        row = static_cast<int64_t>(std::floor(sy));
             const bool outside = column < 0 || row < 0 || column >= width || row >= height;
             const bool hole = holes && random.Whole(0, 99) == 0;
-            map.push_back(hole ? CGatherMap::kKeep - static_cast<uint32_t>(random.Whole(0, 1000))
+            map.push_back(hole ? GatherMap::kKeep - static_cast<uint32_t>(random.Whole(0, 1000))
                                : static_cast<uint32_t>(outside ? y * width + x : row * width + column));
         }
     }
@@ -301,7 +301,7 @@ void Gather(Trial& t) {
     const bool holes = t.Pick("holes", {0, 1}) != 0;
     const std::vector<uint32_t> index = MakeMap(kind, holes, t.width(), t.height(), t.random());
     const auto pixels = static_cast<size_t>(t.width()) * static_cast<size_t>(t.height());
-    CGatherMap map;
+    GatherMap map;
     map.Build(index, t.width(), pixels, pixelBytes);
     const auto src = t.Source<uint8_t>({.channels = pixelBytes, .packed = true});
     const auto dst = t.Target<uint8_t>({.channels = pixelBytes, .packed = true});
@@ -347,8 +347,8 @@ const Register kernels("geometry", {
                                        {"EqualizeHistogram", Equalize},
                                        {"DisplaceByGradient", Displace},
                                        {"ShadeByGradient", Shade},
-                                       {"CGatherMap", Gather<1>},
-                                       {"CGatherMap, 3 bytes", Gather<3>, 3},
+                                       {"GatherMap", Gather<1>},
+                                       {"GatherMap, 3 bytes", Gather<3>, 3},
                                        {"GatherBytes", GatherOnce},
                                    });
 

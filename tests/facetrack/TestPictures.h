@@ -87,10 +87,12 @@ inline CPlane8u FacelessPicture(int index, int32_t width, int32_t height) {
             double value = 0;
             if (index < 8) value = random.Byte();
             if (index >= 8 && index < 12) value = (x * (index - 7) + y * 2) % 512 / 2.0;
-            if (index >= 12 && index < 16)
+            if (index >= 12 && index < 16) {
                 value = 128 + 100 * std::sin(x * 0.02 * index) * std::cos(y * 0.013 * index);
-            if (index >= 16)
+            }
+            if (index >= 16) {
                 value = ((x / (4 * index - 50)) + (y / (3 * index - 40))) % 2 * 120 + 60 + random.Below(20);
+            }
             plane.Row(y)[x] = static_cast<uint8_t>(std::clamp(value, 0.0, 255.0));
         }
     }

@@ -360,8 +360,9 @@ TEST(Faces, AreMergedFromClusters) {
     EXPECT_EQ(detector.GetFace().width, 0);
 
     // Two clusters that make one face, one far off, and one that lies inside the first.
-    for (const Hit hit : {Hit{100, 100, 60}, {103, 101, 62}, {101, 99, 61}, {200, 100, 60}, {102, 108, 58}})
+    for (const Hit hit : {Hit{100, 100, 60}, {103, 101, 62}, {101, 99, 61}, {200, 100, 60}, {102, 108, 58}}) {
         store.Add(hit);
+    }
     ASSERT_EQ(store.Rows().size(), 3U);
     detector.MergeFaces(store);
     ASSERT_EQ(detector.Faces().size(), 2U);

@@ -160,8 +160,9 @@ class Model {
             const int x = p == 0 ? t.slotX : t.slotX / 2, y = p == 0 ? t.slotY : t.slotY / 2;
             for (int r = 0; r < t.thumb[p].height; ++r) {
                 for (int c = 0; c < t.thumb[p].width; ++c) {
-                    if (x + c < 0 || x + c >= planes[p].width || y + r < 0 || y + r >= planes[p].height)
+                    if (x + c < 0 || x + c >= planes[p].width || y + r < 0 || y + r >= planes[p].height) {
                         continue;
+                    }
                     planes[p](x + c, y + r) = static_cast<uint8_t>(t.thumb[p].At(c, r));
                 }
             }

@@ -99,8 +99,9 @@ TEST(IntegerFromString, ReadsWhatTheTextBeginsWith) {
 }
 
 TEST(IntegerFromString, IsZeroWithoutANumber) {
-    for (const char* text : {"", " ", "abc", "-", "+", "+-1", "--1", "- 1", ",1", "TRUE"})
+    for (const char* text : {"", " ", "abc", "-", "+", "+-1", "--1", "- 1", ",1", "TRUE"}) {
         EXPECT_EQ(IntegerFromString(text), 0) << text;
+    }
 }
 
 TEST(IntegerFromString, StaysWithin32Bits) {
@@ -118,8 +119,9 @@ TEST(IntegerFromString, StaysWithin32Bits) {
 
 TEST(BoolFromString, IsTrueForTheOneWordInAnyCase) {
     for (const char* text : {"TRUE", "true", "tRuE", "True"}) EXPECT_TRUE(BoolFromString(text)) << text;
-    for (const char* text : {"1", "YES", "", "FALSE", "TRU", "TRUEE", " TRUE", "TRUE ", "on", "-1"})
+    for (const char* text : {"1", "YES", "", "FALSE", "TRU", "TRUEE", " TRUE", "TRUE ", "on", "-1"}) {
         EXPECT_FALSE(BoolFromString(text)) << text;
+    }
 }
 
 TEST(ColorFromString, PacksRedGreenAndBlueFromTheLowByteUp) {
@@ -136,8 +138,9 @@ TEST(ColorFromString, ClampsEachNumber) {
 
 TEST(ColorFromString, IsBlackWithFewerThanThreeNumbers) {
     for (const char* text :
-         {"", "12", "12,34", "12,34,", ",1,2", "1;2;3", "1,,3", "red", "1 ,2,3", "1.5,2,3", "0x10,2,3"})
+         {"", "12", "12,34", "12,34,", ",1,2", "1;2;3", "1,,3", "red", "1 ,2,3", "1.5,2,3", "0x10,2,3"}) {
         EXPECT_EQ(ColorFromString(text), 0U) << text;
+    }
 }
 
 TEST(ColorFromString, PassesOverBlanksInFrontOfNumbersAndWhatFollows) {

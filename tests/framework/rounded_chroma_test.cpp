@@ -86,8 +86,9 @@ struct Chroma {
         return plane[static_cast<size_t>(std::min(row, rows - 1) * columns + std::min(column, columns - 1))];
     }
     void Store(std::vector<uint8_t>& plane, int column, int row, int value) const {
-        if (column < columns && row < rows)
+        if (column < columns && row < rows) {
             plane[static_cast<size_t>(row * columns + column)] = static_cast<uint8_t>(value);
+        }
     }
 
     bool isRefused = false;

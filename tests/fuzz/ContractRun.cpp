@@ -94,8 +94,9 @@ class Source {
 }
 
 void ExpectKnown(ResultCode code) {
-    if (code != kSuccess && code != kInvalidArgument && code != kFailure && code != kNotImplemented)
+    if (code != kSuccess && code != kInvalidArgument && code != kFailure && code != kNotImplemented) {
         Fail("a result code that is not the contract's", code);
+    }
 }
 
 // ---- frames --------------------------------------------------------------------------------------------
@@ -160,10 +161,11 @@ class Host {
     void Run() {
         for (int step = 0; step < kStepBudget && pixels_ < kPixelBudget && !source_.empty(); ++step) {
             Guest& guest = guests_[source_.Below(guests_.size())];
-            if (guest.effect == nullptr)
+            if (guest.effect == nullptr) {
                 Create(guest);
-            else
+            } else {
                 Step(guest);
+            }
         }
     }
 
@@ -229,10 +231,11 @@ class Host {
         if (guest.effect == nullptr) return;
         const size_t way = source_.Below(4);
         if (way == 1) guest.effect->Shutdown();
-        if (way < 2)
+        if (way < 2) {
             guest.effect->DeletingDestructor(1);
-        else
+        } else {
             factory_->DestroyEffect(guest.effect);
+        }
         guest.effect = nullptr;
     }
 
@@ -308,8 +311,9 @@ class Host {
                     break;
             }
             // A frame that tells no size of a chroma plane is one of a host whose planes are rounded up.
-            if (i > 0 && held[i] > 0 && sizes.told[i] <= 0)
+            if (i > 0 && held[i] > 0 && sizes.told[i] <= 0) {
                 sizes.held[i] = std::max(sizes.held[i], ((w + 1) / 2) * ((h + 1) / 2));
+            }
         }
         return sizes;
     }
@@ -344,8 +348,9 @@ class Host {
         ExpectKnown(code);
         // Picture Me marks the faces that it finds before it looks at the format.
         if (code == kSuccess || guest.takesRegions) return;
-        for (const std::optional<Block>& plane : planes)
+        for (const std::optional<Block>& plane : planes) {
             if (!plane->Unchanged(guest.marksPlanes ? 1 : 0)) Fail("a refused frame has changed", code);
+        }
     }
 
     // A face that the host claims to know: inside, across an edge, inside out, far away.
@@ -427,8 +432,9 @@ class Host {
         std::vector<Char> name = Terminated(nameText), value = Terminated(valueText);
         BasicPropertyRecord<Char> record = {source_.Byte(), OrNull(name), OrNull(value)};
         const bool none = source_.OneIn(64);
-        if (source_.OneIn(16))
+        if (source_.OneIn(16)) {
             ExpectKnown(guest.effect->ApplyProperty(none ? nullptr : &record, source_.Byte()));
+        }
         ExpectKnown(guest.effect->SetProperty(none ? nullptr : &record));
     }
 
@@ -456,10 +462,11 @@ class Host {
     }
 
     void GetProperty(Guest& guest) {
-        if (source_.OneIn(2))
+        if (source_.OneIn(2)) {
             Get<char>(guest, AnyName(guest));
-        else
+        } else {
             Get<char16_t>(guest, Widened(AnyName(guest)));
+        }
     }
 
     template <class Char>
@@ -490,10 +497,11 @@ class Host {
                 WriteFile(path, FileContent());
                 break;
         }
-        if (source_.OneIn(2))
+        if (source_.OneIn(2)) {
             Load<char>(guest, path);
-        else
+        } else {
             Load<char16_t>(guest, Widened(path));
+        }
     }
 
     void AskQuestions(Guest& guest) {
@@ -567,8 +575,9 @@ class Host {
         file[0] = 'B';
         file[1] = source_.OneIn(16) ? 'X' : 'M';
         const auto put = [&file](size_t at, uint32_t value, int bytes) {
-            for (int i = 0; i < bytes; ++i)
+            for (int i = 0; i < bytes; ++i) {
                 file[at + static_cast<size_t>(i)] = static_cast<char>(value >> (8 * i));
+            }
         };
         const uint32_t width = source_.OneIn(8) ? source_.Word() : 1 + source_.Byte() % 64;
         const uint32_t height = source_.OneIn(8) ? source_.Word() : 1 + source_.Byte() % 64;

@@ -48,8 +48,9 @@ Bytes ReadFile(const fs::path& path) {
 std::vector<fs::path> FilesOf(const fs::path& path) {
     if (!fs::is_directory(path)) return {path};
     std::vector<fs::path> files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(path))
+    for (const fs::directory_entry& entry : fs::directory_iterator(path)) {
         if (entry.is_regular_file()) files.push_back(entry.path());
+    }
     std::sort(files.begin(), files.end());
     return files;
 }

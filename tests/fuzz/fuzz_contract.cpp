@@ -21,8 +21,9 @@ int LLVMFuzzerInitialize(int* argc, char*** argv) {
         if (!argument.starts_with("-")) argument = std::filesystem::absolute(argument).string();
         arguments.push_back(argument);
     }
-    if (!prefixGiven)
+    if (!prefixGiven) {
         arguments.push_back("-artifact_prefix=" + std::filesystem::current_path().string() + "/");
+    }
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     *argc = static_cast<int>(pointers.size());
     pointers.push_back(nullptr);

@@ -74,9 +74,10 @@ struct NoiseModel {
         };
         const auto mix = [](double w, double a, double b) { return a + w * (b - a); };
         double alongY[2];
-        for (int k = 0; k < 2; ++k)
+        for (int k = 0; k < 2; ++k) {
             alongY[k] = mix(s(r[1][0]), mix(s(r[0][0]), dot(0, 0, k), dot(1, 0, k)),
                             mix(s(r[0][0]), dot(0, 1, k), dot(1, 1, k)));
+        }
         return mix(s(r[2][0]), alongY[0], alongY[1]);
     }
 };
@@ -88,11 +89,14 @@ TEST(GradientNoise, MatchesItsDefinition) {
     std::srand(1234);
     const GradientNoise noise(std::rand);
     EXPECT_EQ(std::rand(), next) << "as many draws as the model's";
-    for (double y = -300; y < 300; y += 7.13)
+    for (double y = -300; y < 300; y += 7.13) {
         for (double x = -5000; x < 5000; x += 31.7) ASSERT_EQ(noise.Noise2(x, y), model.Noise2(x, y));
-    for (double z = -3; z < 300; z += 41.9)
-        for (double y = -300; y < 300; y += 17.13)
+    }
+    for (double z = -3; z < 300; z += 41.9) {
+        for (double y = -300; y < 300; y += 17.13) {
             for (double x = -300; x < 300; x += 13.7) ASSERT_EQ(noise.Noise3(x, y, z), model.Noise3(x, y, z));
+        }
+    }
     double expected = 0.0, scale = 1.0, x = 0.3, y = 1.7, z = -2.1;
     for (int i = 0; i < 5; ++i) {
         expected += model.Noise3(x, y, z) / scale;
@@ -112,11 +116,12 @@ TEST(GradientNoise, NoOctaveIsSilence) {
 }
 
 TEST(GradientNoise, IsZeroOnTheLattice) {
-    for (int y = -20; y < 20; ++y)
+    for (int y = -20; y < 20; ++y) {
         for (int x = -20; x < 20; ++x) {
             EXPECT_EQ(noise.Noise2(x, y), 0.0);
             EXPECT_EQ(noise.Noise3(x, y, x - y), 0.0);
         }
+    }
 }
 
 TEST(GradientNoise, RepeatsEvery256Units) {

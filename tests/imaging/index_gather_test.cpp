@@ -21,7 +21,7 @@ void ExpectLikePlain(const Index& index, int32_t width, size_t srcPixels, int32_
     const auto bytes = static_cast<size_t>(pixelBytes);
     const Bytes source = RandomBytes(srcPixels * bytes, 1);
     Bytes fast = RandomBytes(index.size() * bytes, 2), plain = fast;
-    CGatherMap map;
+    GatherMap map;
     map.Build(index, width, srcPixels, pixelBytes);
     map.Apply(source.data(), fast.data());
     model::GatherPixels(source.data(), srcPixels, index.data(), plain.data(), index.size(), bytes);
@@ -30,14 +30,15 @@ void ExpectLikePlain(const Index& index, int32_t width, size_t srcPixels, int32_
 
 Index MakeIndex(int32_t width, int32_t height, const std::function<int64_t(int32_t, int32_t)>& source) {
     Index index;
-    for (int32_t y = 0; y < height; ++y)
+    for (int32_t y = 0; y < height; ++y) {
         for (int32_t x = 0; x < width; ++x) index.push_back(static_cast<uint32_t>(source(x, y)));
+    }
     return index;
 }
 
 TEST(GatherMap, MatchesThePlainLoopAtAllSmallSizes) {
     TestRandom random(7);
-    for (int32_t height = 1; height <= 40; height += 1 + height / 10)
+    for (int32_t height = 1; height <= 40; height += 1 + height / 10) {
         for (int32_t width = 1; width <= 40; ++width) {
             const int32_t count = width * height;
             ExpectLikePlain(MakeIndex(width, height, [&](int32_t x, int32_t y) { return y * width + x; }),
@@ -48,11 +49,12 @@ TEST(GatherMap, MatchesThePlainLoopAtAllSmallSizes) {
                 MakeIndex(width, height, [&](int32_t x, int32_t y) { return (x * height + y) % count; }),
                 width, static_cast<size_t>(count));
         }
+    }
 }
 
 TEST(GatherMap, TurnsAndScalesAtManyAngles) {
     constexpr int32_t kWidth = 301, kHeight = 83;
-    for (double angle = 0; angle < 6.3; angle += 0.37)
+    for (double angle = 0; angle < 6.3; angle += 0.37) {
         for (const double scale : {0.3, 1.0, 2.2}) {
             const double c = scale * std::cos(angle), s = scale * std::sin(angle);
             ExpectLikePlain(MakeIndex(kWidth, kHeight,
@@ -61,10 +63,11 @@ TEST(GatherMap, TurnsAndScalesAtManyAngles) {
                                           const auto sy = std::lround((x - 150) * s + (y - 40) * c + 40);
                                           const bool inside =
                                               sx >= 0 && sx < kWidth && sy >= 0 && sy < kHeight;
-                                          return inside ? sy * kWidth + sx : CGatherMap::kKeep;
+                                          return inside ? sy * kWidth + sx : GatherMap::kKeep;
                                       }),
                             kWidth, kWidth * kHeight);
         }
+    }
 }
 
 TEST(GatherMap, SourceAndDestinationMayDiffer) {
@@ -80,13 +83,13 @@ TEST(GatherMap, SourceAndDestinationMayDiffer) {
 
 TEST(GatherMap, KeepsWhatHasNoSource) {
     const Index index = MakeIndex(32, 8, [](int32_t x, int32_t y) -> int64_t {
-        if (x < 16 && y < 4) return CGatherMap::kKeep;
+        if (x < 16 && y < 4) return GatherMap::kKeep;
         return x == 20 ? 256 : y * 32 + x;  // 256 is one past the source
     });
     ExpectLikePlain(index, 32, 256);
     const Bytes source(256, 9);
     Bytes target(256, 5);
-    CGatherMap map;
+    GatherMap map;
     map.Build(index, 32, 256);
     map.Apply(source.data(), target.data());
     EXPECT_EQ(target[0], 5);
@@ -108,7 +111,7 @@ TEST(GatherMap, RowsThatDoNotDivideTheMap) {
 }
 
 TEST(GatherMap, EmptyMapsDoNothing) {
-    CGatherMap map;
+    GatherMap map;
     EXPECT_TRUE(map.Empty());
     map.Apply(nullptr, nullptr);
     map.Build({}, 16, 0);
@@ -127,12 +130,12 @@ TEST(GatherMap, EmptyMapsDoNothing) {
 TEST(GatherMap, BuildingAnewReplacesTheMap) {
     const Bytes source = RandomBytes(64, 1);
     Bytes target(64);
-    CGatherMap map;
+    GatherMap map;
     map.Build(Index(4096, 0), 64, 64);
     Index backwards(64);
     for (uint32_t i = 0; i < 64; ++i) backwards[i] = 63 - i;
     map.Build(backwards, 16, 64);
-    const CGatherMap copy = map;
+    const GatherMap copy = map;
     copy.Apply(source.data(), target.data());
     EXPECT_TRUE(std::equal(target.begin(), target.end(), source.rbegin()));
 }

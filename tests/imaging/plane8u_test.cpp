@@ -203,19 +203,21 @@ TEST(Plane8u, CopyPixelsTakesTheSmallerCount) {
 
 TEST(Plane8u, PasteIsClipped) {
     const CPlane8u source = RandomPlane(4, 3, 1);
-    for (int32_t y = -5; y <= 8; ++y)
+    for (int32_t y = -5; y <= 8; ++y) {
         for (int32_t x = -6; x <= 9; ++x) {
             CPlane8u target = RandomPlane(7, 6, 2);
             const CPlane8u before(target);
             target.Paste(source, x, y);
-            for (int32_t row = 0; row < 6; ++row)
+            for (int32_t row = 0; row < 6; ++row) {
                 for (int32_t column = 0; column < 7; ++column) {
                     const int32_t sx = column - x, sy = row - y;
                     const bool covered = sx >= 0 && sx < 4 && sy >= 0 && sy < 3;
                     ASSERT_EQ(target.Row(row)[column],
                               covered ? source.Row(sy)[sx] : before.Row(row)[column]);
                 }
+            }
         }
+    }
     CPlane8u target = RandomPlane(7, 6, 2);
     const Bytes before = BytesOf(target);
     for (const int32_t far : {kHuge, -kHuge, -kHuge - 1}) {
@@ -229,58 +231,68 @@ TEST(Plane8u, PasteIsClipped) {
 
 TEST(Plane8u, CopyRegionIsClipped) {
     const CPlane8u source = RandomPlane(7, 6, 1);
-    for (int32_t y = -5; y <= 8; ++y)
+    for (int32_t y = -5; y <= 8; ++y) {
         for (int32_t x = -6; x <= 9; ++x) {
             CPlane8u target = RandomPlane(4, 3, 2);
             const CPlane8u before(target);
             target.CopyRegion(source, x, y);
-            for (int32_t row = 0; row < 3; ++row)
+            for (int32_t row = 0; row < 3; ++row) {
                 for (int32_t column = 0; column < 4; ++column) {
                     const int32_t sx = column + x, sy = row + y;
                     const bool there = sx >= 0 && sx < 7 && sy >= 0 && sy < 6;
                     ASSERT_EQ(target.Row(row)[column], there ? source.Row(sy)[sx] : before.Row(row)[column]);
                 }
+            }
         }
+    }
 }
 
 TEST(Plane8u, FillBorderIsCutToThePlane) {
-    for (int32_t height = 1; height <= 7; ++height)
-        for (int32_t width = 1; width <= 7; ++width)
+    for (int32_t height = 1; height <= 7; ++height) {
+        for (int32_t width = 1; width <= 7; ++width) {
             for (const int32_t thickness : {-1, 0, 1, 2, 3, 4, 7, 100, kHuge}) {
                 CPlane8u plane(width, height);
                 plane.FillBorder(thickness, 9);
-                for (int32_t y = 0; y < height; ++y)
+                for (int32_t y = 0; y < height; ++y) {
                     for (int32_t x = 0; x < width; ++x) {
                         const int32_t depth = std::min({x, y, width - 1 - x, height - 1 - y});
                         ASSERT_EQ(plane.Row(y)[x], depth < thickness ? 9 : 0);
                     }
+                }
             }
+        }
+    }
 }
 
 TEST(Plane8u, ReplicateBorderRepeatsTheInside) {
-    for (int32_t height = 1; height <= 7; ++height)
-        for (int32_t width = 1; width <= 7; ++width)
+    for (int32_t height = 1; height <= 7; ++height) {
+        for (int32_t width = 1; width <= 7; ++width) {
             for (const int32_t border : {-1, 0, 1, 2, 3, 4, kHuge}) {
                 CPlane8u plane = RandomPlane(width, height, 3);
                 const CPlane8u before(plane);
                 plane.ReplicateBorder(border);
                 const bool inside = border > 0 && border <= 3 && width > 2 * border && height > 2 * border;
-                for (int32_t y = 0; y < height; ++y)
+                for (int32_t y = 0; y < height; ++y) {
                     for (int32_t x = 0; x < width; ++x) {
                         const int32_t sx = inside ? std::clamp(x, border, width - 1 - border) : x;
                         const int32_t sy = inside ? std::clamp(y, border, height - 1 - border) : y;
                         ASSERT_EQ(plane.Row(y)[x], before.Row(sy)[sx]);
                     }
+                }
             }
+        }
+    }
 }
 
 TEST(Plane8u, CopyWithBorderNeedsRoom) {
     const CPlane8u source = RandomPlane(4, 3, 1);
     CPlane8u target(10, 9);
     target.CopyWithBorder(source, 3);
-    for (int32_t y = 0; y < 9; ++y)
-        for (int32_t x = 0; x < 10; ++x)
+    for (int32_t y = 0; y < 9; ++y) {
+        for (int32_t x = 0; x < 10; ++x) {
             ASSERT_EQ(target.Row(y)[x], source.Row(std::clamp(y - 3, 0, 2))[std::clamp(x - 3, 0, 3)]);
+        }
+    }
     CPlane8u tight(6, 9);
     tight.CopyWithBorder(source, 3);
     EXPECT_EQ(BytesOf(tight), Bytes(54, 0));

@@ -28,8 +28,9 @@ class PlaneBitmap : public testing::Test {
     }
 
     static void Put(Bytes& file, size_t at, int32_t value) {
-        for (size_t i = 0; i < 4; ++i)
+        for (size_t i = 0; i < 4; ++i) {
             file[at + i] = static_cast<uint8_t>(static_cast<uint32_t>(value) >> (8 * i));
+        }
     }
 
     std::string Write(const Bytes& file) {
@@ -82,15 +83,17 @@ TEST_F(PlaneBitmap, RefusesWhatIsNoBitmapOfEightBits) {
     other = good;
     other[29] = 1;
     ExpectRefused(other, "264 bits");
-    for (size_t length = 0; length < good.size(); length += length < 60 ? 1 : 97)
+    for (size_t length = 0; length < good.size(); length += length < 60 ? 1 : 97) {
         ExpectRefused(Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(length)), "cut short");
+    }
     ExpectRefused(Bytes(good.begin(), good.end() - 1), "one byte short");
-    for (const int32_t side : {0, -1, -3, 16385, kHuge, -kHuge - 1})
+    for (const int32_t side : {0, -1, -3, 16385, kHuge, -kHuge - 1}) {
         for (const size_t at : {size_t{18}, size_t{22}}) {
             other = good;
             Put(other, at, side);
             ExpectRefused(other, "side");
         }
+    }
     other = good;
     Put(other, 18, 16384);
     Put(other, 22, 16384);

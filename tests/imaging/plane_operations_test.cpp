@@ -48,7 +48,7 @@ const std::vector<NamedFilter>& Filters() {
 }
 
 TEST(PlaneFilters, WorkOnTheInterior) {
-    for (const NamedFilter& filter : Filters())
+    for (const NamedFilter& filter : Filters()) {
         for (const auto& [width, height] :
              {std::pair{1, 1}, {2, 9}, {9, 2}, {3, 3}, {4, 4}, {5, 5}, {33, 17}}) {
             const CPlane8u source = RandomPlane(width, height, 1);
@@ -57,24 +57,27 @@ TEST(PlaneFilters, WorkOnTheInterior) {
                 CPlane8u target = RandomPlane(width + more, height + more, 2);
                 CPlane8u expected(target);
                 const int32_t r = filter.r;
-                if (width > 2 * r && height > 2 * r)
+                if (width > 2 * r && height > 2 * r) {
                     filter.primitive(source.Row(r) + r, source.width, expected.Row(r) + r, expected.width,
                                      width - 2 * r, height - 2 * r);
+                }
                 filter.filter(source, target);
                 EXPECT_EQ(BytesOf(target), BytesOf(expected)) << filter.name << " " << width << "x" << height;
             }
         }
+    }
 }
 
 TEST(PlaneFilters, LeaveASmallerDestinationAlone) {
     const CPlane8u source = RandomPlane(9, 9, 1);
-    for (const NamedFilter& filter : Filters())
+    for (const NamedFilter& filter : Filters()) {
         for (const auto& [width, height] : {std::pair{8, 9}, {9, 8}, {3, 3}}) {
             CPlane8u target = RandomPlane(width, height, 2);
             const Bytes before = BytesOf(target);
             filter.filter(source, target);
             EXPECT_EQ(BytesOf(target), before) << filter.name;
         }
+    }
 }
 
 TEST(PlaneFilters, KeepAConstantPicture) {
@@ -92,38 +95,45 @@ TEST(PlaneFilters, DilateInPlaceTakesTheMaximum) {
         CPlane8u plane = RandomPlane(width, height, 1);
         const CPlane8u before(plane);
         Dilate3(plane);
-        for (int32_t y = 0; y < height; ++y)
+        for (int32_t y = 0; y < height; ++y) {
             for (int32_t x = 0; x < width; ++x) {
                 uint8_t expected = before.Row(y)[x];
-                if (x > 0 && y > 0 && x < width - 1 && y < height - 1)
-                    for (int32_t dy = -1; dy <= 1; ++dy)
-                        for (int32_t dx = -1; dx <= 1; ++dx)
+                if (x > 0 && y > 0 && x < width - 1 && y < height - 1) {
+                    for (int32_t dy = -1; dy <= 1; ++dy) {
+                        for (int32_t dx = -1; dx <= 1; ++dx) {
                             expected = std::max(expected, before.Row(y + dy)[x + dx]);
+                        }
+                    }
+                }
                 ASSERT_EQ(plane.Row(y)[x], expected) << x << ", " << y;
             }
+        }
     }
 }
 
 TEST(PlaneFilters, BoxInPlaceAveragesTheInterior) {
-    for (const int32_t mask : {1, 2, 3, 4, 5})
+    for (const int32_t mask : {1, 2, 3, 4, 5}) {
         for (const auto& [width, height] : {std::pair{1, 1}, {4, 9}, {7, 7}, {30, 20}}) {
             CPlane8u plane = RandomPlane(width, height, 1);
             const CPlane8u before(plane);
             FilterBoxInPlace(plane, mask);
             const int32_t r = mask / 2;
             const bool fits = mask < width - 2 * r && mask < height - 2 * r;
-            for (int32_t y = 0; y < height; ++y)
+            for (int32_t y = 0; y < height; ++y) {
                 for (int32_t x = 0; x < width; ++x) {
                     int32_t expected = before.Row(y)[x];
                     if (fits && x >= r && y >= r && x < width - r && y < height - r) {
                         int32_t sum = 0;
-                        for (int32_t dy = 0; dy < mask; ++dy)
+                        for (int32_t dy = 0; dy < mask; ++dy) {
                             for (int32_t dx = 0; dx < mask; ++dx) sum += before.Row(y - r + dy)[x - r + dx];
+                        }
                         expected = (sum + mask * mask / 2) / (mask * mask);
                     }
                     ASSERT_EQ(plane.Row(y)[x], expected) << mask << ": " << x << ", " << y;
                 }
+            }
         }
+    }
     CPlane8u plane = RandomPlane(9, 9, 1);
     const Bytes before = BytesOf(plane);
     for (const int32_t mask : {0, -1, -7, 9, 100, kHuge, -kHuge}) FilterBoxInPlace(plane, mask);
@@ -221,24 +231,28 @@ TEST(PlaneRelief, DisplaceLeavesTheLastColumn) {
 TEST(PlaneRelief, OnlyTheHorizontalSlopeBrightens) {
     CPlane8u bump(9, 9), source(9, 9), target(9, 9);
     source.Fill(100);
-    for (int32_t y = 0; y < 9; ++y)
+    for (int32_t y = 0; y < 9; ++y) {
         for (int32_t x = 0; x < 9; ++x) bump.Row(y)[x] = static_cast<uint8_t>(200 - 10 * x);
+    }
     DisplaceByGradient(bump, source, target);
     EXPECT_EQ(target.Row(4)[4], 120);
-    for (int32_t y = 0; y < 9; ++y)
+    for (int32_t y = 0; y < 9; ++y) {
         for (int32_t x = 0; x < 9; ++x) bump.Row(y)[x] = static_cast<uint8_t>(200 - 10 * y);
+    }
     DisplaceByGradient(bump, source, target);
     EXPECT_EQ(target.Row(4)[4], 100);
 }
 
 TEST(PlaneRelief, DisplaceAndShadeMatchTheModels) {
     for (const auto& [width, height] :
-         {std::pair{1, 1}, {1, 5}, {5, 1}, {2, 2}, {2, 5}, {5, 2}, {3, 3}, {40, 30}, {700, 9}})
+         {std::pair{1, 1}, {1, 5}, {5, 1}, {2, 2}, {2, 5}, {5, 2}, {3, 3}, {40, 30}, {700, 9}}) {
         for (const uint64_t seed : {1u, 2u, 3u}) {
             CPlane8u bump = RandomPlane(width, height, seed);
-            if (seed == 2)  // gentle
-                for (size_t i = 0; i < bump.Size(); ++i)
+            if (seed == 2) {  // gentle
+                for (size_t i = 0; i < bump.Size(); ++i) {
                     bump.data[i] = static_cast<uint8_t>(100 + bump.data[i] % 4);
+                }
+            }
             if (seed == 3) bump.Fill(100);  // level
             const CPlane8u source = RandomPlane(width, height, 9);
             CPlane8u fast = RandomPlane(width, height, 5), plain(fast);
@@ -251,6 +265,7 @@ TEST(PlaneRelief, DisplaceAndShadeMatchTheModels) {
                 ASSERT_EQ(BytesOf(fast), BytesOf(plain)) << width << "x" << height << " bias " << bias;
             }
         }
+    }
 }
 
 TEST(PlaneRelief, UnlikeSizesAreLeftAlone) {
@@ -370,12 +385,14 @@ TEST(GaussKernel1D, FiltersAllButTheEnds) {
             const CPlane8u source = RandomPlane(width, height, 1);
             CPlane8u columns = RandomPlane(width, height, 2), rows(columns);
             CPlane8u expectedColumns(columns), expectedRows(columns);
-            if (height > 2 * half)
+            if (height > 2 * half) {
                 PrimFilterColumn8uC1(source.Row(half), width, expectedColumns.Row(half), width, width,
                                      height - 2 * half, kernel.taps, size, half, kernel.divisor);
-            if (width > 2 * half)
+            }
+            if (width > 2 * half) {
                 PrimFilterRow8uC1(source.data + half, width, expectedRows.data + half, width,
                                   width - 2 * half, height, kernel.taps, size, half, kernel.divisor);
+            }
             kernel.FilterColumns(source, columns);
             kernel.FilterRows(source, rows);
             EXPECT_EQ(BytesOf(columns), BytesOf(expectedColumns)) << size << " " << width << "x" << height;
@@ -395,8 +412,9 @@ TEST(GaussKernel1D, LeavesPlanesAloneThatDoNotFit) {
     kernel.FilterRows(source, low);
     kernel.FilterRows(source, empty);
     kernel.FilterColumns(empty, wide);
-    for (const CPlane8u* plane : {&narrow, &high, &wide, &low})
+    for (const CPlane8u* plane : {&narrow, &high, &wide, &low}) {
         EXPECT_EQ(BytesOf(*plane), Bytes(plane->Size(), 0));
+    }
     CPlane8u target(12, 12);
     CGaussKernel1D().FilterRows(source, target);
     CGaussKernel1D moved(std::move(kernel));
@@ -441,18 +459,20 @@ TEST(GradientImage, SobelOfTheInterior) {
         CGradientImage image;
         ASSERT_TRUE(image.Allocate(width, height));
         image.ComputeSobel(plane);
-        for (int32_t y = 0; y < height; ++y)
+        for (int32_t y = 0; y < height; ++y) {
             for (int32_t x = 0; x < width; ++x) {
                 int dx = 0, dy = 0;
-                if (x > 0 && y > 0 && x < width - 1 && y < height - 1)
+                if (x > 0 && y > 0 && x < width - 1 && y < height - 1) {
                     for (int32_t i = -1; i <= 1; ++i) {
                         const int weight = i == 0 ? 2 : 1;
                         dx += weight * (plane.Row(y + 1)[x + i] - plane.Row(y - 1)[x + i]);
                         dy += weight * (plane.Row(y + i)[x - 1] - plane.Row(y + i)[x + 1]);
                     }
+                }
                 ASSERT_EQ(image.dx[y * width + x], dx);
                 ASSERT_EQ(image.dy[y * width + x], dy);
             }
+        }
     }
 }
 

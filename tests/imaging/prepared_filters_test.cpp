@@ -22,7 +22,7 @@ const std::vector<std::pair<int32_t, int32_t>> kRingSizes = {{1, 1}, {2, 9}, {9,
 TEST(PlaneFilters, CopiedRingEqualsACopyBeforehand) {
     using Filter = void (*)(const CPlane8u&, CPlane8u&, FilterRing);
     constexpr Filter kDilate = Dilate3;
-    for (const Filter filter : {FilterGauss3, FilterGauss5, FilterLowpass3, FilterLowpass5, kDilate})
+    for (const Filter filter : {FilterGauss3, FilterGauss5, FilterLowpass3, FilterLowpass5, kDilate}) {
         for (const auto& [width, height] : kRingSizes) {
             const CPlane8u source = RandomPlane(width, height, 1);
             CPlane8u target = RandomPlane(width, height, 2), expected(source);
@@ -30,22 +30,25 @@ TEST(PlaneFilters, CopiedRingEqualsACopyBeforehand) {
             filter(source, expected, FilterRing::kKept);
             EXPECT_EQ(BytesOf(target), BytesOf(expected)) << width << "x" << height;
         }
+    }
 }
 
 TEST(PlaneFilters, CopyRingLeavesTheInterior) {
-    for (const auto& [width, height] : kRingSizes)
+    for (const auto& [width, height] : kRingSizes) {
         for (const int32_t thickness : {0, 1, 2, 3}) {
             const CPlane8u source = RandomPlane(width, height, 1);
             CPlane8u target = RandomPlane(width, height, 2);
             const CPlane8u before(target);
             CopyRing(source, target, thickness);
-            for (int32_t y = 0; y < height; ++y)
+            for (int32_t y = 0; y < height; ++y) {
                 for (int32_t x = 0; x < width; ++x) {
                     const int32_t distance = std::min({x, y, width - 1 - x, height - 1 - y});
                     const CPlane8u& from = distance < thickness ? source : before;
                     ASSERT_EQ(target.Row(y)[x], from.Row(y)[x]) << thickness << ": " << x << ", " << y;
                 }
+            }
         }
+    }
     CPlane8u other = RandomPlane(4, 5, 2);
     const Bytes before = BytesOf(other);
     CopyRing(RandomPlane(5, 4, 1), other, 1);
@@ -63,7 +66,7 @@ TEST(PlaneFilters, DilateBetweenPlanesEqualsTheFormInPlace) {
 }
 
 TEST(BoxFilter, EqualsTheFormWithoutPreparation) {
-    for (const int32_t mask : {1, 2, 3, 5, 20, 130})
+    for (const int32_t mask : {1, 2, 3, 5, 20, 130}) {
         for (const auto& [width, height] : {std::pair{1, 1}, {4, 9}, {7, 7}, {30, 50}, {280, 270}}) {
             BoxFilter box(width, height, mask);
             for (const uint64_t seed : {1, 2}) {  // what one picture leaves in the memory must not matter
@@ -76,6 +79,7 @@ TEST(BoxFilter, EqualsTheFormWithoutPreparation) {
                 EXPECT_EQ(BytesOf(inPlace), BytesOf(expected)) << mask << ": " << width << "x" << height;
             }
         }
+    }
     BoxFilter box(9, 9, 3);
     CPlane8u other = RandomPlane(9, 8, 1);
     const Bytes before = BytesOf(other);
@@ -90,8 +94,8 @@ TEST(GaussKernel1D, CopiedEndsEqualACopyBeforehand) {
     narrow.Build(0.05, 0);
     ASSERT_TRUE(even.Build(1.5, 10));
     ASSERT_TRUE(odd.Build(0.8, 0));
-    for (const Filter filter : {&CGaussKernel1D::FilterRows, &CGaussKernel1D::FilterColumns})
-        for (const CGaussKernel1D* kernel : {&none, &narrow, &even, &odd})
+    for (const Filter filter : {&CGaussKernel1D::FilterRows, &CGaussKernel1D::FilterColumns}) {
+        for (const CGaussKernel1D* kernel : {&none, &narrow, &even, &odd}) {
             for (const auto& [width, height] : kRingSizes) {
                 const CPlane8u source = RandomPlane(width, height, 1);
                 CPlane8u target = RandomPlane(width, height, 2), expected(source);
@@ -99,12 +103,14 @@ TEST(GaussKernel1D, CopiedEndsEqualACopyBeforehand) {
                 (kernel->*filter)(source, expected, FilterRing::kKept);
                 EXPECT_EQ(BytesOf(target), BytesOf(expected)) << width << "x" << height;
             }
+        }
+    }
 }
 
 TEST(ResizePlan, EqualsTheFormWithoutPreparation) {
     const PlaneSize sizes[] = {{1, 1}, {2, 3}, {31, 19}, {64, 48}, {15, 9}, {130, 40}};
-    for (const PlaneSize from : sizes)
-        for (const PlaneSize to : sizes)
+    for (const PlaneSize from : sizes) {
+        for (const PlaneSize to : sizes) {
             for (const PlaneRect part : {PlaneRect{0, 0, from.width, from.height},
                                          {1, 2, from.width - 2, from.height - 3},
                                          {0, 1, from.width + 5, from.height},
@@ -119,6 +125,8 @@ TEST(ResizePlan, EqualsTheFormWithoutPreparation) {
                     ASSERT_EQ(BytesOf(target), BytesOf(expected)) << from.width << " to " << to.width;
                 }
             }
+        }
+    }
 }
 
 TEST(ResizePlan, LeavesPlanesOfOtherSizesAlone) {

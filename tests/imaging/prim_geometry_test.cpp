@@ -308,9 +308,11 @@ TEST(PrimRemap, ClipsTheRegionToTheSource) {
     Bytes target(25, 7);
     PrimRemap8uC1(source.data(), 5, 5, 5, 2, 3, 1 << 30, std::numeric_limits<int32_t>::max(), xs.data(), 20,
                   ys.data(), 20, target.data(), 5, 5, 5, kPrimNearest);
-    for (int32_t y = 0; y < 5; ++y)
-        for (int32_t x = 0; x < 5; ++x)
+    for (int32_t y = 0; y < 5; ++y) {
+        for (int32_t x = 0; x < 5; ++x) {
             EXPECT_EQ(target[static_cast<size_t>(5 * y + x)], x >= 2 && y >= 3 ? source.at(x, y) : 7);
+        }
+    }
 }
 
 TEST(PrimRemap, LinearOnARegionOnePixelWide) {
@@ -342,11 +344,12 @@ TEST(PrimResize, LeavesWhatTheFactorDoesNotReach) {
         Picture source(5, 5, 1), target(8, 8, 2);
         const Picture before = target;
         ASSERT_EQ(ResizeWhole(source, target, 1.3, 1.3, mode), kPrimOk);
-        for (int32_t i = 0; i < 8; ++i)
+        for (int32_t i = 0; i < 8; ++i) {
             for (const int32_t beyond : {6, 7}) {
                 EXPECT_EQ(target.at(beyond, i), before.at(beyond, i));
                 EXPECT_EQ(target.at(i, beyond), before.at(i, beyond));
             }
+        }
     }
 }
 
@@ -365,12 +368,13 @@ TEST(PrimResize, WritesOnePixelFromHalfAPixelOn) {
 
 TEST(PrimResize, EndlessFactorsRepeatTheFirstSample) {
     Picture source(9, 9, 1);
-    for (const double factor : {1e300, std::numeric_limits<double>::infinity()})
+    for (const double factor : {1e300, std::numeric_limits<double>::infinity()}) {
         for (const int32_t mode : {kPrimNearest, kPrimLinear, kPrimLanczos}) {
             Picture target(40, 3, 2);
             EXPECT_EQ(ResizeWhole(source, target, factor, factor, mode), kPrimOk);
             EXPECT_EQ(target.bytes, Bytes(120, source.at(0, 0)));
         }
+    }
     Picture target(40, 3, 2);
     EXPECT_EQ(ResizeWhole(source, target, 5e-324, 5e-324, kPrimLinear), kPrimOk);
 }
@@ -384,8 +388,8 @@ TEST(PrimResize, EqualSizesCopy) {
 }
 
 TEST(PrimResize, MatchesTheModelAtSmallSizes) {
-    for (int32_t from = 1; from <= 40; ++from)
-        for (int32_t to = 1; to <= 40; ++to)
+    for (int32_t from = 1; from <= 40; ++from) {
+        for (int32_t to = 1; to <= 40; ++to) {
             for (const int32_t mode : {kPrimNearest, kPrimLinear, kPrimLanczos}) {
                 const int32_t rows = 41 - from;
                 Picture source(from, rows, static_cast<uint64_t>(from));
@@ -397,12 +401,14 @@ TEST(PrimResize, MatchesTheModelAtSmallSizes) {
                 ASSERT_EQ(fast.bytes, plain.bytes)
                     << from << "x" << rows << " to " << to << ", mode " << mode;
             }
+        }
+    }
 }
 
 TEST(PrimResize, MatchesTheModelAtManyRatios) {
-    for (const int32_t from : {16, 17, 31, 100, 641})
+    for (const int32_t from : {16, 17, 31, 100, 641}) {
         for (const double factor : {0.01, 0.05,  0.2,   0.24, 0.25, 0.26, 0.33, 0.49, 0.5, 0.51, 0.7,
-                                    0.9,  0.999, 1.001, 1.1,  1.5,  1.99, 2.0,  2.01, 3.7, 11.0})
+                                    0.9,  0.999, 1.001, 1.1,  1.5,  1.99, 2.0,  2.01, 3.7, 11.0}) {
             for (const int32_t mode : {kPrimNearest, kPrimLinear, kPrimLanczos}) {
                 const Picture source(from, 12, 1);
                 const int32_t width = std::max(static_cast<int32_t>(from * factor), 1);
@@ -411,13 +417,15 @@ TEST(PrimResize, MatchesTheModelAtManyRatios) {
                 ResizeModel(source, plain, factor, 0.8, mode);
                 ASSERT_EQ(fast.bytes, plain.bytes) << from << " by " << factor << ", mode " << mode;
             }
+        }
+    }
 }
 
 TEST(PrimResize, ReadsOnlyTheClippedRegion) {
     // The source's last row ends with the memory.
     Picture source(40, 30, 1);
-    for (const int32_t mode : {kPrimNearest, kPrimLinear, kPrimLanczos})
-        for (const int32_t x : {0, 1, 23, 24, 39})
+    for (const int32_t mode : {kPrimNearest, kPrimLinear, kPrimLanczos}) {
+        for (const int32_t x : {0, 1, 23, 24, 39}) {
             for (const int32_t y : {0, 13, 29}) {
                 Picture fast(50, 50, 3), plain = fast;
                 PrimResize8uC1(source.data(), 40, 30, 40, x, y, 1000, 1000, fast.data(), 50, 50, 50, 1.7, 1.2,
@@ -426,13 +434,15 @@ TEST(PrimResize, ReadsOnlyTheClippedRegion) {
                                       1.7, 1.2, mode);
                 ASSERT_EQ(fast.bytes, plain.bytes) << x << ", " << y << ", mode " << mode;
             }
+        }
+    }
 }
 
 // ---- rotate ----------------------------------------------------------------------------------------
 
 TEST(PrimRotate, RightAnglesPermutePixels) {
     const Picture source(5, 3, 1);
-    for (const double angle : {0.0, 90.0, 180.0, 270.0, 360.0, -90.0, 450.0, -720.0})
+    for (const double angle : {0.0, 90.0, 180.0, 270.0, 360.0, -90.0, 450.0, -720.0}) {
         for (const uint32_t mode : {1u, 2u, 4u, 0x80000001u, 0x80000004u}) {
             Picture target(16, 16, 2);
             const Picture before = target;
@@ -443,12 +453,15 @@ TEST(PrimRotate, RightAnglesPermutePixels) {
             const int32_t quarter = static_cast<int32_t>(std::lround(angle / 90.0)) & 3;
             const int32_t c = quarter == 0 ? 1 : quarter == 2 ? -1 : 0;
             const int32_t s = quarter == 1 ? 1 : quarter == 3 ? -1 : 0;
-            for (int32_t y = 0; y < 3; ++y)
-                for (int32_t x = 0; x < 5; ++x)
+            for (int32_t y = 0; y < 3; ++y) {
+                for (int32_t x = 0; x < 5; ++x) {
                     expected.bytes[static_cast<size_t>(16 * (-x * s + y * c + 9) + x * c + y * s + 8)] =
                         source.at(x, y);
+                }
+            }
             EXPECT_EQ(target.bytes, expected.bytes) << angle << " " << mode;
         }
+    }
 }
 
 TEST(PrimRotate, StaysInBothRegions) {
@@ -461,7 +474,7 @@ TEST(PrimRotate, StaysInBothRegions) {
         PrimRotate8uC1(source.data(), 20, 20, 20, 4, 5, 6, 7, target.data(), 30, 3, 4, 6, 5, angle,
                        xShift + 1.5, yShift + 0.25, kPrimCubic);
         int changed = 0;
-        for (int32_t y = 0; y < 30; ++y)
+        for (int32_t y = 0; y < 30; ++y) {
             for (int32_t x = 0; x < 30; ++x) {
                 const bool inside = x >= 3 && x < 9 && y >= 4 && y < 9;
                 changed += target.at(x, y) != before.at(x, y);
@@ -469,6 +482,7 @@ TEST(PrimRotate, StaysInBothRegions) {
                     EXPECT_EQ(target.at(x, y), before.at(x, y));
                 }
             }
+        }
         EXPECT_GT(changed, 0) << angle;
     }
 }
@@ -519,13 +533,14 @@ TEST(PrimRotate, SoftEdgeFadesToWhatLiesUnderIt) {
 TEST(PrimRotate, SurvivesSenselessNumbers) {
     const Picture source(8, 8, 1);
     const double inf = std::numeric_limits<double>::infinity();
-    for (const double angle : {0.0, 30.0, 1e300, inf, std::nan("")})
+    for (const double angle : {0.0, 30.0, 1e300, inf, std::nan("")}) {
         for (const double shift : {0.0, 1e300, -1e300, 1e18, inf, std::nan("")}) {
             Picture target(16, 16, 2);
             EXPECT_EQ(PrimRotate8uC1(source.data(), 8, 8, 8, 0, 0, 8, 8, target.data(), 16, 0, 0, 16, 16,
                                      angle, shift, shift, kPrimCubic),
                       kPrimOk);
         }
+    }
 }
 
 TEST(PrimGetRotateShift, ExactAtRightAngles) {
@@ -569,21 +584,23 @@ TEST(PrimMirror, OneRowOnAxis0StaysAsItIs) {
 }
 
 TEST(PrimMirror, MatchesTheModel) {
-    for (const int32_t axis : {0, 1, 2})
-        for (int32_t height = 1; height <= 5; ++height)
+    for (const int32_t axis : {0, 1, 2}) {
+        for (int32_t height = 1; height <= 5; ++height) {
             for (int32_t width = 1; width <= 140; ++width) {
                 Picture fast(width, height, 1), plain = fast;
                 PrimMirror8uC1(fast.data(), width, width, height, axis);
                 model::PrimMirror8uC1(plain.data(), width, width, height, axis);
                 ASSERT_EQ(fast.bytes, plain.bytes) << width << "x" << height << " axis " << axis;
             }
+        }
+    }
 }
 
 TEST(PrimBorders, MatchTheModels) {
-    for (int32_t width = 1; width <= 6; ++width)
-        for (int32_t height = 1; height <= 6; ++height)
-            for (int32_t left = 0; left <= 3; ++left)
-                for (int32_t top = 0; top <= 3; ++top)
+    for (int32_t width = 1; width <= 6; ++width) {
+        for (int32_t height = 1; height <= 6; ++height) {
+            for (int32_t left = 0; left <= 3; ++left) {
+                for (int32_t top = 0; top <= 3; ++top) {
                     for (int32_t more = 0; more <= 2; ++more) {
                         const int32_t fullWidth = width + left + more, fullHeight = height + top + 2 - more;
                         const Picture source(width, height, 1);
@@ -602,6 +619,10 @@ TEST(PrimBorders, MatchTheModels) {
                                                               height, fullWidth, fullHeight, top, left);
                         ASSERT_EQ(inPlace.bytes, plainInPlace.bytes);
                     }
+                }
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -27,8 +27,8 @@ TEST(ScalarColor, KnownColours) {
 }
 
 TEST(ScalarColor, TruncatesInTheOrderOfItsTerms) {
-    for (int r = 0; r < 256; r += 5)
-        for (int g = 0; g < 256; g += 3)
+    for (int r = 0; r < 256; r += 5) {
+        for (int g = 0; g < 256; g += 3) {
             for (int b = 0; b < 256; ++b) {
                 const auto byte = [](double v) {
                     return std::clamp(static_cast<int>(std::trunc(v)), 0, 255);
@@ -39,6 +39,8 @@ TEST(ScalarColor, TruncatesInTheOrderOfItsTerms) {
                 ASSERT_EQ(RgbToU(R, G, B), byte(0.439 * b - (0.148 * r + 0.291 * g) + 128));
                 ASSERT_EQ(RgbToV(R, G, B), byte(0.439 * r - 0.368 * g - 0.071 * b + 128));
             }
+        }
+    }
 }
 
 TEST(ScalarColor, PackedColoursHaveRedInTheLowByte) {

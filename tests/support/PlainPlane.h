@@ -41,8 +41,9 @@ inline void PlainGauss3(const PlainPlane& src, PlainPlane& dst) {
         for (int x = 1; x < src.width - 1; ++x) {
             int sum = 0;
             for (int j = -1; j <= 1; ++j) {
-                for (int i = -1; i <= 1; ++i)
+                for (int i = -1; i <= 1; ++i) {
                     sum += (2 - std::abs(i)) * (2 - std::abs(j)) * src.At(x + i, y + j);
+                }
             }
             dst(x, y) = static_cast<uint8_t>((sum + ((sum >> 4) & 1) + 7) >> 4);
         }

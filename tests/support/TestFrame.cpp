@@ -63,8 +63,9 @@ namespace {
 int32_t SceneSample(int32_t x, int32_t y, int32_t width, int32_t height, int index, int channel) {
     const int32_t u = x * 256 / std::max(width, 1);
     const int32_t v = y * 256 / std::max(height, 1);
-    if (channel > 0)
+    if (channel > 0) {
         return 128 + ((channel == 1 ? u - 128 : v - 128) / 2 + (index * 3 + u + v) % 32 - 16) / 2;
+    }
     // A disc and a bar that move over a gradient with a checkered quarter and a flat quarter.
     const int32_t cx = 64 + (index * 5) % 128, cy = 96 + (index * 3) % 64;
     if ((u - cx) * (u - cx) + (v - cy) * (v - cy) < 40 * 40) return 215;

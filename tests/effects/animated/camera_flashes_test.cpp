@@ -69,8 +69,9 @@ void PlainStar(PlainPlane& plane, int radius, int spikes) {
         for (double s = 0; s < length; s += 1) {
             uint8_t& pixel =
                 plane(hw + static_cast<int>(std::sin(t) * s), hh + static_cast<int>(std::cos(t) * s));
-            if (pixel == 0)
+            if (pixel == 0) {
                 pixel = static_cast<uint8_t>(std::min(static_cast<int>((1 - s / length) * 255.0), 255));
+            }
         }
     }
     for (size_t i = 0; i < plane.pixels.size(); ++i) {

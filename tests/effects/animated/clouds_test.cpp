@@ -162,8 +162,9 @@ TEST_F(Clouds, MakesItsFileOnce) {
         std::to_string(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()));
     const std::vector<uint8_t> file = ReadFile();
     ASSERT_EQ(file.size(), 20 * kRecord);
-    for (const auto& entry : std::filesystem::directory_iterator("."))
+    for (const auto& entry : std::filesystem::directory_iterator(".")) {
         EXPECT_EQ(entry.path().filename(), "perlin.dat");
+    }
     // Spot checks of the formula.
     const auto& noise = CurrentSurroundings().Shared<GradientNoise>(Rand);
     TestRandom random(1);

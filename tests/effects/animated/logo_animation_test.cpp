@@ -157,8 +157,9 @@ void WriteBmp(const std::string& path, int32_t width, int32_t height, uint16_t b
     header[0] = 'B';
     header[1] = 'M';
     const auto put = [&](size_t at, uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
+        for (int i = 0; i < bytes; ++i) {
             header[at + static_cast<size_t>(i)] = static_cast<uint8_t>(value >> (8 * i));
+        }
     };
     put(14, 40, 4);
     put(18, static_cast<uint32_t>(width), 4);

@@ -18,8 +18,9 @@ class Model {
     }
 
     void operator()(TestFrame& frame) {
-        for (int p = 0; p < 3; ++p)
+        for (int p = 0; p < 3; ++p) {
             Step(p == 0 ? LumaOf(frame) : ChromaOf(frame, p), history_[p], frame.plane(p));
+        }
         first_ = false;
     }
 

@@ -237,8 +237,9 @@ TEST(Rain, LevelWaterShowsThePicture) {
     ASSERT_EQ(effect.Process(frame), kSuccess);
     size_t changed = 0;
     for (size_t y = 1; y < 149; ++y) {
-        for (size_t x = 1; x < 199; ++x)
+        for (size_t x = 1; x < 199; ++x) {
             changed += frame.plane(0)[y * 200 + x] != before.plane(0)[y * 200 + x] ? 1 : 0;
+        }
     }
     EXPECT_GT(changed, 0U);
     EXPECT_LT(changed, 100U);

@@ -73,8 +73,9 @@ TEST(Bulge, FillsTheTable) {
         EXPECT_EQ(TableOf(effect, w, h), MakeTable(BulgeTable, w, h)) << w << " by " << h;
     }
     for (int w = 1; w <= 24; ++w) {
-        for (int h = 1; h <= 24; ++h)
+        for (int h = 1; h <= 24; ++h) {
             EXPECT_EQ(TableOf(effect, w, h), MakeTable(BulgeTable, w, h)) << w << " by " << h;
+        }
     }
 }
 

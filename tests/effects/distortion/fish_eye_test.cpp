@@ -82,8 +82,9 @@ TEST(FishEye, FillsTheTables) {
             effect.Set("LargeSphere", large ? "TRUE" : "FALSE");
             effect.Set("EffectType", std::to_string(type));
             const TableMaker maker = FishEyeTable(type, large);
-            for (const auto& [w, h] : {std::pair{320, 240}, {177, 143}, {40, 90}, {64, 64}})
+            for (const auto& [w, h] : {std::pair{320, 240}, {177, 143}, {40, 90}, {64, 64}}) {
                 EXPECT_EQ(TableOf(effect, w, h), MakeTable(maker, w, h)) << w << " by " << h;
+            }
             for (int w = 1; w <= 12; ++w) {
                 for (int h = 1; h <= 12; ++h) {
                     EXPECT_EQ(TableOf(effect, w, h), MakeTable(maker, w, h)) << w << " by " << h;

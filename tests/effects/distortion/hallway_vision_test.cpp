@@ -146,8 +146,9 @@ TEST_P(HallwayVision, StretchesMostAtTheCentreAndNotAtTheRim) {
     ASSERT_EQ(effect.Configure(640, 480), kSuccess);
     TestFrame frame(640, 480);
     for (int y = 0; y < 480; ++y) {
-        for (int x = 0; x < 640; ++x)
+        for (int x = 0; x < 640; ++x) {
             frame.y()[640 * y + x] = static_cast<uint8_t>(std::clamp(x - 200, 0, 255));
+        }
     }
     ASSERT_EQ(effect.Process(frame), kSuccess);
     EXPECT_GE(frame.y()[640 * 240 + 321], 120 + 4);  // one pixel out samples several

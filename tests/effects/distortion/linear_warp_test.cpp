@@ -52,7 +52,7 @@ TEST(LinearWarp, EqualsThePrimitive) {
             TestFrame expected = source, result = source;
             PrimRemap8uC1(source.plane(0).data(), w, h, w, 0, 0, w, h, x.data(), 4 * w, y.data(), 4 * w,
                           expected.y(), w, w, h, kPrimLinear);
-            CLinearWarp({x.data(), y.data(), w, h}).Apply(source.plane(0).data(), result.y());
+            LinearWarp({x.data(), y.data(), w, h}).Apply(source.plane(0).data(), result.y());
             ASSERT_EQ(FirstDifference(result, expected), "") << w << " by " << h << ", seed " << seed;
             ASSERT_TRUE(result.GuardsIntact());
         }
@@ -84,7 +84,7 @@ TEST(LinearWarp, EqualsThePrimitiveNextToWholeNumbers) {
         TestFrame expected = source, result = source;
         PrimRemap8uC1(upper, w, h, w, 0, 0, w, h, x.data(), 4 * w, y.data(), 4 * w, expected.y(), w, w, h,
                       kPrimLinear);
-        CLinearWarp({x.data(), y.data(), w, h}).Apply(upper, result.y());
+        LinearWarp({x.data(), y.data(), w, h}).Apply(upper, result.y());
         ASSERT_EQ(FirstDifference(result, expected), "") << "seed " << seed;
     }
 }

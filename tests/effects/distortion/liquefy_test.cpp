@@ -71,8 +71,9 @@ struct LiquefyModel {
             for (int y = 1; y < bh - 1; ++y) {
                 for (int x = 1; x < bw - 1; ++x) {
                     int sum = 0;
-                    for (int k = 0; k < 9; ++k)
+                    for (int k = 0; k < 9; ++k) {
                         sum += from[static_cast<size_t>((y + k / 3 - 1) * bw + x + k % 3 - 1)];
+                    }
                     first[static_cast<size_t>(y * bw + x)] = static_cast<uint8_t>(((sum + 5) * 455) >> 12);
                 }
             }
@@ -94,9 +95,10 @@ struct LiquefyModel {
         for (int k = 0; k < n; ++k) {
             Bytes& plane = frames[static_cast<size_t>(k)];
             plane.resize(L.size());
-            for (size_t i = 0; i < L.size(); ++i)
+            for (size_t i = 0; i < L.size(); ++i) {
                 plane[i] =
                     static_cast<uint8_t>(static_cast<int>(sin((ph[L[i]] + k + L[i]) * K) * 8.0 + 135.0));
+            }
             Smooth(plane, 3);
         }
     }
@@ -128,8 +130,9 @@ struct LiquefyModel {
         } else {
             const int s = (speed + 2) * counter;
             for (int y = 0; y < h; ++y) {
-                for (int x = 0; x < w; ++x)
+                for (int x = 0; x < w; ++x) {
                     H.push_back(scroll[static_cast<size_t>(y * 2 * w + (s + x) % (2 * w))]);
+                }
             }
         }
         if (intensity != 16) {
@@ -322,8 +325,9 @@ TEST(LiquefyCycles, SpeedThreeVisitsAllFrames) {
         for (int i = 0; i < 34; ++i) {
             TestFrame frame = still;
             ASSERT_EQ(effect.Process(frame), kSuccess);
-            if (std::find(seen.begin(), seen.end(), frame.Checksum()) == seen.end())
+            if (std::find(seen.begin(), seen.end(), frame.Checksum()) == seen.end()) {
                 seen.push_back(frame.Checksum());
+            }
         }
         EXPECT_EQ(seen.size(), mode == 0 ? 16U : 17U);
     }

@@ -55,8 +55,9 @@ struct MovingTwirlModel {
             const int64_t row = (int64_t{sinTable.at(k)} * p.r + cy) / 4096;
             const int64_t column = (int64_t{cosTable.at(k)} * p.r + cx) / 4096;
             const int64_t index = row * width + column;
-            if (index >= 0 && index < static_cast<int64_t>(before.size()))
+            if (index >= 0 && index < static_cast<int64_t>(before.size())) {
                 plane[i] = before[static_cast<size_t>(index)];
+            }
         }
     }
 

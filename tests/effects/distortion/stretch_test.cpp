@@ -49,11 +49,13 @@ TEST(Stretch, KeepsTheContract) {
 
 TEST(Stretch, FillsTheTable) {
     EffectDriver effect(kGuid);
-    for (const auto& [w, h] : {std::pair{320, 240}, {160, 120}, {641, 483}, {1280, 720}, {720, 1280}})
+    for (const auto& [w, h] : {std::pair{320, 240}, {160, 120}, {641, 483}, {1280, 720}, {720, 1280}}) {
         EXPECT_EQ(TableOf(effect, w, h), MakeTable(StretchTable, w, h)) << w << " by " << h;
+    }
     for (int w = 1; w <= 24; ++w) {
-        for (int h = 1; h <= 24; ++h)
+        for (int h = 1; h <= 24; ++h) {
             EXPECT_EQ(TableOf(effect, w, h), MakeTable(StretchTable, w, h)) << w << " by " << h;
+        }
     }
     for (const auto& [w, h] : {std::pair{0, 0}, {0, 5}, {5, 0}}) TableOf(effect, w, h);
 }

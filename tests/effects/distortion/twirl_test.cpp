@@ -51,8 +51,9 @@ struct TwirlModel {
         const TestFrame before = frame;
         for (int p = 0; p < 3; ++p) {
             const std::vector<int>& map = p == 0 ? luma : chroma;
-            for (size_t i = 0; i < map.size(); ++i)
+            for (size_t i = 0; i < map.size(); ++i) {
                 frame.plane(p)[i] = before.plane(p)[static_cast<size_t>(map[i])];
+            }
         }
     }
 };

@@ -65,8 +65,9 @@ inline void Lowpass5(const PlainPlane& src, PlainPlane& dst) {
 inline void Median5(const PlainPlane& src, PlainPlane& dst) {
     ForInterior(src, 2, [&](int x, int y) {
         std::array<uint8_t, 25> window;
-        for (int i = 0; i < 25; ++i)
+        for (int i = 0; i < 25; ++i) {
             window[static_cast<size_t>(i)] = static_cast<uint8_t>(src(x - 2 + i % 5, y - 2 + i / 5));
+        }
         int median = 0;
         for (int bit = 128; bit > 0; bit /= 2) {
             int below = 0;

@@ -62,8 +62,9 @@ class PenModel {
         const auto width = static_cast<size_t>(luma.width), count = luma.pixels.size();
         ++frames_;
         if (!colored_) {
-            for (const int index : {1, 2})
+            for (const int index : {1, 2}) {
                 std::fill(frame.plane(index).begin(), frame.plane(index).end(), 128);
+            }
         }
         if (variant_ == 4 && frames_ % 2 == 0) {
             offset_ = (static_cast<size_t>(std::rand()) % 200 + offset_) % width;

@@ -31,8 +31,9 @@ class Model {
         PlainGauss3(scratch, small);
         if (hasPrevious_) {
             for (size_t i = 0; i < small.pixels.size(); ++i) {
-                if (std::abs(small.pixels[i] - previous_.pixels[i]) < 2)
+                if (std::abs(small.pixels[i] - previous_.pixels[i]) < 2) {
                     small.pixels[i] = previous_.pixels[i];
+                }
             }
         }
         hasPrevious_ = true;

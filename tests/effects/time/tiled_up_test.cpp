@@ -45,8 +45,9 @@ class Model {
         }
         for (size_t i = 0; i < y.pixels.size(); ++i) y.pixels[i] = Clamp(y.pixels[i] + grout_[i]);
         model::ShadeByGradient(y.pixels.data(), shade_.pixels.data(), width_, height_, 45);
-        for (size_t i = 0; i < y.pixels.size(); ++i)
+        for (size_t i = 0; i < y.pixels.size(); ++i) {
             y.pixels[i] = Clamp(y.pixels[i] + shade_.pixels[i] - 128);
+        }
         y.WriteTo(frame.plane(0));
     }
 

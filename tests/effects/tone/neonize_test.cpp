@@ -147,8 +147,9 @@ TEST(Neonize, AFlatFrameIsBlackWithNeutralChroma) {
         for (int p = 1; p < 3; ++p) {
             for (int y = margin; y < h / 2 - margin; ++y) {
                 const uint8_t* row = frame.plane(p).data() + y * (w / 2);
-                for (int x = margin; x < w / 2 - margin; ++x)
+                for (int x = margin; x < w / 2 - margin; ++x) {
                     ASSERT_EQ(row[x], 128) << w << ": " << x << ", " << y;
+                }
             }
         }
     }
