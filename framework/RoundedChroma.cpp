@@ -24,18 +24,18 @@ bool IsRoundedUp(const PlanarFrame& frame, const FramePlane& chroma) {
 
 }  // namespace
 
-void CRoundedChroma::Prepare(int32_t width, int32_t height) {
+void RoundedChroma::Prepare(int32_t width, int32_t height) {
     if (width % 2 == 0 && height % 2 == 0) return;
-    U.resize(static_cast<size_t>(RoundedUpBytes(width, height)));
-    V.resize(U.size());
+    u_.resize(static_cast<size_t>(RoundedUpBytes(width, height)));
+    v_.resize(u_.size());
 }
 
-bool CRoundedChroma::IsLargeEnough(const PlanarFrame& frame, const FramePlane& chroma) {
+bool RoundedChroma::IsLargeEnough(const PlanarFrame& frame, const FramePlane& chroma) {
     return IsRoundedUp(frame, chroma) || std::max(chroma.size, 0) >= OwnBytes(chroma);
 }
 
-uint8_t* CRoundedChroma::RoundUp(const PlanarFrame& frame, const FramePlane& chroma,
-                                 std::vector<uint8_t>& copy) {
+uint8_t* RoundedChroma::RoundUp(const PlanarFrame& frame, const FramePlane& chroma,
+                                std::vector<uint8_t>& copy) {
     if (IsRoundedUp(frame, chroma)) return chroma.data;
     if (OwnBytes(chroma) == 0) {
         std::fill(copy.begin(), copy.end(), uint8_t{128});
@@ -51,7 +51,7 @@ uint8_t* CRoundedChroma::RoundUp(const PlanarFrame& frame, const FramePlane& chr
     return copy.data();
 }
 
-void CRoundedChroma::RoundDown(const PlanarFrame& frame, const uint8_t* rounded, const FramePlane& chroma) {
+void RoundedChroma::RoundDown(const PlanarFrame& frame, const uint8_t* rounded, const FramePlane& chroma) {
     if (rounded == chroma.data) return;
     const ptrdiff_t step = RoundedHalf(frame.y.width);
     for (int32_t y = 0; y < chroma.height; ++y) {

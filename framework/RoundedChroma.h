@@ -19,7 +19,7 @@
 ///
 /// A plane that is rounded down is used through a copy in which its last column and its last row are
 /// repeated, or which is 128 when the plane has no pixel. Only the plane's own pixels are written back.
-class CRoundedChroma {
+class RoundedChroma {
   public:
     /// Makes the copies, at odd sizes.
     void Prepare(int32_t width, int32_t height);
@@ -29,7 +29,7 @@ class CRoundedChroma {
     template <class Convert>
     ResultCode Apply(const PlanarFrame& frame, Convert convert) {
         if (!IsLargeEnough(frame, frame.u) || !IsLargeEnough(frame, frame.v)) return kInvalidArgument;
-        uint8_t* const planes[3] = {frame.y.data, RoundUp(frame, frame.u, U), RoundUp(frame, frame.v, V)};
+        uint8_t* const planes[3] = {frame.y.data, RoundUp(frame, frame.u, u_), RoundUp(frame, frame.v, v_)};
         convert(planes);
         RoundDown(frame, planes[1], frame.u);
         RoundDown(frame, planes[2], frame.v);
@@ -41,7 +41,7 @@ class CRoundedChroma {
     static uint8_t* RoundUp(const PlanarFrame& frame, const FramePlane& chroma, std::vector<uint8_t>& copy);
     static void RoundDown(const PlanarFrame& frame, const uint8_t* rounded, const FramePlane& chroma);
 
-    std::vector<uint8_t> U, V;
+    std::vector<uint8_t> u_, v_;
 };
 
 #endif

@@ -27,6 +27,7 @@ class ISpecialEffectFactory {
     /// Slot 2. Creates the effect `id`, not yet configured, and stores it in `effect`; kFailure for an
     /// unknown id, with `effect` unchanged; kInvalidArgument for a null `effect`. The caller owns the effect
     /// and gives it back to `DestroyEffect`; it may outlive the factory. `reserved` is ignored.
+    /// When memory runs out, null is stored and the answer is kSuccess.
     virtual ResultCode CreateEffect(EffectGuid id, uint32_t reserved, CSpecialEffectFilter** effect) = 0;
 
     /// Slot 3. Shuts the effect down and deletes it. Null is ignored.
@@ -37,7 +38,8 @@ class ISpecialEffectFactory {
 
     /// Slot 5. With a null `list` stores the number of entries in `count`. Otherwise `count` says how many
     /// fit: too few is an invalid argument that changes nothing, else the whole list is copied and `count`
-    /// becomes its length. The list has one GUID twice and one that `CreateEffect` does not know.
+    /// becomes its length. A null `count` is an invalid argument. The list has one GUID twice and one that
+    /// `CreateEffect` does not know.
     virtual ResultCode EnumerateEffects(EffectGuid* list, uint32_t* count) = 0;
 
     /// Slot 6. Does nothing.

@@ -55,11 +55,22 @@ struct StreamDescription {
 };
 
 /// A picture. The planes are input and output; they belong to the host.
+///
+/// The planes must be as large as the format says at the configured size: `PlaneSize` is not checked against
+/// it. These effects alone look at `PlaneSize`, and 0 or less counts there as 0 unless said otherwise:
+///   Gray Scale, X-Ray            fill as many chroma bytes; X-Ray replaces at most as many luma bytes
+///   Bulge, Fish Eye, Blockhead   write at most as many bytes of each plane of a planar frame
+///   Antiquated Movie, Chrome,    at odd sizes fill chroma up to width * height / 4 bytes, as far as it says
+///     Graphic Pen, Line Art,
+///     Plaster
+///   Sepia, Comic Book            at odd sizes take chroma planes of (width + 1) / 2 by (height + 1) / 2
+///                                when it says that much, or when it is 0 or less and width / 2 by height / 2
+///                                is not empty; else of width / 2 by height / 2
 struct ImageRecord {
     int32_t Format;        ///< format code of this frame
     uint8_t* Plane[3];     ///< Y, U, V; packed pictures use Plane[0] only
     uint32_t Reserved;     ///< no effect reads it
-    int32_t PlaneSize[3];  ///< bytes in each plane
+    int32_t PlaneSize[3];  ///< bytes in each plane; see above
 };
 
 struct FrameRecord {
@@ -88,7 +99,8 @@ struct BasicSettingsRecord {
 using SettingsRecord = BasicSettingsRecord<char>;
 using WideSettingsRecord = BasicSettingsRecord<WideChar>;
 
-/// Rectangle of interest in luma pixels; all zero means none.
+/// Rectangle of interest in luma pixels, rows from the top: `right` and `bottom` are its last column and row.
+/// All zero means none.
 struct RegionRect {
     int32_t left, right, top, bottom;
 };
@@ -166,18 +178,36 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
 
     /// Slot 3. Stores the description and makes the workspace, after releasing an earlier one. A format code
     /// other than 0 or 2, or a size outside 1 to 16384, is stored and refused with kInvalidArgument, and
-    /// leaves the effect without workspace; Bulge, Fish Eye and Blockhead answer kSuccess all the same.
-    /// Throws std::bad_alloc when memory runs out.
+    /// leaves the effect without workspace. A null description is refused and changes nothing. Bulge, Fish
+    /// Eye and Blockhead answer kSuccess to all of these. Throws std::bad_alloc when memory runs out.
     virtual ResultCode Configure(StreamDescription* description) = 0;
 
-    /// Slots 4 and 5.
+    /// Slots 4 and 5. Two effects read the file at `Path`; all others answer kSuccess, to a null record too.
+    ///   Line Art    Three decimal numbers, separated by white space: red, green and blue of the background.
+    ///               Each is clamped to 0..255; from the first one that is missing on they are 0. kFailure,
+    ///               and nothing changed, for a null record or path and a file that cannot be opened.
+    ///   Picture Me  A Haar cascade, read at once for the configured size. Numbers, separated by white space:
+    ///               width and height of the window and the totals of stages, classifiers and rectangles; for
+    ///               each stage its number of classifiers and its threshold; for each classifier its number
+    ///               of rectangles, x, y, width, height and weight of each with y from the window's bottom,
+    ///               then its threshold and the values below it and from it on. kFailure for a null record;
+    ///               otherwise kSuccess, and with a file that cannot be used no face is found.
     virtual ResultCode LoadSettings(WideSettingsRecord* settings) = 0;
     virtual ResultCode LoadSettings(SettingsRecord* settings) = 0;
 
-    /// Slot 6. Changes the frame in place. Null record, image or plane: kInvalidArgument. Another format than
-    /// the configured one, or no workspace: kFailure. Format 2 in an effect that is planar only:
-    /// kNotImplemented. In all these cases the frame is unchanged, but for what Fish Eye and Picture Me do to
-    /// a frame before they look at its format.
+    /// Slot 6. Changes the frame in place. The planes must be as large as the configured size says; at an odd
+    /// width or height chroma is width / 2 by height / 2, rounded down.
+    ///
+    /// kInvalidArgument: a null record, image or plane; in Sepia and Comic Book a chroma plane that is too
+    /// small at an odd size. Gray Scale and Polarize accept a null Plane[0] and change the chroma alone.
+    /// kFailure: another format than the configured one, or no workspace: before `Configure`, after
+    /// `Shutdown` or after a `Configure` that was refused. Gray Scale, Polarize and, on packed frames, Sepia
+    /// need no workspace and answer kSuccess; Polarize and Sepia then leave the frames of a refused stream as
+    /// they are.
+    /// kNotImplemented: format 2 in an effect that is planar only.
+    ///
+    /// A frame that is refused is unchanged, but for what Fish Eye and Picture Me do to it before they look
+    /// at its format.
     virtual ResultCode ProcessFrame(FrameRecord* frame) = 0;
 
     /// Slots 7 and 8. Property names match in any case; a value out of range is clamped, never refused. An
@@ -186,7 +216,7 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
     virtual ResultCode SetProperty(WidePropertyRecord* property) = 0;
     virtual ResultCode SetProperty(PropertyRecord* property) = 0;
 
-    /// Slots 9 and 10. Do nothing.
+    /// Slots 9 and 10. Do nothing, with any record, null included: kSuccess, in Clouds kNotImplemented.
     virtual ResultCode ApplyProperty(WidePropertyRecord* property, int32_t argument) = 0;
     virtual ResultCode ApplyProperty(PropertyRecord* property, int32_t argument) = 0;
 

@@ -59,8 +59,8 @@ inline constexpr int32_t kPrimMask5x5 = 55;
 
 inline constexpr int32_t kPrimNearest = 1;
 inline constexpr int32_t kPrimLinear = 2;
-inline constexpr int32_t kPrimCubic = 4;
-inline constexpr int32_t kPrimArea = 8;
+inline constexpr int32_t kPrimCubic = 4;  ///< cubic in `PrimRotate8uC1`; linear samples in remap and resize
+inline constexpr int32_t kPrimArea = 8;   ///< resize only, and answered with linear samples
 inline constexpr int32_t kPrimLanczos = 16;
 /// Bit of the interpolation word of `PrimRotate8uC1`: blend the edge of the rotated picture.
 inline constexpr uint32_t kPrimSmoothEdge = 0x80000000u;
@@ -213,7 +213,8 @@ PrimStatus PrimYuv420ToRgb(const uint8_t* const planes[3], uint8_t* dst, int32_t
 ///                 and trunc(0.5 + top + fy * (bottom - top)) with top and bottom interpolated along x; all
 ///                 in double
 ///   kPrimCubic    accepted, and answered with kPrimLinear
-/// A source 1 wide or high forces nearest. Another mode: kPrimInterpolationError. Checks in the order null,
+/// A source 1 wide or high forces nearest. Another mode: kPrimInterpolationError. A map's row step must hold
+/// dstWidth floats (kPrimStepError) and be a multiple of 4 (kPrimAlignmentError). Checks in the order null,
 /// sizes, mode, steps, region.
 PrimStatus PrimRemap8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStep,
                          int32_t roiX, int32_t roiY, int32_t roiWidth, int32_t roiHeight, const float* xMap,
@@ -335,9 +336,9 @@ PrimStatus PrimFilterSobelHoriz8u16s(const uint8_t* src, int32_t srcStep, int16_
 PrimStatus PrimFilterSobelVert8u16s(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
                                     int32_t width, int32_t height, int32_t mask);
 
-/// The Sobel pair with the nearest edge pixel in place of pixels outside the region; `borderType` is
-/// kPrimBorderReplicate and `borderValue` is not read. `buffer` has the size that the GetBufferSize operation
-/// gives, in bytes.
+/// The Sobel pair with the nearest edge pixel in place of pixels outside the region; `borderType` and
+/// `borderValue` are not looked at: every type replicates. `buffer` has the size that the GetBufferSize
+/// operation gives, in bytes.
 PrimStatus PrimSobelHorizBorderGetBufferSize(int32_t width, int32_t height, int32_t mask, int32_t* size);
 PrimStatus PrimSobelVertBorderGetBufferSize(int32_t width, int32_t height, int32_t mask, int32_t* size);
 PrimStatus PrimSobelHorizBorder8u16s(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
@@ -360,7 +361,9 @@ PrimStatus PrimScharrVertBorder8u16s(const uint8_t* src, int32_t srcStep, int16_
 /// Edges = 255, all else = 0, from two gradients (dx left minus right, dy below minus above). The magnitude
 /// is Euclidean, in double, 0 outside the region; a pixel survives when it exceeds its neighbour on one side
 /// of the gradient's sector and is not below that on the other; survivors above highThresh are edges, and so
-/// are survivors above lowThresh that touch an edge.
+/// are survivors above lowThresh that touch an edge. The row steps of dx and dy must be even. A highThresh
+/// below lowThresh, and a threshold that is not a number: kPrimThresholdError, checked last. `buffer` has the
+/// size that `PrimCannyGetBufferSize` gives, in bytes, or kPrimSizeError where that would pass 31 bits.
 PrimStatus PrimCannyGetBufferSize(int32_t width, int32_t height, int32_t* size);
 PrimStatus PrimCanny16s8u(const int16_t* dx, int32_t dxStep, const int16_t* dy, int32_t dyStep, uint8_t* dst,
                           int32_t dstStep, int32_t width, int32_t height, float lowThresh, float highThresh,
@@ -378,7 +381,8 @@ PrimStatus PrimSqrIntegral8u32s64f(const uint8_t* src, int32_t srcStep, int32_t*
 /// Standard deviation of the pixels in the rectangle (x + rectX, y + rectY, rectWidth, rectHeight) for each
 /// (x, y) of the region, from two tables of `PrimSqrIntegral8u32s64f` that reach that far: the
 /// single-precision root of the variance Q/A - (S/A)^2, not below 0. sumStep and dstStep must be multiples of
-/// 4, sqrStep of 8.
+/// 4, sqrStep of 8, and each must hold `width` entries. A rectangle with a negative corner, a side below 1 or
+/// an end past 31 bits: kPrimSizeError, checked last.
 PrimStatus PrimRectStdDev32s32f(const int32_t* sum, int32_t sumStep, const double* sqr, int32_t sqrStep,
                                 float* dst, int32_t dstStep, int32_t width, int32_t height, int32_t rectX,
                                 int32_t rectY, int32_t rectWidth, int32_t rectHeight);

@@ -14,11 +14,11 @@ class CComicBookSpecialEffectFilter final : public PlanarEffect<CComicBookSpecia
 
     void Prepare();
     void Release();
-    /// kInvalidArgument when a chroma plane is too small: see CRoundedChroma.
+    /// kInvalidArgument when a chroma plane is too small: see RoundedChroma.
     ResultCode ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    CRoundedChroma Chroma;
+    RoundedChroma Chroma;
 };
 
 #endif

@@ -15,14 +15,14 @@ class CSepiaSpecialEffectFilter final : public PlanarEffect<CSepiaSpecialEffectF
 
     void Prepare();
     void Release();
-    /// kInvalidArgument when a chroma plane is too small: see CRoundedChroma.
+    /// kInvalidArgument when a chroma plane is too small: see RoundedChroma.
     ResultCode ProcessPlanar(const PlanarFrame& frame);
     /// Needs no workspace. Frames of a stream that `Configure` refused pass unchanged.
     ResultCode ProcessPacked(uint8_t* pixels);
 
   private:
     std::vector<uint8_t> Workspace;
-    CRoundedChroma Chroma;
+    RoundedChroma Chroma;
 };
 
 #endif
