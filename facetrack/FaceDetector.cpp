@@ -92,6 +92,7 @@ bool CFaceDetector::Initialize(int32_t frameWidth, int32_t frameHeight) {
     normPlane.assign(scaledPlane.Size(), 0.0F);
     phase = 0;
     BuildScales(frameWidth, frameHeight);
+    for (const CScaleEntry& entry : scales) scalePlans.push_back(PlanScale(entry.scale));
     return true;
 }
 
@@ -138,6 +139,35 @@ void CFaceDetector::BuildScales(int32_t frameWidth, int32_t frameHeight) {
     }
 }
 
+std::unique_ptr<resize::Plan> CFaceDetector::PlanScale(float scale) const {
+    const double factor = 1.0 / scale;
+    const auto axis = [&](int32_t length) {
+        return resize::Axis(length, factor, static_cast<int32_t>(static_cast<float>(length) / scale));
+    };
+    const resize::Axis x = axis(frameWidth_), y = axis(frameHeight_);
+    if (x.count < 1 || y.count < 1) return nullptr;
+    auto plan = resize::PlanFor(kPrimLanczos, frameWidth_, frameHeight_, x, y);
+    Require(plan != nullptr);
+    return plan;
+}
+
+/// The planned scales take no memory; another one, or another plane, is scaled with tables of its own.
+bool CFaceDetector::ScalePicture(const CPlane8u& plane, float scale, CPlane8u& scaled) {
+    const auto entry = std::find_if(scales.begin(), scales.end(),
+                                    [=](const CScaleEntry& candidate) { return candidate.scale == scale; });
+    const auto index = static_cast<size_t>(entry - scales.begin());
+    if (plane.width == frameWidth_ && plane.height == frameHeight_ && index < scalePlans.size()) {
+        if (scalePlans[index]) scalePlans[index]->Run(plane.data, plane.width, scaled.data, scaled.width);
+        return true;
+    }
+    const double factor = 1.0 / scale;
+    const PrimStatus status =
+        PrimResize8uC1(plane.data, plane.width, plane.height, plane.width, 0, 0, plane.width, plane.height,
+                       scaled.data, scaled.width, scaled.width, scaled.height, factor, factor, kPrimLanczos);
+    Require(status != kPrimMemoryError);
+    return status == kPrimOk;
+}
+
 int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     constexpr int32_t kFailed = -1;
     constexpr uint8_t kCandidate = 255;
@@ -151,12 +181,7 @@ int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     }
     CPlane8u scaled = CPlane8u::Over(scaledPlane.data, width, height);
     scaled.Fill(0);
-    const double factor = 1.0 / scale;
-    const PrimStatus resized =
-        PrimResize8uC1(plane.data, plane.width, plane.height, plane.width, 0, 0, plane.width, plane.height,
-                       scaled.data, width, width, height, factor, factor, kPrimLanczos);
-    Require(resized != kPrimMemoryError);
-    if (resized != kPrimOk) return kFailed;
+    if (!ScalePicture(plane, scale, scaled)) return kFailed;
 
     const int32_t sumStep = tableWidth * static_cast<int32_t>(sizeof(int32_t));
     const int32_t sqrStep = tableWidth * static_cast<int32_t>(sizeof(double));

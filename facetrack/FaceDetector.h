@@ -14,6 +14,7 @@
 #include "facetrack/HitStore.h"
 #include "imaging/Plane8u.h"
 #include "imaging/Prim.h"
+#include "imaging/ResizeAxis.h"
 
 struct CFaceRect {
     int32_t x, y, width, height;
@@ -81,6 +82,8 @@ class CFaceDetector {
 
   private:
     void AddHits(float scale);
+    std::unique_ptr<resize::Plan> PlanScale(float scale) const;
+    bool ScalePicture(const CPlane8u& plane, float scale, CPlane8u& scaled);
 
     Cascade cascade;
     float mergeRadius = 5.0F;  ///< distance of centres that joins hits
@@ -103,6 +106,7 @@ class CFaceDetector {
     std::vector<uint8_t> edgeBuffer;
 
     std::vector<CScaleEntry> scales;
+    std::vector<std::unique_ptr<resize::Plan>> scalePlans;  ///< for each of `scales`; null makes no picture
     std::vector<CFaceRect> faces, previousFaces;
     int32_t phase = 0;  ///< frame of the cycle, 0 to 3
     int64_t frameWork = 0;
