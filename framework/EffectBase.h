@@ -1,7 +1,7 @@
 // What all effects do alike, between an effect and its interface. Adds no virtual operation, so no slot
 // moves.
 //
-//   EffectBase<Effect, Interface>  the contract less the frames: destructor, formats, properties, texts.
+//   EffectBase<Effect, Interface>  the contract without frames: destructor, formats, properties, texts.
 //   PlanarEffect<Effect>           also `Configure`, `ProcessFrame` and `Shutdown`, for effects that work on
 //                                  planar frames. Nearly every effect derives from this one.
 //
@@ -10,7 +10,7 @@
 //   static constexpr const char* DisplayName   its name, the same for all variants
 //   static ... Properties()                    its property table (see Property.h), if it has one
 //   void Prepare()                             makes the workspace for Width() by Height()
-//   void Release()                             gives the workspace back
+//   void Release()                             releases the workspace
 //   void ProcessPlanar(const PlanarFrame&)     changes a frame; may return a ResultCode instead
 //   ResultCode ProcessPacked(uint8_t*)         changes a packed frame, if it can
 //
@@ -125,7 +125,7 @@ class EffectBase : public Interface {
     Effect& Self() { return static_cast<Effect&>(*this); }
 
   private:
-    /// The effect's name and property table, as the host asks for them. Has no state.
+    /// The effect's name and property table for the host. Has no state.
     class XInternal final : public CInternalInfo {
       public:
         int32_t GetName(char* name, uint32_t size) override {
@@ -172,7 +172,7 @@ class EffectBase : public Interface {
         }
     };
 
-    /// Runs `act` on the row that `record` names. An effect without properties answers 0 to everything.
+    /// Runs `act` on the row that `record` names. An effect without properties returns 0.
     template <class Act>
     ResultCode WithProperty(const PropertyRecord* record, Act act) {
         if (Effect::Properties().empty()) return kSuccess;
@@ -212,7 +212,7 @@ class PlanarEffect : public EffectBase<Effect> {
 
     void Prepare() {}
     void Release() {}
-    /// Told of every frame of the configured format, before anything else of it is looked at.
+    /// Called for every frame of the configured format, before any other check.
     void NoteFrame() {}
     ResultCode ProcessPacked(uint8_t*) { return kNotImplemented; }
 
@@ -265,8 +265,8 @@ class PlanarEffect : public EffectBase<Effect> {
 
     int32_t Width() const { return stream_.Width; }
     int32_t Height() const { return stream_.Height; }
-    /// Whether the stream that `Configure` was told of last was accepted. Of one that was refused the size
-    /// stays, and no plane is believed to have it: effects that need no workspace ask here.
+    /// Whether the last `Configure` accepted its stream. The size of a refused stream is stored, but planes
+    /// may be smaller: effects that need no workspace check this.
     bool ServesStream() const { return IsServed(stream_); }
 
   protected:

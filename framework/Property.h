@@ -34,7 +34,7 @@ struct Property {
 
     PropTypeSet type;
     const char* name;
-    const char* defaultText;  ///< what a host is told; an effect may start with another value
+    const char* defaultText;  ///< what hosts see; an effect may start with another value
     const char* range;        ///< "lo,hi" for integers, otherwise empty
     int32_t lowest, highest;  ///< bounds of an integer, applied before `set`
     Getter get;

@@ -11,11 +11,11 @@
 /// kInvalidArgument, with nothing written, for a size of 0 or a null pointer.
 ResultCode StringCopySafe(char* destination, size_t size, const char* source);
 
-/// Whether two property names are the same, in any case (ASCII).
+/// Whether two property names are equal, ignoring ASCII case.
 bool SameName(const char* a, const char* b);
 
-/// The decimal number that a text begins with, after blanks; 0 when there is none. Numbers beyond 32 bits
-/// take the nearest bound.
+/// The decimal number at the start of a text, after blanks; 0 without a number. Numbers beyond 32 bits
+/// saturate.
 int32_t IntegerFromString(const char* text);
 void IntegerToString(int32_t value, char* buffer, size_t size);
 

@@ -1,4 +1,4 @@
-// Chroma planes of (width + 1) / 2 by (height + 1) / 2 samples, as conversions from and to packed pixels want
+// Chroma planes of (width + 1) / 2 by (height + 1) / 2 samples, as conversions from and to packed pixels need
 // them, for frames whose planes are width / 2 by height / 2.
 #ifndef SPECIALEFFECTS_FRAMEWORK_ROUNDEDCHROMA_H
 #define SPECIALEFFECTS_FRAMEWORK_ROUNDEDCHROMA_H
@@ -8,12 +8,12 @@
 
 #include "framework/StreamRules.h"
 
-/// At even sizes both are one, and this only passes the frame's planes on. At odd sizes `PlaneSize` tells for
-/// each plane which it is:
+/// At even sizes both are one, and this only passes the frame's planes on. At odd sizes `PlaneSize` decides
+/// for each plane:
 ///
 ///   at least the rounded-up size              rounded up
-///   0 or less, and width / 2 by height / 2    rounded up: a host that tells no size is believed to have it
-///     has pixels
+///   0 or less, and width / 2 by height / 2    rounded up: a size of 0 means unknown, and the planes
+///     are assumed large enough
 ///   at least width / 2 by height / 2          rounded down
 ///   less                                      the frame is refused
 ///

@@ -25,14 +25,14 @@ inline bool IsReadable(const ImageRecord* image) {
     return address != 0 && address != 0xFFFFFFFCU && address + offsetof(ImageRecord, Plane) != 0;
 }
 
-/// The entry checks that need no more than the records: null record or image, then the format.
+/// The entry checks that need only the records: null record or image, then the format.
 inline ResultCode CheckFrame(const FrameRecord* frame, const StreamDescription& stream) {
     if (frame == nullptr || !IsReadable(frame->Image)) return kInvalidArgument;
     return frame->Image->Format == stream.Format ? kSuccess : kFailure;
 }
 
-/// Bytes of a packed 24-bit picture whose rows are rounded up to a multiple of 4. Rows are used at a step of
-/// 3 * width all the same; the rounding only makes the buffer larger than it needs to be.
+/// Bytes of a packed 24-bit picture whose rows are rounded up to a multiple of 4. The row step is
+/// still 3 * width; the rounding only makes the buffer larger than needed.
 constexpr size_t PackedBytes(int32_t width, int32_t height) {
     return (static_cast<size_t>(width) * 24 + 31) / 32 * 4 * static_cast<size_t>(height);
 }
@@ -41,9 +41,9 @@ constexpr size_t PackedBytes(int32_t width, int32_t height) {
 struct FramePlane {
     uint8_t* data;
     int32_t width, height;
-    int32_t size;  ///< the plane's bytes as the host tells them: neither trusted nor always width * height
+    int32_t size;  ///< bytes of the plane according to the host; may differ from width * height
 
-    /// Sets as many bytes as the host says that there are.
+    /// Sets all bytes that the plane has according to the host.
     void FillWhole(uint8_t value) const {
         if (size > 0) std::memset(data, value, static_cast<size_t>(size));
     }

@@ -1,4 +1,4 @@
-// Between the host's UTF-16 texts and the module's UTF-8.
+// Conversion between the host's UTF-16 texts and the module's UTF-8.
 #ifndef SPECIALEFFECTS_FRAMEWORK_TEXTBRIDGE_H
 #define SPECIALEFFECTS_FRAMEWORK_TEXTBRIDGE_H
 
@@ -10,7 +10,7 @@
 inline constexpr size_t kTextCapacity = 256;
 
 /// Converts a terminated text into a buffer of `size` characters. What does not fit is cut at a whole
-/// character; the result is always terminated. What is not a character (a lone surrogate, a broken byte
+/// character; the result is always terminated. An invalid character (a lone surrogate, a broken byte
 /// sequence) becomes U+FFFD. Never reads more than `size` units of the source. A size of 0 writes nothing.
 void NarrowFromWide(const WideChar* wide, char* narrow, size_t size);
 void WideFromNarrow(const char* narrow, WideChar* wide, size_t size);

@@ -41,7 +41,7 @@ class BoxFilter {
   public:
     /// Filters nothing.
     BoxFilter() = default;
-    /// Throws std::bad_alloc when the memory cannot be had. Filters nothing where the mask is not smaller
+    /// Throws std::bad_alloc when the allocation fails. Filters nothing where the mask is not smaller
     /// than the interior.
     BoxFilter(int32_t width, int32_t height, int32_t maskSize);
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Sum of `count` bytes, exact whatever the count.
+/// Sum of `count` bytes, exact for every count.
 uint64_t SumBytes(const uint8_t* data, size_t count);
 
 #endif

@@ -34,7 +34,7 @@ extern std::atomic<int> current;
 int Detect();
 }  // namespace internal
 
-/// The level in force: the highest of Levels() unless limited.
+/// The current level: the highest of Levels() unless limited.
 inline Level Current() {
     const int level = internal::current.load(std::memory_order_relaxed);
     return static_cast<Level>(level >= 0 ? level : internal::Detect());

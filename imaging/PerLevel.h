@@ -5,7 +5,7 @@
 //
 //     AtLevel<AddRow>(src, dst, count);
 //
-// which compiles it for each level and runs the one in force. Calling the function directly compiles it into
+// which compiles it for each level and runs the current one. Calling the function directly compiles it into
 // the caller, for the baseline.
 //
 // What the loop calls must be inlined into it: helpers are SE_INLINE, or small enough that the compiler
@@ -65,7 +65,7 @@ struct PerLevel<Body> {
 
 }  // namespace cpu::internal
 
-/// An SE_INLINE function, compiled for each processor level; a call runs it at the level in force.
+/// An SE_INLINE function, compiled for each processor level; a call runs it at the current level.
 template <auto Body>
 inline constexpr auto* AtLevel = &cpu::internal::PerLevel<Body>::Call;
 

@@ -1,25 +1,25 @@
-// One 8-bit image plane, and what effects do with whole planes.
+// One 8-bit image plane, and operations on whole planes.
 //
 // Rows are packed: the row step of every plane equals its width. Nothing here reads or writes outside the
-// planes that it is given, whatever their sizes: where the sizes do not fit together an operation is cut to
-// what the planes share or leaves the destination alone, as stated with each. An empty plane (no memory, or a
-// size below 1) is left alone by everything.
+// planes it is given. Where sizes do not match, an operation is clipped to the common part or leaves the
+// destination unchanged, as each states. No operation changes an empty plane (one without memory, or with a
+// size below 1).
 #ifndef SPECIALEFFECTS_IMAGING_PLANE8U_H
 #define SPECIALEFFECTS_IMAGING_PLANE8U_H
 
 #include <cstddef>
 #include <cstdint>
 
-/// A plane of unsigned bytes that owns its memory, or looks at memory of somebody else: a plane of the host's
-/// frame, a part of another buffer. A plane that only looks must not outlive what it looks at; effects attach
-/// anew for every frame.
+/// A plane of unsigned bytes that owns its memory, or is a view of other memory: a plane of the host's
+/// frame, a part of another buffer. A view must not outlive the memory behind it; effects make new views
+/// for every frame.
 class CPlane8u {
   public:
     CPlane8u() = default;
-    /// An owned plane of zeros; empty when the memory cannot be had or a size is below 1.
+    /// An owned plane of zeros; empty when the allocation fails or a size is below 1.
     CPlane8u(int32_t planeWidth, int32_t planeHeight) { Allocate(planeWidth, planeHeight); }
-    /// Owned copy of the pixels, also of those of a plane that only looks. An empty plane gives an empty one.
-    /// Throws std::bad_alloc when the memory cannot be had.
+    /// An owned copy of the pixels, also of a view. The copy of an empty plane is empty.
+    /// Throws std::bad_alloc when the allocation fails.
     CPlane8u(const CPlane8u& other);
     CPlane8u(CPlane8u&& other) noexcept { Swap(other); }
     CPlane8u& operator=(CPlane8u other) noexcept {
@@ -28,18 +28,18 @@ class CPlane8u {
     }
     ~CPlane8u() { Release(); }
 
-    /// A plane that looks at `data`.
+    /// A view of `data`.
     static CPlane8u Over(uint8_t* data, int32_t width, int32_t height) {
         CPlane8u plane;
         plane.Attach(data, width, height);
         return plane;
     }
 
-    /// Looks at `planeData` from now on. Memory that the plane owned is released first.
+    /// Becomes a view of `planeData`. Memory that the plane owned is released first.
     void Attach(uint8_t* planeData, int32_t planeWidth, int32_t planeHeight);
 
-    /// Takes a new block of zeros; what the plane owned is released first. False when the memory cannot be
-    /// had, a size is below 1 or their product is above 2^31 - 1: `data` is then null, the other fields are
+    /// Allocates zeros; memory that the plane owned is released first. False when the allocation
+    /// fails, a size is below 1 or their product is above 2^31 - 1: `data` is then null, the other fields are
     /// untouched.
     bool Allocate(int32_t planeWidth, int32_t planeHeight);
 
@@ -60,17 +60,17 @@ class CPlane8u {
     /// compared.
     void CopyPixels(const CPlane8u& src);
 
-    /// Copies `src` to (x, y) of this plane; what lies outside this plane is cut away.
+    /// Copies `src` to (x, y) of this plane; pixels outside this plane are clipped.
     void Paste(const CPlane8u& src, int32_t x, int32_t y);
 
-    /// Fills a frame of `thickness` pixels along the four edges; all of a plane that is no wider than that.
+    /// Fills a ring of `thickness` pixels along the four edges; the whole plane if it has no interior.
     void FillBorder(int32_t thickness, uint8_t value);
 
     /// Mean of all pixels, truncated; 0 for an empty plane.
     uint8_t MeanByte() const;
 
-    /// Copies `src` to (border, border) and repeats its edges all round. Needs a plane that holds `src` and
-    /// the left and upper border, and is left alone otherwise.
+    /// Copies `src` to (border, border) and repeats its edges on all sides. A plane that does not hold
+    /// `src` and the left and upper border stays unchanged.
     void CopyWithBorder(const CPlane8u& src, int32_t border);
 
     /// Fills this plane from the rectangle of `src` whose corner is (x, y). Pixels for which `src` has no
@@ -79,11 +79,11 @@ class CPlane8u {
 
     /// Scales the given rectangle of `src` to this whole plane, linearly. Where the rectangle reaches past
     /// the right or lower edge of `src`, the pixels that would show what is missing stay as they are; a
-    /// rectangle that starts outside `src` does nothing. Takes memory and throws std::bad_alloc when there is
-    /// none; frames use a `ResizePlan`.
+    /// rectangle that starts outside `src` does nothing. Allocates, and throws std::bad_alloc when that
+    /// fails; frames use a `ResizePlan`.
     void ResizeRegion(const CPlane8u& src, int32_t regionWidth, int32_t regionHeight, int32_t x, int32_t y);
 
-    /// Overwrites a frame of `border` pixels with the nearest pixels inside it. Does nothing where no pixel
+    /// Overwrites a ring of `border` pixels with the nearest pixels inside it. Does nothing where no pixel
     /// is left inside.
     void ReplicateBorder(int32_t border);
 
@@ -96,11 +96,11 @@ class CPlane8u {
     /// Mirrors in place: axis 0 upside down, 1 left to right, 2 both.
     void Mirror(int32_t axis);
 
-    /// Reads an uncompressed bitmap of 8 bits a pixel. The pixel bytes are taken as grey levels, the palette
-    /// is skipped, rows are taken without padding, and the file's last row becomes row 0. A plane of another
+    /// Reads an uncompressed bitmap of 8 bits a pixel. The pixel bytes are grey levels, the palette
+    /// is skipped, rows have no padding, and the file's last row becomes row 0. A plane of another
     /// size than the bitmap's is allocated anew. False, with the plane untouched, for a file that cannot be
     /// read, is no such bitmap, is wider or higher than 16384 or holds fewer pixels than it says. Throws
-    /// std::bad_alloc, with the plane untouched, when the memory cannot be had.
+    /// std::bad_alloc, with the plane untouched, when the allocation fails.
     bool LoadBmp(const char* path);
 
     uint8_t* data = nullptr;
@@ -110,26 +110,26 @@ class CPlane8u {
 };
 
 /// An owned plane of zeros, for an effect's workspace: `Scratch = NewPlane(Width() / 2, Height() / 2);` Empty
-/// where a size is below 1, as half of a tiny frame's is. Throws std::bad_alloc when the memory cannot be
-/// had.
+/// where a size is below 1, as half of a tiny frame's is. Throws std::bad_alloc when the allocation
+/// fails.
 CPlane8u NewPlane(int32_t width, int32_t height);
 
-/// Throws std::bad_alloc unless `allocated`: for workspaces whose lack the host has to hear of.
+/// Throws std::bad_alloc unless `allocated`, so that the host learns of a missing workspace.
 /// `Require(Scratch.Allocate(width, height));`
 void Require(bool allocated);
 
 // ---- filters ---------------------------------------------------------------------------------------
 //
 // They work on the interior, which leaves a ring of r pixels at the edges, r being half the mask. The
-// source's size rules; a destination that is smaller in either direction is left alone. Source and
+// source's size counts; a destination that is smaller in either direction stays unchanged. Source and
 // destination are different planes.
 
 /// What the ring of the destination holds afterwards: what it held before, or the source's pixels. The ring
 /// of a plane without interior is all of it.
 enum class FilterRing { kKept, kCopied };
 
-/// Copies the ring of `thickness` pixels between planes of one size; planes of different sizes are left
-/// alone.
+/// Copies the ring of `thickness` pixels between planes of one size; planes of different sizes stay
+/// unchanged.
 void CopyRing(const CPlane8u& src, CPlane8u& dst, int32_t thickness);
 
 /// Gaussian 3 by 3 (r 1) and 5 by 5 (r 2).
@@ -144,10 +144,10 @@ void FilterLowpass5(const CPlane8u& src, CPlane8u& dst, FilterRing ring = Filter
 void FilterMedian5(const CPlane8u& src, CPlane8u& dst);
 
 /// Mean of maskSize by maskSize in place (r = maskSize / 2). The mask has to be smaller than the interior.
-/// Takes memory and throws std::bad_alloc when there is none; frames use a `BoxFilter`.
+/// Allocates, and throws std::bad_alloc when that fails; frames use a `BoxFilter`.
 void FilterBoxInPlace(CPlane8u& plane, int32_t maskSize);
 
-/// Maximum of 3 by 3 (r 1). The form in place takes memory and throws std::bad_alloc when there is none.
+/// Maximum of 3 by 3 (r 1). The form in place allocates, and throws std::bad_alloc when that fails.
 void Dilate3(CPlane8u& plane);
 void Dilate3(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
 
@@ -168,8 +168,8 @@ void ThresholdPlane(CPlane8u& plane, uint8_t lo, uint8_t loValue, uint8_t hi, ui
 
 // ---- geometry --------------------------------------------------------------------------------------
 
-/// Scales all of `src` to all of `dst`, linearly; the corners of one land on the corners of the other. Takes
-/// memory and throws std::bad_alloc when there is none; frames use a `ResizePlan`.
+/// Scales all of `src` to all of `dst`, linearly; corners map to corners. Allocates, and
+/// throws std::bad_alloc when that fails; frames use a `ResizePlan`.
 void ResizePlane(const CPlane8u& src, CPlane8u& dst);
 
 /// dst(x, y) = src(xMap(x, y), yMap(x, y)). The maps have one entry for each pixel of `dst`, row after row;
@@ -180,13 +180,13 @@ void RemapPlane(const CPlane8u& src, const float* xMap, const float* yMap, CPlan
 
 /// Refraction: each interior pixel of `dst` is fetched from `src` at a distance that is the slope of `bump`
 /// there, and brightened by the horizontal part of the slope. The upper, lower and left edge repeat their
-/// neighbours; the last column is not written. All three planes have one size, otherwise nothing is done, nor
-/// on a plane 1 wide or 1 high. `dst` is a plane of its own.
+/// neighbours; the last column is not written. Does nothing unless all three planes have one size, with both
+/// sides above 1. `dst` is a plane of its own.
 void DisplaceByGradient(const CPlane8u& bump, const CPlane8u& src, CPlane8u& dst);
 
 /// Relief lighting: each interior pixel of `dst` is the brightness of a ball at the place that the slope of
-/// `src`, less `bias`, points to; 0 beyond the ball. The outermost pixels of `dst` stay as they were. Both
-/// planes have one size, otherwise nothing is done. `dst` is a plane of its own.
+/// `src`, less `bias`, points to; 0 beyond the ball. The outermost pixels of `dst` stay as they were. Does
+/// nothing unless both planes have one size. `dst` is a plane of its own.
 void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias);
 
 // ---- chance ----------------------------------------------------------------------------------------
@@ -195,7 +195,8 @@ struct PlanePoint {
     int32_t x, y;
 };
 
-/// A pixel of the plane by two draws of `rand`, x first. An empty plane also takes two, and gives (0, 0).
+/// A random pixel of the plane from two draws of `rand`, x first. (0, 0), after two draws, for an empty
+/// plane.
 PlanePoint RandomPoint(const CPlane8u& plane, int32_t (*rand)());
 
 /// True with probability `p`: p * 10000 > rand() % 10000.

@@ -124,7 +124,8 @@ void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias) {
     if (src.Empty() || dst.Empty() || !SameSize(src, dst) || width < 3 || height < 3) return;
 
     const auto& shades = BallShades();
-    // A bias that takes every slope off the scale, whatever its size, is as good as one that just does.
+    // Every bias that takes all slopes off the scale gives the same result, so that the clamp changes
+    // nothing.
     const auto level = static_cast<int16_t>(128 - std::clamp(bias, -1000, 1000));
     std::array<uint16_t, kStretch> distances;
     for (int32_t y = 1; y < height - 1; ++y) {

@@ -282,7 +282,7 @@ PrimStatus PrimReplicateBorderInPlace8uC1(uint8_t* inner, int32_t step, int32_t 
 // These read the pixels of their mask around the region without a check, as far as the mask reaches (one
 // pixel for 3 by 3, two for 5 by 5): the caller passes an interior region so that they exist. The Border
 // forms stay inside the region. `mask` is kPrimMask3x3 or kPrimMask5x5, else kPrimMaskError. Some take a
-// short line buffer from the heap: kPrimMemoryError when there is none.
+// short line buffer from the heap: kPrimMemoryError when the allocation fails.
 
 /// 3 by 3: weights 1 2 1 / 2 4 2 / 1 2 1, half to even of s / 16.
 /// 5 by 5: weights 2 7 12 7 2 / 7 31 52 31 7 / 12 52 127 52 12 / ..., ((s + 286) * 29382) >> 24.

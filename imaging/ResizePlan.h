@@ -26,7 +26,7 @@ class ResizePlan {
     /// Scales nothing.
     ResizePlan();
     /// From all of a plane to all of another one. Scales nothing when a size is below 1. Throws
-    /// std::bad_alloc when the memory cannot be had.
+    /// std::bad_alloc when the allocation fails.
     ResizePlan(PlaneSize from, PlaneSize to);
     /// From a rectangle of a plane, cut to it; nothing for one that is empty or starts outside.
     ResizePlan(PlaneSize from, PlaneRect part, PlaneSize to);

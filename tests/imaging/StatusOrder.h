@@ -11,7 +11,7 @@
 
 #include "imaging/Prim.h"
 
-/// One way to spoil the arguments of a call, and the status that it earns.
+/// One fault in the arguments of a call, and the status that the call returns for it.
 template <typename Arguments>
 struct Fault {
     std::string what;
@@ -19,8 +19,8 @@ struct Fault {
     std::function<void(Arguments&)> spoil;
 };
 
-/// Expects of a call that works with good arguments: each fault alone earns its status, and so does each
-/// together with all faults behind it in the list. The list is in the order of the checks. `touched` tells
+/// Expects that a call succeeds with good arguments, and returns the status of a fault both for that fault
+/// alone and together with all that follow in the list, which is in the order of the checks. `touched` says
 /// whether a call has changed anything.
 template <typename Arguments>
 void ExpectStatusesInOrder(const Arguments& good, const std::function<PrimStatus(const Arguments&)>& call,

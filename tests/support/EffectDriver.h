@@ -11,7 +11,8 @@
 /// Owns one effect and gives its slots short names.
 class EffectDriver {
   public:
-    /// The effect with this GUID in registry form, through the factory. Fails the test when there is none.
+    /// The effect with this GUID in registry form, through the factory. Fails the test when it does not
+    /// exist.
     explicit EffectDriver(const char* guid);
     /// An effect made by the test itself; taken over.
     explicit EffectDriver(CSpecialEffectFilter* effect) : effect_(effect) {}

@@ -51,7 +51,7 @@ class TestFrame {
     /// Picture `index` of a moving, noisy scene with flat parts, gradients, texture and hard edges.
     TestFrame& DrawScene(int index);
 
-    /// The record that a host passes. Stays valid as long as the frame; its fields may be spoilt at will.
+    /// The record that a host passes. Stays valid as long as the frame; tests may change its fields.
     FrameRecord* record();
     ImageRecord& image() {
         record();
