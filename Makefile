@@ -99,7 +99,7 @@ docs: build
 	cmake --preset release -DSE_BUILD_BENCH=ON
 	cmake --build --preset release --target make_docs bench_effects
 	$(RELEASE)/bench/bench_effects --csv --size 1280x720 > build/effects.csv
-	$(RELEASE)/tools/make_docs $(RELEASE)/host/specialeffects docs/texts.json build/demo build/effects.csv docs
+	$(RELEASE)/tools/make_docs . $(RELEASE)/share/specialeffects build/demo build/effects.csv docs
 	cp build/demo/contact-sheet.jpg docs/images/contact-sheet.jpg
 
 ## lint       clang-format, clang-tidy, cppcheck and shellcheck over the whole tree

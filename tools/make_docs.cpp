@@ -1,15 +1,13 @@
-// Writes the page of every effect, and their index, from what the module says of itself, what docs/texts.json
-// says of it, the pictures of the demo and the times of the benchmark:
+// Writes the page of every effect, and their index, from the list of effects, what docs/texts.json adds to
+// it, the pictures of the demo and the times of the benchmark:
 //
-//   make_docs PROGRAM TEXTS.json DEMO TIMES.csv DOCS
+//   make_docs SOURCE DATA DEMO TIMES.csv DOCS
 //
-// PROGRAM is the host program; DEMO the folder that the demo wrote; TIMES.csv what
-// `bench_effects --csv` printed; DOCS the folder that is written. Pictures are scaled with
+// SOURCE is the source tree, DATA the folder of the effects' data files; DEMO the folder that the demo wrote;
+// TIMES.csv what `bench_effects --csv` printed; DOCS the folder that is written. Pictures are scaled with
 // ImageMagick.
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -19,26 +17,19 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "framework/Catalogue.h"
+#include "framework/Surroundings.h"
+
 namespace {
 
 using nlohmann::json;
 namespace fs = std::filesystem;
-
-std::string Output(const std::string& command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    if (!pipe) throw std::runtime_error("cannot run " + command);
-    std::string text;
-    std::array<char, 4096> part{};
-    while (const size_t got = std::fread(part.data(), 1, part.size(), pipe.get())) {
-        text.append(part.data(), got);
-    }
-    return text;
-}
 
 void Run(const std::string& command) {
     if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
@@ -75,77 +66,174 @@ std::string PageName(const std::string& displayName) {
     return name;
 }
 
+struct DestroyEffect {
+    void operator()(CSpecialEffectFilter* effect) const { effect->DeletingDestructor(1); }
+};
+using Effect = std::unique_ptr<CSpecialEffectFilter, DestroyEffect>;
+
+/// Data files are read from one folder and never made.
+class ReadOnly final : public ProcessSurroundings {
+  public:
+    explicit ReadOnly(fs::path data) : data_(std::move(data)) {}
+    std::string DataFile(const std::string& name) override { return (data_ / name).string(); }
+    std::string NewDataFile(const std::string&) override { return {}; }
+
+  private:
+    fs::path data_;
+};
+
+constexpr uint32_t kCapacity = 256;  // of the contract's texts
+
+ResultCode Configure(const Effect& effect, int32_t format) {
+    StreamDescription stream{0, 640, 480, format};
+    return effect->Configure(&stream);
+}
+
+std::string NameOf(const CatalogueRow& row) {
+    char name[kCapacity] = "";
+    Effect(row.create())->GetInternalInfo()->GetName(name, kCapacity);
+    return name;
+}
+
+/// "planar", and "packed" where packed frames are processed.
+std::string FormatsOf(const CatalogueRow& row) {
+    const Effect effect(row.create());
+    Configure(effect, kFormatPacked);
+    std::vector<uint8_t> pixels(size_t{640} * 480 * 3);
+    const auto size = static_cast<uint32_t>(pixels.size());
+    ImageRecord image{
+        kFormatPacked, {pixels.data(), nullptr, nullptr}, 0, {static_cast<int32_t>(size), 0, 0}};
+    FrameRecord frame{{}, &image};
+    return effect->ProcessFrame(&frame) == kSuccess ? "planar, packed" : "planar";
+}
+
+/// What a host can expect, in a few words each.
+std::string TraitsOf(const CatalogueRow& row) {
+    std::string text;
+    const auto add = [&](bool holds, const std::string& words) {
+        if (holds) text += (text.empty() ? "" : ", ") + words;
+    };
+    add((row.traits & kHasMemory) != 0, "remembers earlier frames");
+    add((row.traits & kMoves) != 0, "moves by itself");
+    add((row.traits & kUsesChance) != 0, "draws random numbers");
+    add((row.traits & kUsesTime) != 0, "reads the clock");
+    add(row.dataFile != nullptr, fmt::format("needs `{}`", row.dataFile != nullptr ? row.dataFile : ""));
+    return text;
+}
+
+/// One row of a page's table of properties for each property.
+void WriteProperties(std::ostream& out, const CatalogueRow& row) {
+    const std::vector<PropertyWords> words = row.words();
+    if (words.empty()) {
+        out << "\nIt has no properties.\n";
+        return;
+    }
+    const Effect effect(row.create());
+    Configure(effect, kFormatPlanar);
+    out << "\n| property | what it does | type | default text | range | runs after `Configure` "
+           "|\n|---|---|---|---|---|---|\n";
+    for (size_t i = 0; i < words.size(); ++i) {
+        char name[kCapacity] = "", text[kCapacity] = "", range[kCapacity] = "", running[kCapacity] = "";
+        const PropTypeSet type = effect->GetInternalInfo()->GetPropTypeInfo(
+            static_cast<int32_t>(i), name, kCapacity, text, kCapacity, range, kCapacity);
+        PropertyRecord record{0, name, running};
+        effect->GetProperty(&record);
+        std::string what = words[i].description;
+        for (const ValueName& value : words[i].values) {
+            what += fmt::format("<br>{} `{}`: {}", value.value, value.id, value.description);
+        }
+        const char* const typeName = type == PropTypeSet::Boolean ? "boolean"
+                                     : type == PropTypeSet::Color ? "color"
+                                                                  : "integer";
+        out << fmt::format("| \"{}\" | {} | {} | {} | {} | {} |\n", name, what, typeName, text, range,
+                           running);
+    }
+}
+
+using Variants = std::vector<const CatalogueRow*>;
+
+/// The row's place in the list, from 1.
+int NumberOf(const CatalogueRow& row) {
+    return static_cast<int>(&row - EffectCatalogue().data()) + 1;
+}
+
 void WritePage(const fs::path& docs, const std::string& displayName, const json& text,
-               const std::vector<json>& variants, const std::map<int, Time>& times) {
+               const Variants& variants, const std::map<int, Time>& times) {
     const std::string page = PageName(displayName);
     std::ofstream out(docs / "effects" / (page + ".md"));
-    out << "# " << displayName << "\n\n" << text.at("about").get<std::string>() << "\n\n";
+    out << "# " << displayName << "\n\n"
+        << text.value("about", std::string(variants.front()->description)) << "\n\n";
     out << "| before | after |\n|---|---|\n";
     out << fmt::format("| ![before](../images/before.jpg) | ![after](../images/{}.jpg) |\n\n", page);
 
-    out << "| variant | name | GUID | listed | formats | 1280x720, one core |\n|---|---|---|---|---|---|\n";
-    for (const json& variant : variants) {
-        const std::string number =
-            variant["variant"].is_null() ? "" : std::to_string(variant["variant"].get<int>());
-        std::string what;
-        if (text.contains("variants") && text["variants"].contains(number)) what = text["variants"][number];
-        const auto time = times.find(variant["number"].get<int>());
+    out << "| name | what it shows | a host can expect | GUID | listed | formats | 1280x720, one core "
+           "|\n|---|---|---|---|---|---|---|\n";
+    for (const CatalogueRow* row : variants) {
+        const auto time = times.find(NumberOf(*row));
         const std::string cost =
             time == times.end()
                 ? "not measured"
                 : fmt::format("{} ms, {} x memcpy", time->second.milliseconds, time->second.ratio);
-        std::string formats;
-        for (const json& format : variant["formats"]) {
-            formats += (formats.empty() ? "" : ", ") + format.get<std::string>();
-        }
-        out << fmt::format("| {}{} | `{}` | `{}` | {} | {} | {} |\n", number, what.empty() ? "" : ": " + what,
-                           variant["name"].get<std::string>(), variant["guid"].get<std::string>(),
-                           variant["listed"].get<bool>() ? "yes" : "no", formats, cost);
+        out << fmt::format("| `{}` | {} | {} | `{}` | {} | {} | {} |\n", row->shortName, row->description,
+                           TraitsOf(*row), row->guid, row->IsListed() ? "yes" : "no", FormatsOf(*row), cost);
     }
-
-    const json& properties = variants.front()["properties"];
-    if (properties.empty()) {
-        out << "\nIt has no properties.\n";
-    } else {
-        out << "\n| property | type | default text | range | runs after `Configure` "
-               "|\n|---|---|---|---|---|\n";
-        for (const json& property : properties) {
-            out << fmt::format("| \"{}\" | {} | {} | {} | {} |\n", property["name"].get<std::string>(),
-                               property["type"].get<std::string>(), property["default"].get<std::string>(),
-                               property["range"].get<std::string>(), property["running"].get<std::string>());
-        }
-    }
-    out << "\nKeeps: " << text.at("keeps").get<std::string>() << "\n\n[All effects](../README.md)\n";
+    WriteProperties(out, *variants.front());
+    out << "\nKind: " << KindName(variants.front()->kind) << ".\n";
+    if (text.contains("keeps")) out << "\nKeeps: " << text["keeps"].get<std::string>() << "\n";
+    out << "\n[All effects](../README.md)\n";
 }
 
-void Make(const std::string& program, const std::string& textsPath, const fs::path& demo,
-          const std::string& timesPath, const fs::path& docs) {
-    const json texts = json::parse(std::ifstream(textsPath));
-    const auto times = ReadTimes(timesPath);
-    std::map<std::string, std::vector<json>> classes;
-    for (const json& effect : json::parse(Output(program + " list --all --json"))) {
-        const auto name = effect["name"].get<std::string>();
-        classes[effect["displayName"].get<std::string>()].push_back(
-            json::parse(Output(fmt::format("{} info {} --json", program, name))));
+/// The source file of each effect, by display name: the .cpp beside the header that states the name.
+std::map<std::string, std::string> SourceFiles(const fs::path& source) {
+    const std::string mark = "DisplayName = \"";
+    std::map<std::string, std::string> files;
+    for (const char* folder : {"effects", "facetrack"}) {
+        for (const auto& entry : fs::recursive_directory_iterator(source / folder)) {
+            if (entry.path().extension() != ".h") continue;
+            std::ifstream header(entry.path());
+            for (std::string line; std::getline(header, line);) {
+                const size_t at = line.find(mark);
+                if (at == std::string::npos) continue;
+                const size_t begin = at + mark.size();
+                const fs::path file = fs::path(entry.path()).replace_extension(".cpp");
+                files[line.substr(begin, line.find('"', begin) - begin)] =
+                    fs::relative(file, source).generic_string();
+            }
+        }
     }
+    return files;
+}
+
+void Make(const fs::path& source, const fs::path& data, const fs::path& demo, const std::string& timesPath,
+          const fs::path& docs) {
+    const json texts = json::parse(std::ifstream(source / "docs" / "texts.json"));
+    const auto times = ReadTimes(timesPath);
+    const auto files = SourceFiles(source);
+    ReadOnly surroundings(data);
+    const SurroundingsScope scope(surroundings);
+    std::map<std::string, Variants> classes;
+    for (const CatalogueRow& row : EffectCatalogue()) classes[NameOf(row)].push_back(&row);
     fs::create_directories(docs / "effects");
     fs::create_directories(docs / "images");
 
     std::ofstream index(docs / "README.md");
     index << "# The effects\n\n![Every effect on one picture](images/contact-sheet.jpg)\n\n"
-             "| effect | what it does |\n|---|---|\n";
+             "| effect | what it does | source |\n|---|---|---|\n";
     for (auto& [displayName, variants] : classes) {
         std::sort(variants.begin(), variants.end(),
-                  [](const json& a, const json& b) { return a["variant"] < b["variant"]; });
-        const json& text = texts.at(displayName);
+                  [](const CatalogueRow* a, const CatalogueRow* b) { return a->variant < b->variant; });
+        const json text = texts.value(displayName, json::object());
         WritePage(docs, displayName, text, variants, times);
-        const std::string about = text.at("about").get<std::string>();
+        const std::string about = text.value("about", std::string(variants.front()->description));
         index << fmt::format(
-            "| [{}](effects/{}.md) | {} |\n", displayName, PageName(displayName),
-            about.substr(0, about.find(". ") == std::string::npos ? about.size() : about.find(". ") + 1));
-        Run(fmt::format("convert {} -resize 480x -quality 82 -strip {}",
-                        (demo / "pictures" / (variants.front()["name"].get<std::string>() + ".png")).string(),
-                        (docs / "images" / (PageName(displayName) + ".jpg")).string()));
+            "| [{}](effects/{}.md) | {} | [{}](../{}) |\n", displayName, PageName(displayName),
+            about.substr(0, about.find(". ") == std::string::npos ? about.size() : about.find(". ") + 1),
+            fs::path(files.at(displayName)).filename().string(), files.at(displayName));
+        const fs::path picture = demo / "pictures" / (std::string(variants.front()->shortName) + ".png");
+        if (fs::exists(picture)) {
+            Run(fmt::format("convert {} -resize 480x -quality 82 -strip {}", picture.string(),
+                            (docs / "images" / (PageName(displayName) + ".jpg")).string()));
+        }
     }
     index << "\nThe tables of [performance.md](performance.md) say how fast each is. These pages are made by "
              "`make docs`.\n";
@@ -155,7 +243,7 @@ void Make(const std::string& program, const std::string& textsPath, const fs::pa
 
 int main(int argc, char** argv) {
     if (argc != 6) {
-        std::cerr << "usage: make_docs PROGRAM TEXTS.json DEMO TIMES.csv DOCS\n";
+        std::cerr << "usage: make_docs SOURCE DATA DEMO TIMES.csv DOCS\n";
         return 2;
     }
     try {

@@ -82,7 +82,7 @@ GoldenTable ReadGoldens(const std::string& path) {
     return table;
 }
 
-void WriteGoldens(const std::string& path, const GoldenTable& table) {
+bool WriteGoldens(const std::string& path, const GoldenTable& table) {
     std::ofstream file(path);
     file << "# Checksums of every effect's frames: catalogue row, size, checksum, name. Written by "
             "update_goldens.\n";
@@ -96,6 +96,8 @@ void WriteGoldens(const std::string& path, const GoldenTable& table) {
             file << entry->first << " " << checksum << " " << GoldenRowName(row) << "\n";
         }
     }
+    file.close();
+    return file.good();
 }
 
 TemporaryDirectory::TemporaryDirectory() : before_(std::filesystem::current_path()) {

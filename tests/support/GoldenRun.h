@@ -28,7 +28,8 @@ uint64_t RunGolden(int row, const GoldenSize& size, TestClock& surroundings);
 using GoldenTable = std::map<std::string, uint64_t>;
 std::string GoldenKey(int row, const GoldenSize& size);
 GoldenTable ReadGoldens(const std::string& path);
-void WriteGoldens(const std::string& path, const GoldenTable& table);
+/// False when the file cannot be written.
+[[nodiscard]] bool WriteGoldens(const std::string& path, const GoldenTable& table);
 
 /// Makes an empty directory and changes to it; changes back and removes it at the end.
 class TemporaryDirectory {
