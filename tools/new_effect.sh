@@ -93,7 +93,8 @@ std::span<const Property<Effect>> Effect::Properties() {
 void Effect::Prepare() {}
 
 void Effect::ProcessPlanar(const PlanarFrame& frame) {
-    AtLevel<Reduce>(frame.y.data, frame.y.Size(), Levels);
+    const size_t count = static_cast<size_t>(frame.y.width) * static_cast<size_t>(frame.y.height);
+    AtLevel<Reduce>(frame.y.data, count, Levels);
 }
 
 template struct EffectClass<Effect>;
