@@ -33,7 +33,6 @@ constexpr const char* kValues[] = {"TRUE",       "FALSE",       "0",
                                    "12,34",      "1,2,3,4",     "",
                                    " ",          "%s%n%d"};
 
-constexpr size_t kEffects = 63;
 constexpr int32_t kLargest = 16384;
 
 // Work that one run may ask for: pixels configured or processed.
@@ -211,9 +210,9 @@ class Host {
         guest = {};
         // One number more than there are effects: a GUID that is none of them.
         const std::span<const CatalogueRow> rows = EffectCatalogue();
-        const size_t row = source_.Below(kEffects + 1);
+        const size_t row = source_.Below(rows.size() + 1);
         EffectGuid id = rows[row % rows.size()].id;
-        if (row == kEffects) id.Data4[7] ^= 1;
+        if (row == rows.size()) id.Data4[7] ^= 1;
         if (source_.OneIn(64)) ExpectKnown(factory_->CreateEffect(id, source_.Byte(), nullptr));
         const ResultCode code = factory_->CreateEffect(id, source_.Byte(), &guest.effect);
         if ((code == kSuccess) != (guest.effect != nullptr)) Fail("CreateEffect contradicts itself", code);
