@@ -1,8 +1,8 @@
-# Installs the built tree, moves the copy elsewhere, and builds and runs a small outside program against it: once
-# as a CMake package, once with the flags of pkg-config.
+# Installs the built tree, moves the copy elsewhere, and builds and runs small outside programs against both
+# libraries: once as CMake packages, once with the flags of pkg-config.
 #
-#     cmake -DBUILD=... -DOUTSIDE=... -DSCRATCH=... -DCOMPILER=... -DGENERATOR=... -DFLAGS=... -DPKG_CONFIG=...
-#           -DVERSION=... -P installed_copy.cmake
+#     cmake -DBUILD=... -DOUTSIDE=... -DSCRATCH=... -DCOMPILER=... -DC_COMPILER=... -DGENERATOR=... -DFLAGS=...
+#           -DPKG_CONFIG=... -DVERSION=... -P installed_copy.cmake
 cmake_minimum_required(VERSION 3.25)
 
 function(run)
@@ -14,22 +14,24 @@ function(run)
     set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-function(run_program)
+function(run_program wanted)
     run(${ARGN})
-    if(NOT output STREQUAL "41 effects, luma 155\n")
+    if(NOT output MATCHES "${wanted}")
         message(FATAL_ERROR "the outside program says: ${output}")
     endif()
 endfunction()
+set(module_says "^41 effects, luma 155\n$")
+set(sfx_says "^libsfx ${VERSION}, luma 155, [1-9][0-9]* presets\n$")
 
 file(REMOVE_RECURSE ${SCRATCH})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${SCRATCH}/first)
 file(RENAME ${SCRATCH}/first ${SCRATCH}/prefix)
 set(prefix ${SCRATCH}/prefix)
 
-# The two public headers and no other.
+# The public headers and no other.
 file(GLOB_RECURSE headers RELATIVE ${prefix}/include ${prefix}/include/*)
 list(SORT headers)
-if(NOT headers STREQUAL "specialeffects/framework/SpecialEffectFactory.h;specialeffects/framework/SpecialEffectFilter.h")
+if(NOT headers STREQUAL "sfx/sfx.h;specialeffects/framework/SpecialEffectFactory.h;specialeffects/framework/SpecialEffectFilter.h")
     message(SEND_ERROR "installed headers: ${headers}")
 endif()
 file(GLOB_RECURSE licence ${prefix}/share/specialeffects/GlyphTable.license.txt)
@@ -50,11 +52,21 @@ if(library STREQUAL "")
 endif()
 get_filename_component(library_folder ${library} DIRECTORY)
 
-# As a CMake package.
-run(${CMAKE_COMMAND} -S ${OUTSIDE} -B ${SCRATCH}/package -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${COMPILER}
-    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${prefix} -DWANTED_VERSION=${VERSION})
-run(${CMAKE_COMMAND} --build ${SCRATCH}/package)
-run_program(${SCRATCH}/package/outside)
+file(GLOB_RECURSE presets ${prefix}/share/specialeffects/presets.ini)
+if(presets STREQUAL "")
+    message(SEND_ERROR "presets.ini is not installed")
+endif()
+
+# As CMake packages.
+foreach(outside outside outside_sfx)
+    run(${CMAKE_COMMAND} -S ${OUTSIDE}/${outside} -B ${SCRATCH}/${outside} -G ${GENERATOR}
+        -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_C_COMPILER=${C_COMPILER} -DCMAKE_CXX_FLAGS=${FLAGS}
+        -DCMAKE_C_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${prefix} -DWANTED_VERSION=${VERSION})
+    run(${CMAKE_COMMAND} --build ${SCRATCH}/${outside})
+endforeach()
+run_program("${module_says}" ${SCRATCH}/outside/outside)
+run_program("${sfx_says}" ${SCRATCH}/outside_sfx/outside_c)
+run_program("${sfx_says}" ${SCRATCH}/outside_sfx/outside_cpp)
 
 # With pkg-config.
 if(NOT PKG_CONFIG)
@@ -62,14 +74,21 @@ if(NOT PKG_CONFIG)
     return()
 endif()
 set(ENV{PKG_CONFIG_PATH} ${library_folder}/pkgconfig)
-run(${PKG_CONFIG} --modversion specialeffects)
-string(STRIP "${output}" version)
-if(NOT version STREQUAL VERSION)
-    message(SEND_ERROR "pkg-config says version ${version}")
-endif()
-run(${PKG_CONFIG} --cflags --libs specialeffects)
-separate_arguments(package_flags UNIX_COMMAND "${output}")
-run(${COMPILER} -std=c++17 ${FLAGS} ${OUTSIDE}/main.cpp -o ${SCRATCH}/outside ${package_flags})
 set(ENV{LD_LIBRARY_PATH} ${library_folder})
-run_program(${SCRATCH}/outside)
+function(build_with_package package)
+    run(${PKG_CONFIG} --modversion ${package})
+    string(STRIP "${output}" version)
+    if(NOT version STREQUAL VERSION)
+        message(SEND_ERROR "pkg-config says version ${version} of ${package}")
+    endif()
+    run(${PKG_CONFIG} --cflags --libs ${package})
+    separate_arguments(package_flags UNIX_COMMAND "${output}")
+    run(${ARGN} -o ${SCRATCH}/program ${package_flags})
+endfunction()
+build_with_package(specialeffects ${COMPILER} -std=c++17 ${FLAGS} ${OUTSIDE}/outside/main.cpp)
+run_program("${module_says}" ${SCRATCH}/program)
+build_with_package(sfx ${C_COMPILER} -std=c99 ${FLAGS} ${OUTSIDE}/outside_sfx/main.c)
+run_program("${sfx_says}" ${SCRATCH}/program)
+build_with_package(sfx ${COMPILER} -std=c++11 ${FLAGS} ${OUTSIDE}/outside_sfx/main.cpp)
+run_program("${sfx_says}" ${SCRATCH}/program)
 file(REMOVE_RECURSE ${SCRATCH})

@@ -1,4 +1,0 @@
-#include "sfx/Presets.h"
-namespace sfx {
-const char kShippedPresets[] = "";
-}
