@@ -122,6 +122,7 @@ int32_t sfx_effect::Get(std::string_view property) const {
 
 void sfx_effect::SetDefaults() {
     const Lock lock(mutex_);
+    Stop();
     for (Link& link : links_) {
         link.SetDefaults();
     }

@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <cstring>
 #include <deque>
 
 #include "framework/AdditiveRandom.h"
 #include "framework/Catalogue.h"
 #include "framework/Surroundings.h"
 #include "sfx/Guard.h"
-#include "sfx/Interim.h"
 #include "sfx/Words.h"
 
 namespace sfx {
@@ -69,6 +66,41 @@ class NoSurroundings final : public Surroundings {
     AdditiveRandom random_;
 };
 
+sfx_type TypeOf(PropTypeSet type, bool hasChoices) {
+    switch (type) {
+        case PropTypeSet::Boolean:
+            return SFX_BOOLEAN;
+        case PropTypeSet::Color:
+            return SFX_COLOR;
+        case PropTypeSet::Integer:
+        case PropTypeSet::None:
+            break;
+    }
+    return hasChoices ? SFX_CHOICE : SFX_INTEGER;
+}
+
+uint32_t FlagsOf(const CatalogueRow& row) {
+    const auto bit = [&](uint32_t trait, uint32_t flag) { return (row.traits & trait) != 0 ? flag : 0U; };
+    uint32_t flags = bit(kHasMemory, SFX_HAS_MEMORY) | bit(kMoves, SFX_MOVES) |
+                     bit(kUsesChance, SFX_USES_CHANCE) | bit(kUsesTime, SFX_USES_TIME);
+    if (row.dataFile != nullptr) {
+        flags |= SFX_NEEDS_DATA;
+    }
+    if (row.IsListed()) {
+        flags |= SFX_LISTED;
+    }
+    return flags;
+}
+
+/// "Drop size" from "drop-size".
+std::string SpokenName(std::string name) {
+    std::replace(name.begin(), name.end(), '-', ' ');
+    if (!name.empty() && name.front() >= 'a' && name.front() <= 'z') {
+        name.front() = static_cast<char>(name.front() - 'a' + 'A');
+    }
+    return name;
+}
+
 /// The list, and the texts that it points to.
 class List {
   public:
@@ -89,59 +121,62 @@ class List {
     const char* Keep(std::string text) { return texts_.emplace_back(std::move(text)).c_str(); }
 
     EffectEntry MakeEffect(size_t index) {
-        const InterimRow& row = kInterim[index];
+        const CatalogueRow& row = EffectCatalogue()[index];
+        NoSurroundings none;
+        const SurroundingsScope scope(none);
         EffectEntry entry{};
         entry.create = CreateRow;
         entry.index = index;
-        entry.info = {sizeof(sfx_effect_info),
-                      row.id,
-                      row.guid,
-                      row.name,
-                      row.id,
-                      "tone",
-                      "",
-                      row.variant,
-                      0,
-                      std::strcmp(row.id, "clouds") == 0       ? "perlin.dat"
-                      : std::strcmp(row.id, "picture-me") == 0 ? "haar.txt"
-                                                               : nullptr,
-                      0,
-                      nullptr};
-        AddProperties(entry);
+        const Filter filter = entry.Create();
+        Text name{};
+        filter->GetInternalInfo()->GetName(name.data(), kTextCapacity);
+        entry.info.struct_size = sizeof(sfx_effect_info);
+        entry.info.id = row.shortName;
+        entry.info.guid = row.guid;
+        entry.info.name = Keep(name.data());
+        entry.info.title = entry.info.name;
+        if (row.variant != CatalogueRow::kOnly) {
+            entry.info.title = Keep(std::string(name.data()) + " " + std::to_string(row.variant));
+        }
+        entry.info.kind = KindName(row.kind);
+        entry.info.description = row.description;
+        entry.info.variant = row.variant;
+        entry.info.flags = FlagsOf(row);
+        entry.info.data_file = row.dataFile;
+        AddProperties(row, entry, *filter);
         return entry;
     }
 
-    void AddProperties(EffectEntry& entry) {
-        NoSurroundings none;
-        const SurroundingsScope scope(none);
-        const Filter filter = entry.Create();
-        CInternalInfo& table = *filter->GetInternalInfo();
-        if (table.GetPropCount() == 0) {
+    void AddProperties(const CatalogueRow& row, EffectEntry& entry, CSpecialEffectFilter& filter) {
+        const std::vector<PropertyWords> words = row.words();
+        if (words.empty()) {
             return;
         }
         // What a new object starts with is known once it is configured.
         StreamDescription stream{0, 640, 480, kFormatPlanar};
-        if (filter->Configure(&stream) != kSuccess) {
+        if (filter.Configure(&stream) != kSuccess) {
             throw Failure{Tell(SFX_ERROR_FAILED, "%s cannot be configured", entry.info.id)};
         }
-        for (int32_t i = 0; i < table.GetPropCount(); ++i) {
-            entry.properties.push_back(MakeProperty(table, i, *filter));
+        for (size_t i = 0; i < words.size(); ++i) {
+            entry.properties.push_back(MakeProperty(words[i], static_cast<int32_t>(i), filter));
         }
     }
 
-    PropertyEntry MakeProperty(CInternalInfo& table, int32_t index, CSpecialEffectFilter& filter) {
+    PropertyEntry MakeProperty(const PropertyWords& words, int32_t index, CSpecialEffectFilter& filter) {
         Text name{}, defaultText{}, range{};
-        const PropTypeSet type = table.GetPropTypeInfo(index, name.data(), kTextCapacity, defaultText.data(),
-                                                       kTextCapacity, range.data(), kTextCapacity);
+        const PropTypeSet type =
+            filter.GetInternalInfo()->GetPropTypeInfo(index, name.data(), kTextCapacity, defaultText.data(),
+                                                      kTextCapacity, range.data(), kTextCapacity);
         PropertyEntry property{};
-        property.moduleName = Keep(name.data());
+        property.moduleName = words.name;
+        for (const ValueName& value : words.values) {
+            property.choices.push_back({value.value, value.id, value.description});
+        }
         property.info.struct_size = sizeof(sfx_property_info);
-        property.info.id = Keep(DashedName(name.data()));
-        property.info.name = Keep(name.data());
-        property.info.description = "";
-        property.info.type = type == PropTypeSet::Boolean ? SFX_BOOLEAN
-                             : type == PropTypeSet::Color ? SFX_COLOR
-                                                          : SFX_INTEGER;
+        property.info.id = Keep(DashedName(words.name));
+        property.info.name = Keep(SpokenName(property.info.id));
+        property.info.description = words.description;
+        property.info.type = TypeOf(type, !property.choices.empty());
         property.info.maximum = property.info.type == SFX_BOOLEAN ? 1 : 0xFFFFFF;
         if (type == PropTypeSet::Integer) {
             const std::vector<std::string_view> bounds = Split(range.data(), ',');

@@ -105,7 +105,7 @@ std::string PrintLink(const LinkText& link) {
     char separator = ':';
     for (size_t i = 0; i < link.settings.size(); ++i) {
         const PropertyEntry& property = link.effect->properties[i];
-        if (link.settings[i] && *link.settings[i] != property.info.start) {
+        if (link.settings[i]) {
             text += separator;
             text += property.info.id;
             text += '=';

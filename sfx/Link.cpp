@@ -111,6 +111,7 @@ const char* Link::Start(int32_t width, int32_t height, uint32_t seed, const std:
         LoadSettingsFile(*filter_, settingsFile_);
     }
     ApplySettings();
+    isFresh_ = true;
     return surroundings_->IsDataMissing() ? Effect().info.data_file : nullptr;
 }
 
@@ -128,11 +129,13 @@ ResultCode Link::Process(const WorkFrame::Planes& planes, int64_t time) {
                       0,
                       {static_cast<int32_t>(planes.LumaSize()), chromaSize, chromaSize}};
     FrameRecord frame{{0, 0, 0}, &image};
+    isFresh_ = false;
     return filter_->ProcessFrame(&frame);
 }
 
 void Link::Set(size_t property, int32_t value) {
     text_.settings[property] = value;
+    isFresh_ = true;
     if (filter_ != nullptr) {
         const SurroundingsScope scope(*surroundings_);
         Effect().properties[property].Set(*filter_, value);
@@ -141,19 +144,18 @@ void Link::Set(size_t property, int32_t value) {
 
 int32_t Link::Get(size_t property) const {
     const PropertyEntry& entry = Effect().properties[property];
-    if (filter_ != nullptr) {
+    const std::optional<int32_t>& set = text_.settings[property];
+    if (filter_ != nullptr && !(isFresh_ && set)) {
         const SurroundingsScope scope(*surroundings_);
         return entry.Get(*filter_);
     }
-    return text_.settings[property].value_or(entry.info.start);
+    return set.value_or(entry.info.start);
 }
 
 void Link::SetDefaults() {
+    Stop();
     settingsFile_.clear();
-    for (size_t i = 0; i < text_.settings.size(); ++i) {
-        Set(i, Effect().properties[i].info.start);
-        text_.settings[i].reset();
-    }
+    text_.settings.assign(text_.settings.size(), std::nullopt);
 }
 
 void Link::ApplySettings() {

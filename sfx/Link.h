@@ -36,7 +36,9 @@ class Link {
 
     /// `value` is within the property's bounds.
     void Set(size_t property, int32_t value);
+    /// What runs, or what has been set since the last frame.
     int32_t Get(size_t property) const;
+    /// Leaves the effect stopped.
     void SetDefaults();
 
     /// A settings file, for effects that take one. Throws Failure where it is not one.
@@ -49,7 +51,8 @@ class Link {
     LinkText text_;
     std::string settingsFile_;  ///< of effects that keep what it says nowhere else
     std::unique_ptr<LinkSurroundings> surroundings_;
-    Filter filter_;  ///< null until started
+    Filter filter_;        ///< null until started
+    bool isFresh_ = true;  ///< no frame has run since the settings changed
 };
 
 }  // namespace sfx

@@ -20,6 +20,11 @@ struct Preset {
     std::string id, title, description, effect;
     bool users;
     sfx_preset_info info{};
+
+    bool Equals(const Preset& other) const {
+        return id == other.id && title == other.title && description == other.description &&
+               effect == other.effect && users == other.users;
+    }
 };
 
 /// Reads the sections of a file.
@@ -35,7 +40,7 @@ class Reader {
 
     std::vector<Preset> Read() {
         for (const std::string_view raw : Split(text_, '\n')) {
-            ++line_;
+            where_ = ++line_;
             const std::string_view line = Trimmed(raw);
             if (line.empty() || line.front() == '#' || line.front() == ';') {
                 continue;
@@ -68,7 +73,7 @@ class Reader {
     }
 
     [[noreturn]] void Refuse(const char* why) const {
-        throw Failure{Tell(SFX_ERROR_VALUE, "%s, line %d: %s", source_.c_str(), line_, why)};
+        throw Failure{Tell(SFX_ERROR_VALUE, "%s, line %d: %s", source_.c_str(), where_, why)};
     }
 
     void Begin(std::string_view line) {
@@ -81,6 +86,7 @@ class Reader {
         }
         current_ = Preset{std::string(id), {}, {}, {}, users_, {}};
         skips_ = false;
+        effectAt_ = line_;
     }
 
     void Assign(std::string_view line) {
@@ -99,12 +105,16 @@ class Reader {
             Refuse("a preset has a title, a description and an effect, and nothing else");
         }
         *member = value;
+        if (member == &current_->effect) {
+            effectAt_ = line_;
+        }
     }
 
     void Finish() {
         if (!current_) {
             return;
         }
+        where_ = effectAt_;
         try {
             ParsePlainEffect(current_->effect);
         } catch (const Failure&) {
@@ -115,6 +125,7 @@ class Reader {
         }
         presets_.push_back(std::move(*current_));
         current_.reset();
+        where_ = line_;
     }
 
     std::string_view text_;
@@ -123,6 +134,8 @@ class Reader {
     bool lenient_ = false;
     bool skips_ = false;  ///< to the next section
     int line_ = 0;
+    int where_ = 0;     ///< the line that a message tells
+    int effectAt_ = 0;  ///< the line of the present section's effect, or of its beginning
     std::optional<Preset> current_;
     std::vector<Preset> presets_;
 };
@@ -143,6 +156,9 @@ class Store {
         for (Preset& preset : presets) {
             const auto same = [&](const Preset* other) { return other->id == preset.id; };
             const auto found = std::find_if(listed_.begin(), listed_.end(), same);
+            if (found != listed_.end() && (*found)->Equals(preset)) {
+                continue;
+            }
             Preset& kept = kept_.emplace_back(std::move(preset));
             kept.info = {sizeof(sfx_preset_info),  kept.id.c_str(),     kept.title.c_str(),
                          kept.description.c_str(), kept.effect.c_str(), kept.users ? 1 : 0};

@@ -30,7 +30,7 @@
  * this major version. Read the structures of the lists through the pointers that the library gives, and set
  * struct_size of a sfx_picture to sizeof(sfx_picture); SFX_PICTURE_INIT and sfx_picture_layout do it.
  *
- * Nothing here throws, ends the process, prints, reads the environment beyond the folders named below, or
+ * Nothing here throws, ends the process, reads the environment beyond the folders named below, or
  * writes to the current directory.
  */
 #ifndef SFX_SFX_H
@@ -118,7 +118,8 @@ typedef struct sfx_property_info {
     const char* description; /* one sentence */
     sfx_type type;
     int32_t minimum, maximum; /* inclusive */
-    int32_t start;            /* the value of a new effect; always from minimum to maximum */
+    int32_t start;            /* of a new effect, from minimum to maximum; where it depends on the size of
+                                 pictures (tile-size of tiled-up), at 640 by 480 */
     size_t choice_count;      /* above 0 for SFX_CHOICE; a boolean may have names for its two values */
     const sfx_choice* choices;
 } sfx_property_info;
@@ -128,7 +129,7 @@ enum {
     SFX_MOVES = 2,       /* a still picture gives a different frame each time */
     SFX_NEEDS_DATA = 4,  /* reads data_file */
     SFX_USES_CHANCE = 8, /* depends on the seed */
-    SFX_USES_TIME = 16,  /* depends on the time stamps of frames */
+    SFX_USES_TIME = 16,  /* reads the clock, which follows the time stamps of frames */
     SFX_LISTED = 32      /* among those that hosts of the module's own contract are shown */
 };
 
@@ -230,10 +231,9 @@ SFX_API size_t sfx_link_count(const sfx_effect* effect) SFX_NOEXCEPT;
 SFX_API const sfx_effect_info* sfx_link_info(const sfx_effect* effect, size_t link) SFX_NOEXCEPT;
 
 /*
- * Writes the effect as a text that creates the same effect: ids, and the settings that differ from the
- * starting values. Works like snprintf: writes at most size bytes with the terminator (none when size is 0;
- * buffer may then be null), and returns the length of the whole text without terminator, or a negative
- * sfx_status.
+ * Writes the effect as a text that creates the same effect: ids, and what has been set. Works like snprintf:
+ * writes at most size bytes with the terminator (none when size is 0; buffer may then be null), and returns
+ * the length of the whole text without terminator, or a negative sfx_status.
  */
 SFX_API int sfx_print(const sfx_effect* effect, char* buffer, size_t size) SFX_NOEXCEPT;
 
@@ -257,20 +257,25 @@ SFX_API sfx_status sfx_set_int(sfx_effect* effect, const char* property, int32_t
 #define SFX_VALUE_SIZE 64
 
 /*
- * The present value: as number; or as text, "9", "true", "#0000c0" or the id of a choice. The text is cut to
- * size bytes with the terminator; size must be at least 1.
+ * The present value, what has been set since the last frame included: as number; or as text, "9", "true",
+ * "#0000c0" or the id of a choice. The text is cut to size bytes with the terminator; size must be at
+ * least 1.
  */
 SFX_API sfx_status sfx_get(const sfx_effect* effect, const char* property, char* buffer,
                            size_t size) SFX_NOEXCEPT;
 SFX_API sfx_status sfx_get_int(const sfx_effect* effect, const char* property, int32_t* value) SFX_NOEXCEPT;
 
-/* Sets all properties of all links to their starting values, and forgets settings files. */
+/*
+ * Gives all properties of all links their starting values, and forgets settings files. Starts the effect
+ * anew, like sfx_reset.
+ */
 SFX_API sfx_status sfx_set_defaults(sfx_effect* effect) SFX_NOEXCEPT;
 
 /*
  * Reads a settings file into every link that takes one: Line Art (three numbers: its background colour) and
  * Picture Me (a cascade of another object). SFX_ERROR_UNKNOWN: no link takes one. SFX_ERROR_FILE: it is no
- * regular file, cannot be read, or does not hold settings.
+ * regular file or cannot be read. (A file that is no cascade makes the module say so on the standard error
+ * stream; faces are then not found.)
  */
 SFX_API sfx_status sfx_load_settings(sfx_effect* effect, const char* path) SFX_NOEXCEPT;
 
