@@ -61,20 +61,26 @@ check-sanitize:
 	$(call build_tests,sanitize,all)
 	$(call run_tests,sanitize,-LE slow)
 
-# All effects at once on many threads under the thread sanitizer.
+# All effects at once on many threads under the thread sanitizer, and libsfx's own threads.
 check-thread:
 	@tools/setup.sh build check clang
-	$(call build_tests,thread,soak_tests)
-	$(call run_tests,thread,-R SoakThreads)
+	$(call build_tests,thread,soak_tests sfx_tests)
+	$(call run_tests,thread,-R '^(SoakThreads|Threads)')
 
-# A minute of guided fuzzing on every core, from the inputs on record. What it discovers stays in build/fuzz/corpus.
+# A minute of guided fuzzing of the contract and one of libsfx on every core, from the inputs on record. What it discovers stays in build/fuzz/corpus.
 FUZZ_SECONDS ?= 60
 check-fuzz:
 	@tools/setup.sh build check clang
-	$(call build_tests,fuzz,fuzz_contract)
-	mkdir -p build/fuzz/corpus
-	cd build/fuzz && tests/fuzz/fuzz_contract -fork=$(JOBS) -max_total_time=$(FUZZ_SECONDS) corpus \
-	    $(CURDIR)/tests/fuzz/inputs
+	$(call build_tests,fuzz,fuzz_contract fuzz_sfx)
+	$(call run_fuzz,contract)
+	$(call run_fuzz,sfx)
+
+define run_fuzz
+	mkdir -p build/fuzz/corpus/$(1)
+	cd build/fuzz && tests/fuzz/fuzz_$(1) -fork=$(JOBS) -max_total_time=$(FUZZ_SECONDS) corpus/$(1) \
+	    $(CURDIR)/tests/fuzz/inputs/$(1)
+
+endef
 
 # Long runs and wide sweeps of the release build.
 check-slow:

@@ -1,4 +1,4 @@
-#include "tests/fuzz/ContractRun.h"
+#include "tests/fuzz/ByteRun.h"
 
 #include <unistd.h>
 
@@ -17,6 +17,7 @@
 #include "framework/Catalogue.h"
 #include "framework/SpecialEffectFactory.h"
 #include "imaging/Cpu.h"
+#include "tests/fuzz/Source.h"
 
 namespace {
 
@@ -38,54 +39,6 @@ constexpr int32_t kLargest = 16384;
 // Work that one run may ask for: pixels configured or processed.
 constexpr int64_t kPixelBudget = 400000;
 constexpr int kStepBudget = 200;
-
-// ---- the bytes -----------------------------------------------------------------------------------------
-
-// Reads numbers off the bytes; zeros follow their end.
-class Source {
-  public:
-    explicit Source(std::span<const uint8_t> bytes) : bytes_(bytes) {}
-
-    bool empty() const { return bytes_.empty(); }
-
-    uint8_t Byte() {
-        if (bytes_.empty()) return 0;
-        const uint8_t byte = bytes_.front();
-        bytes_ = bytes_.subspan(1);
-        return byte;
-    }
-
-    // -128 to 127.
-    int32_t SignedByte() {
-        const int32_t byte = Byte();
-        return byte < 128 ? byte : byte - 256;
-    }
-
-    uint32_t Word() {
-        uint32_t word = 0;
-        for (int i = 0; i < 4; ++i) word = word << 8 | Byte();
-        return word;
-    }
-
-    // 0 to `count` - 1.
-    size_t Below(size_t count) { return Byte() % count; }
-
-    bool OneIn(size_t count) { return Below(count) == count - 1; }
-
-    template <class T, size_t n>
-    const T& Pick(const T (&list)[n]) {
-        return list[Below(n)];
-    }
-
-    std::string Text(size_t length) {
-        std::string text;
-        while (text.size() < length && !empty()) text.push_back(static_cast<char>(Byte()));
-        return text;
-    }
-
-  private:
-    std::span<const uint8_t> bytes_;
-};
 
 [[noreturn]] void Fail(const char* what, unsigned long value) {
     std::fprintf(stderr, "contract: %s (0x%lx)\n", what, value);
@@ -625,24 +578,8 @@ void ResetFiles() {
 
 }  // namespace
 
-void RunContract(std::span<const uint8_t> bytes) {
+void RunBytes(std::span<const uint8_t> bytes) {
     ResetFiles();
     std::srand(1);
     Host(bytes).Run();
-}
-
-ScratchDirectory::ScratchDirectory() : before_(std::filesystem::current_path()) {
-    std::string name = (std::filesystem::temp_directory_path() / "contract.XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        std::perror(name.c_str());
-        std::exit(2);
-    }
-    path_ = name;
-    std::filesystem::current_path(path_);
-}
-
-ScratchDirectory::~ScratchDirectory() {
-    std::filesystem::current_path(before_);
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
 }

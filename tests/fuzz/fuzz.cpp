@@ -1,11 +1,11 @@
-// The whole contract under libFuzzer.
+// Under libFuzzer: the whole contract, or libsfx.
 //
 //     build/fuzz/tests/fuzz/fuzz_contract [options] [corpus directories]
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "tests/fuzz/ContractRun.h"
+#include "tests/fuzz/ByteRun.h"
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -33,6 +33,6 @@ int LLVMFuzzerInitialize(int* argc, char*** argv) {
 }
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    RunContract({data, size});
+    RunBytes({data, size});
     return 0;
 }

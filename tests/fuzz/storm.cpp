@@ -1,9 +1,9 @@
 // Plays stored inputs and then pseudo-random ones, the same in every build and on every machine.
 //
-//     contract_storm [--runs N] [--seconds S] [--from N] [FILE | DIRECTORY]...
+//     storm [--runs N] [--seconds S] [--from N] [FILE | DIRECTORY]...
 //
 // Stops after N runs or S seconds, whichever comes first. A run that ends the program, or takes longer than a
-// minute, leaves its input in contract_storm.input in the directory where the program was started; played by
+// minute, leaves its input in storm.input in the directory where the program was started; played by
 // name it fails again, and it can be kept in tests/fuzz/inputs.
 #include <unistd.h>
 
@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/fuzz/ContractRun.h"
+#include "tests/fuzz/ByteRun.h"
 
 namespace {
 
@@ -32,14 +32,14 @@ void Play(const Bytes& bytes, const fs::path& keptInput) {
     std::ofstream(keptInput, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     alarm(kSecondsPerRun);
-    RunContract(bytes);
+    RunBytes(bytes);
     alarm(0);
 }
 
 Bytes ReadFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) {
-        std::fprintf(stderr, "contract_storm: cannot read %s\n", path.c_str());
+        std::fprintf(stderr, "storm: cannot read %s\n", path.c_str());
         std::exit(2);
     }
     return Bytes(std::istreambuf_iterator<char>(file), {});
@@ -67,7 +67,7 @@ unsigned long Number(const char* option, const char* text) {
     char* end = nullptr;
     const unsigned long number = text ? std::strtoul(text, &end, 10) : 0;
     if (text == nullptr || end == text || *end != 0) {
-        std::fprintf(stderr, "contract_storm: %s wants a number\n", option);
+        std::fprintf(stderr, "storm: %s wants a number\n", option);
         std::exit(2);
     }
     return number;
@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
             for (const fs::path& file : FilesOf(argument)) inputs.push_back(fs::absolute(file));
         }
     }
-    const fs::path keptInput = fs::absolute("contract_storm.input");
+    const fs::path keptInput = fs::absolute("storm.input");
     const ScratchDirectory scratch;
     for (const fs::path& input : inputs) Play(ReadFile(input), keptInput);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
