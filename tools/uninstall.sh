@@ -1,5 +1,5 @@
 #!/bin/sh
-# Removes the files that a list names, below DESTDIR, and folders of our own that are empty then:
+# Removes the files that a list names, below DESTDIR, and our own folders that are then empty:
 #
 #   DESTDIR=FOLDER tools/uninstall.sh LIST
 set -eu
@@ -7,8 +7,13 @@ set -eu
 [ -f "$1" ] || { echo "nothing was installed from here: there is no $1" >&2; exit 1; }
 while IFS= read -r file || [ -n "$file" ]; do
     rm -fv "${DESTDIR:-}$file"
+    folder=${file%/*}
+    while :; do
+        case ${folder##*/} in
+            specialeffects | sfx | framework) rmdir "${DESTDIR:-}$folder" 2> /dev/null || break ;;
+            *) break ;;
+        esac
+        folder=${folder%/*}
+    done
 done < "$1"
-sed -n 's|^\(.*/specialeffects\)/.*|\1|p' "$1" | sort -u | while IFS= read -r folder; do
-    [ ! -d "${DESTDIR:-}$folder" ] || find "${DESTDIR:-}$folder" -depth -type d -empty -delete
-done
 rm "$1"
