@@ -155,6 +155,7 @@ void RemapNearest(const Warp& warp) {
     ForEachStretch<channels>(warp, [&](const float* xs, const float* ys, ptrdiff_t count, uint8_t* out) {
         const bool all =
             AtLevel<FindNearest>(xs, ys, count, warp.xRange(), warp.yRange(), warp.srcStep, channels, places);
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
         for (ptrdiff_t i = 0; i < count; ++i) {
             if (all || places.inside[static_cast<size_t>(i)] != 0) {
                 std::memcpy(out + channels * i, warp.src + places.offset[static_cast<size_t>(i)], channels);

@@ -39,6 +39,7 @@ class NearestPlan final : public resize::Plan {
         for (int32_t y = 0; y < y_.count; ++y) {
             const uint8_t* const row = Row(src, srcStep, y_.NearestSample(y));
             uint8_t* const out = Row(dst, dstStep, y);
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
             for (int32_t k = 0; k < count_; ++k) out[k] = row[column[k]];
         }
     }
