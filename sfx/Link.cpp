@@ -1,6 +1,6 @@
 #include "sfx/Link.h"
 
-#include <cstring>
+#include <new>
 #include <utility>
 
 #include "framework/AdditiveRandom.h"
@@ -30,7 +30,11 @@ class MakerSurroundings final : public Surroundings {
 
 void Configure(CSpecialEffectFilter& filter, const char* name, int32_t width, int32_t height) {
     StreamDescription stream{0, width, height, kFormatPlanar};
-    if (filter.Configure(&stream) != kSuccess) {
+    const ResultCode code = filter.Configure(&stream);
+    if (code == kOutOfMemory) {
+        throw std::bad_alloc();
+    }
+    if (code != kSuccess) {
         throw Failure{Tell(SFX_ERROR_FAILED, "%s refuses frames of %d by %d", name, static_cast<int>(width),
                            static_cast<int>(height))};
     }
@@ -130,7 +134,11 @@ ResultCode Link::Process(const WorkFrame::Planes& planes, int64_t time) {
                       {static_cast<int32_t>(planes.LumaSize()), chromaSize, chromaSize}};
     FrameRecord frame{{0, 0, 0}, &image};
     isFresh_ = false;
-    return filter_->ProcessFrame(&frame);
+    const ResultCode code = filter_->ProcessFrame(&frame);
+    if (code == kOutOfMemory) {
+        throw std::bad_alloc();
+    }
+    return code;
 }
 
 void Link::Set(size_t property, int32_t value) {
@@ -181,7 +189,11 @@ void Link::LoadSettings(const std::string& path) {
     for (const PropertyEntry& property : Effect().properties) {
         before.push_back(property.Get(filter));
     }
-    if (LoadSettingsFile(filter, path) != kSuccess) {
+    const ResultCode code = LoadSettingsFile(filter, path);
+    if (code == kOutOfMemory) {
+        throw std::bad_alloc();
+    }
+    if (code != kSuccess) {
         throw Failure{
             Tell(SFX_ERROR_FILE, "%s does not take the settings file %s", Effect().info.id, path.c_str())};
     }

@@ -31,7 +31,7 @@ class Link {
     const char* Start(int32_t width, int32_t height, uint32_t seed, const std::string& dataFolder);
     void Stop();
 
-    /// Changes a frame at a time in nanoseconds since the first one.
+    /// Changes a frame at a time in nanoseconds since the first one. Throws std::bad_alloc.
     ResultCode Process(const WorkFrame::Planes& planes, int64_t time);
 
     /// `value` is within the property's bounds.
