@@ -9,12 +9,13 @@
 #   sfx          sfx, framework, imaging; sfx.h nothing of the tree
 #   host         its own folder, sfx.h and the two headers of the contract
 #   tests/abi    its own folder
+#   bridges/*    its own folder, sfx.h; so do its tests
 #
 # The module itself includes nothing from outside but the standard library and the compiler's intrinsics.
 # Paths start at the root of the tree in the module; elsewhere they may be relative.
 cmake_minimum_required(VERSION 3.25)
 
-set(rooms framework imaging effects facetrack sfx host tests bench tools)
+set(rooms framework imaging effects facetrack sfx host bridges tests bench tools)
 list(JOIN rooms "|" any_room)
 set(public_headers framework/SpecialEffectFilter.h framework/SpecialEffectFactory.h)
 
@@ -155,4 +156,11 @@ endforeach()
 sources(files tests/abi)
 foreach(file IN LISTS files)
     check_outside_file(${file} tests/abi)
+endforeach()
+
+foreach(room bridges/gstreamer tests/bridges/gstreamer)
+    sources(files ${room})
+    foreach(file IN LISTS files)
+        check_outside_file(${file} ${room} sfx/sfx.h)
+    endforeach()
 endforeach()

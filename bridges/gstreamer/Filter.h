@@ -1,0 +1,49 @@
+// What all elements have in common: frames through libsfx, and the properties "enabled", "seed" and
+// "data-folder".
+#ifndef SPECIALEFFECTS_BRIDGES_GSTREAMER_FILTER_H
+#define SPECIALEFFECTS_BRIDGES_GSTREAMER_FILTER_H
+
+#include <gst/video/gstvideofilter.h>
+
+#include <memory>
+
+#include "sfx/sfx.h"
+
+GST_DEBUG_CATEGORY_EXTERN(sfx_debug);
+
+namespace sfxgst {
+
+using Effect = std::shared_ptr<sfx_effect>;
+
+/// Null where libsfx refuses the text; sfx_message() says why.
+Effect CreateEffect(const char* text);
+
+struct FilterState;
+
+/// An abstract GObject type. Functions of derived types get the object as GObject*.
+struct Filter {
+    GstVideoFilter parent;
+    FilterState* state;
+};
+struct FilterClass {
+    GstVideoFilterClass parent;
+};
+GType FilterType();
+
+/// The effect that runs; null where frames pass unchanged. Callable from any thread.
+Effect CurrentEffect(GObject* filter);
+
+/// Makes `effect` the one that runs, from the next frame on: with the seed and data folder of the filter, and
+/// ready for the size of its frames. Null lets frames pass unchanged.
+void ReplaceEffect(GObject* filter, Effect effect);
+
+/// For what cannot be made an effect: posts a warning. The effect that runs stays; a filter without one
+/// cannot be started until it has one.
+void RefuseEffect(GObject* filter, const char* problem);
+
+/// For class_init: what an element is called, and what it does.
+void DescribeElement(gpointer elementClass, const char* name, const char* description);
+
+}  // namespace sfxgst
+
+#endif
