@@ -6,9 +6,9 @@ RELEASE := build/release
 INSTALLED ?= build/installed.txt
 
 # What `make check-all` consists of. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow
+PARTS ?= install clang sanitize thread fuzz slow gstreamer
 
-.PHONY: build install uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
+.PHONY: build install install-gstreamer uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
 ## build      the library and the program, in build/release
 build:
@@ -20,6 +20,14 @@ build:
 install: build
 	cmake --install $(RELEASE)
 	cp $(RELEASE)/install_manifest.txt $(INSTALLED)
+
+## install-gstreamer  the same and the GStreamer plugin
+install-gstreamer: install
+	@tools/setup.sh build gstreamer
+	cmake --preset release -DSE_BUILD_GSTREAMER=ON
+	cmake --build --preset release --target gstspecialeffects
+	cmake --install $(RELEASE) --component gstreamer
+	cat $(RELEASE)/install_manifest_gstreamer.txt >> $(INSTALLED)
 
 ## uninstall  what the last `make install` installed, with the same DESTDIR
 uninstall:
@@ -87,6 +95,13 @@ check-slow:
 	@tools/setup.sh build check slow
 	$(call build_tests,release,all)
 	$(call run_tests,release,-L slow)
+
+# The GStreamer plugin: its elements one by one, and in GStreamer's own programs.
+check-gstreamer:
+	@tools/setup.sh build check gstreamer check-gstreamer
+	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_GSTREAMER=ON
+	cmake --build --preset release --target gstreamer_tests specialeffects_program
+	$(call run_tests,release,-L gstreamer)
 
 ## bench      times of every primitive and effect, as tables and in build/*.csv
 bench:

@@ -12,6 +12,9 @@ build        libavformat-dev libavcodec-dev libavdevice-dev libavutil-dev libsws
 check        ccache libgtest-dev
 clang        clang libclang-rt-dev
 slow         qemu-user
+gstreamer    libgstreamer-plugins-base1.0-dev
+check-gstreamer gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-pipewire
+check-gstreamer gir1.2-gstreamer-1.0 python3-gi pipewire wireplumber dbus
 demo         ffmpeg imagemagick
 bench        libopencv-dev
 lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
