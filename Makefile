@@ -6,9 +6,9 @@ RELEASE := build/release
 INSTALLED ?= build/installed.txt
 
 # What `make check-all` consists of. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r
 
-.PHONY: build install install-gstreamer uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
+.PHONY: build install install-gstreamer install-frei0r uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
 ## build      the library and the program, in build/release
 build:
@@ -28,6 +28,14 @@ install-gstreamer: install
 	cmake --build --preset release --target gstspecialeffects
 	cmake --install $(RELEASE) --component gstreamer
 	cat $(RELEASE)/install_manifest_gstreamer.txt >> $(INSTALLED)
+
+## install-frei0r  the same and the frei0r plugins
+install-frei0r: install
+	@tools/setup.sh build frei0r
+	cmake --preset release -DSE_BUILD_FREI0R=ON
+	cmake --build --preset release --target frei0r_plugins
+	cmake --install $(RELEASE) --component frei0r
+	cat $(RELEASE)/install_manifest_frei0r.txt >> $(INSTALLED)
 
 ## uninstall  what the last `make install` installed, with the same DESTDIR
 uninstall:
@@ -102,6 +110,13 @@ check-gstreamer:
 	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_GSTREAMER=ON
 	cmake --build --preset release --target gstreamer_tests specialeffects_program
 	$(call run_tests,release,-L gstreamer)
+
+# The frei0r plugins, in FFmpeg and MLT.
+check-frei0r:
+	@tools/setup.sh build check frei0r check-frei0r
+	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_FREI0R=ON
+	cmake --build --preset release --target frei0r_tests
+	$(call run_tests,release,-L frei0r)
 
 ## bench      times of every primitive and effect, as tables and in build/*.csv
 bench:

@@ -16,6 +16,8 @@ gstreamer    libgstreamer-plugins-base1.0-dev
 check-gstreamer gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-pipewire
 check-gstreamer gir1.2-gstreamer-1.0 python3-gi pipewire wireplumber dbus
 demo         ffmpeg imagemagick
+frei0r       frei0r-plugins-dev
+check-frei0r ffmpeg melt libxml2-utils
 bench        libopencv-dev
 lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
 '

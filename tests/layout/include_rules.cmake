@@ -8,6 +8,7 @@
 #   facetrack    the same
 #   sfx          sfx, framework, imaging; sfx.h nothing of the tree
 #   host         its own folder, sfx.h and the two headers of the contract
+#   bridges/*    their own folder and sfx.h
 #   tests/abi    its own folder
 #   bridges/*    its own folder, sfx.h; so do its tests
 #
@@ -151,6 +152,12 @@ endfunction()
 sources(files host)
 foreach(file IN LISTS files)
     check_outside_file(${file} host ${public_headers} sfx/sfx.h)
+endforeach()
+
+sources(files bridges)
+foreach(file IN LISTS files)
+    get_filename_component(folder ${file} DIRECTORY)
+    check_outside_file(${file} ${folder} sfx/sfx.h)
 endforeach()
 
 sources(files tests/abi)
