@@ -82,7 +82,7 @@ struct SingleQuotient {
     /// does that too.
     static std::optional<SingleQuotient> By(int32_t divisor);
 
-    constexpr uint8_t operator()(int32_t sum) const {
+    SE_INLINE constexpr uint8_t operator()(int32_t sum) const {
         const float rounded = static_cast<float>(sum) * reciprocal + bias;
         const float positive = rounded > 0.0f ? rounded : 0.0f;
         return static_cast<uint8_t>(static_cast<int32_t>(positive < 255.0f ? positive : 255.0f));

@@ -54,10 +54,24 @@ struct Kernel {
     }
 };
 
+bool FitIn16Bits(std::span<const int32_t> taps) {
+    return std::ranges::all_of(taps, [](int32_t tap) { return tap == static_cast<int16_t>(tap); });
+}
+
 // ---- portable --------------------------------------------------------------------------------------------
 
-template <typename Sum>
-SE_INLINE void FilterPlainly(const Region& region, const Kernel& kernel, double reciprocal) {
+struct DoubleQuotient {
+    double reciprocal;
+
+    template <typename Sum>
+    SE_INLINE uint8_t operator()(Sum sum) const {
+        return prim::Quotient(static_cast<double>(sum), reciprocal);
+    }
+};
+
+/// The taps fit `Tap`, the weighted sums `Sum`. Products of 16 bits are the quickest.
+template <typename Sum, typename Tap, typename Quotient>
+SE_INLINE void FilterPlainly(const Region& region, const Kernel& kernel, Quotient quotient) {
     for (const auto [begin, end] : prim::Strips(region.width)) {
         const ptrdiff_t count = end - begin;
         Sum sums[kStrip];
@@ -65,15 +79,15 @@ SE_INLINE void FilterPlainly(const Region& region, const Kernel& kernel, double 
             const uint8_t* const from = Row(region.src, region.srcStep, y) + begin;
             std::fill_n(sums, count, Sum{0});
             for (size_t k = 0; k < kernel.taps.size(); ++k) {
-                const Sum tap = kernel.taps[k];
+                const auto tap = static_cast<Tap>(kernel.taps[k]);
                 const uint8_t* const pixels = from + kernel.offset(k);
                 for (ptrdiff_t x = 0; x < count; ++x) {
-                    sums[x] += tap * pixels[x];
+                    sums[x] += static_cast<Sum>(tap * static_cast<Tap>(pixels[x]));
                 }
             }
             uint8_t* const out = Row(region.dst, region.dstStep, y) + begin;
             for (ptrdiff_t x = 0; x < count; ++x) {
-                out[x] = prim::Quotient(static_cast<double>(sums[x]), reciprocal);
+                out[x] = quotient(sums[x]);
             }
         }
     }
@@ -94,19 +108,13 @@ struct TapPairs {
     std::array<std::array<ptrdiff_t, 2>, kMaxPairs> offsets;
 };
 
-/// Nothing when the taps are too many or too large.
-std::optional<TapPairs> PairTaps(const Kernel& kernel) {
-    if (kernel.taps.size() > 2 * kMaxPairs) {
-        return std::nullopt;
-    }
+/// For up to twice kMaxPairs taps of 16 bits.
+TapPairs PairTaps(const Kernel& kernel) {
     TapPairs pairs;
     for (size_t k = 0; k < kernel.taps.size(); k += 2) {
         const size_t next = std::min(k + 1, kernel.taps.size() - 1);
         const int32_t low = kernel.taps[k];
         const int32_t high = next == k ? 0 : kernel.taps[next];
-        if (low != static_cast<int16_t>(low) || high != static_cast<int16_t>(high)) {
-            return std::nullopt;
-        }
         pairs.taps[pairs.count] =
             static_cast<int32_t>(static_cast<uint32_t>(high) << 16 | (static_cast<uint32_t>(low) & 0xffff));
         pairs.offsets[pairs.count] = {kernel.offset(k), kernel.offset(next)};
@@ -168,19 +176,24 @@ SE_TARGET_AVX2 void FilterWithAvx2(const Region& region, const TapPairs& pairs,
 
 #endif
 
-bool FilterFast([[maybe_unused]] const Region& region, [[maybe_unused]] const Kernel& kernel,
-                [[maybe_unused]] int32_t divisor) {
+/// With small taps and a quotient in single precision. False where the kernel or the divisor does not allow
+/// it.
+bool FilterFast(const Region& region, const Kernel& kernel, int32_t divisor) {
+    if (!FitIn16Bits(kernel.taps) || kernel.reach() > prim::SingleQuotient::kMaxSum) {
+        return false;
+    }
+    const std::optional<prim::SingleQuotient> quotient = prim::SingleQuotient::By(divisor);
+    if (!quotient) {
+        return false;
+    }
 #if SE_AVX2
-    if (simd::HasAvx2() && region.width >= kBlock && kernel.reach() <= prim::SingleQuotient::kMaxSum) {
-        const std::optional<TapPairs> pairs = PairTaps(kernel);
-        const std::optional<prim::SingleQuotient> quotient = prim::SingleQuotient::By(divisor);
-        if (pairs && quotient) {
-            FilterWithAvx2(region, *pairs, *quotient);
-            return true;
-        }
+    if (simd::HasAvx2() && region.width >= kBlock && kernel.taps.size() <= 2 * kMaxPairs) {
+        FilterWithAvx2(region, PairTaps(kernel), *quotient);
+        return true;
     }
 #endif
-    return false;
+    AtLevel<FilterPlainly<int32_t, int16_t, prim::SingleQuotient>>(region, kernel, *quotient);
+    return true;
 }
 
 PrimStatus Filter(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, int32_t width,
@@ -198,8 +211,9 @@ PrimStatus Filter(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dst
         return kPrimOk;
     }
     const bool fits32Bits = kernel.reach() <= std::numeric_limits<int32_t>::max();
-    (fits32Bits ? AtLevel<FilterPlainly<int32_t>>
-                : AtLevel<FilterPlainly<int64_t>>)(region, kernel, prim::SingleReciprocal(divisor));
+    const auto filter = fits32Bits ? AtLevel<FilterPlainly<int32_t, int32_t, DoubleQuotient>>
+                                   : AtLevel<FilterPlainly<int64_t, int64_t, DoubleQuotient>>;
+    filter(region, kernel, {prim::SingleReciprocal(divisor)});
     return kPrimOk;
 }
 
