@@ -23,18 +23,19 @@ ResultCode Effect::Report(Operation operation) {
 
 std::span<const Property<Effect>> Effect::Properties() {
     static constexpr Property<Effect> rows[] = {
-        IntegerProperty<&Effect::Speed>("Speed", "5", "1,5").Says("How fast a snapshot flies to its place."),
+        IntegerProperty<&Effect::Speed>("Speed", "5", "1,5")
+            .Says("Speed at which a snapshot flies to its place."),
         IntegerProperty<&Effect::RotationSpeed>("Rotation Speed", "1", "1,5")
-            .Says("How fast a snapshot turns on its way."),
+            .Says("Speed at which a snapshot turns on its way."),
         // As many as fit, which the range text does not know.
         IntegerProperty<&Effect::TexturesNumber>("Textures Number", "3", "1,10")
-            .Says("How many thumbnails there are; no more than fit the height of the frame.")
+            .Says("Number of thumbnails; limited to as many as fit the height of the frame.")
             .ClampedTo(1, std::numeric_limits<int32_t>::max())
             .OnSet([](Effect& effect, int32_t count) {
                 effect.TexturesNumber = std::max(std::min(count, effect.MaxTextures), 1);
             }),
         IntegerProperty<&Effect::PictureSize>("Picture Size", "32", "10,50")
-            .Says("Height of a thumbnail in percent of that of the frame; holds from the next snapshot on."),
+            .Says("Height of a thumbnail in percent of the frame height; applies from the next snapshot on."),
     };
     return rows;
 }

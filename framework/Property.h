@@ -6,9 +6,9 @@
 //     std::span<const Property<CRain>> CRain::Properties() {
 //         static constexpr Property<CRain> rows[] = {
 //             IntegerProperty<&CRain::DropPeriod>("DropPeriod", "1", "1,20")
-//                 .Says("Frames between two drops."),
+//                 .Says("Number of frames from one drop to the next."),
 //             IntegerProperty<&CRain::DropSize>("DropSize", "3", "2,16")
-//                 .Says("Radius of a drop in pixels.")
+//                 .Says("Diameter of a drop in pixels.")
 //                 .OnSet([](CRain& rain, int32_t size) {
 //                     rain.DropSize = size;
 //                     rain.StampReady = false;

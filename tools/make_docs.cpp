@@ -1,11 +1,11 @@
-// Writes the page of every effect, and their index, from the list of effects, what docs/texts.json adds to
-// it, the pictures of the demo and the times of the benchmark:
+// Writes a page for each effect and an index of them, from the list of effects, docs/texts.json, the pictures
+// of the demo and the times of the benchmark:
 //
 //   make_docs SOURCE DATA DEMO TIMES.csv DOCS
 //
-// SOURCE is the source tree, DATA the folder of the effects' data files; DEMO the folder that the demo wrote;
-// TIMES.csv what `bench_effects --csv` printed; DOCS the folder that is written. Pictures are scaled with
-// ImageMagick.
+// SOURCE is the source tree, DATA the folder of the effects' data files, DEMO the folder that `make demo`
+// wrote, TIMES.csv the output of `bench_effects --csv`, and DOCS the output folder. Needs ImageMagick to
+// scale the pictures.
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
@@ -39,7 +39,7 @@ struct Time {
     std::string milliseconds, ratio;
 };
 
-/// Rows such as "61 Bulge,1280x720,0.245,...", as the times of effects by number.
+/// Times by the effect's number, from rows such as "61 Bulge,1280x720,0.245,...".
 std::map<int, Time> ReadTimes(const std::string& path) {
     std::map<int, Time> times;
     std::ifstream file(path);
@@ -71,7 +71,7 @@ struct DestroyEffect {
 };
 using Effect = std::unique_ptr<CSpecialEffectFilter, DestroyEffect>;
 
-/// Data files are read from one folder and never made.
+/// Reads data files from one folder and writes none.
 class ReadOnly final : public ProcessSurroundings {
   public:
     explicit ReadOnly(fs::path data) : data_(std::move(data)) {}
@@ -82,7 +82,7 @@ class ReadOnly final : public ProcessSurroundings {
     fs::path data_;
 };
 
-constexpr uint32_t kCapacity = 256;  // of the contract's texts
+constexpr uint32_t kCapacity = 256;  // enough for every text of the contract
 
 ResultCode Configure(const Effect& effect, int32_t format) {
     StreamDescription stream{0, 640, 480, format};
@@ -95,7 +95,7 @@ std::string NameOf(const CatalogueRow& row) {
     return name;
 }
 
-/// "planar", and "packed" where packed frames are processed.
+/// "planar", or "planar, packed" for an effect that processes packed frames too.
 std::string FormatsOf(const CatalogueRow& row) {
     const Effect effect(row.create());
     Configure(effect, kFormatPacked);
@@ -107,7 +107,7 @@ std::string FormatsOf(const CatalogueRow& row) {
     return effect->ProcessFrame(&frame) == kSuccess ? "planar, packed" : "planar";
 }
 
-/// What a host can expect, in a few words each.
+/// The row's traits in words, separated by commas.
 std::string TraitsOf(const CatalogueRow& row) {
     std::string text;
     const auto add = [&](bool holds, const std::string& words) {
@@ -121,7 +121,7 @@ std::string TraitsOf(const CatalogueRow& row) {
     return text;
 }
 
-/// One row of a page's table of properties for each property.
+/// The table of properties, one row each.
 void WriteProperties(std::ostream& out, const CatalogueRow& row) {
     const std::vector<PropertyWords> words = row.words();
     if (words.empty()) {
@@ -235,8 +235,8 @@ void Make(const fs::path& source, const fs::path& data, const fs::path& demo, co
                             (docs / "images" / (PageName(displayName) + ".jpg")).string()));
         }
     }
-    index << "\nThe tables of [performance.md](performance.md) say how fast each is. These pages are made by "
-             "`make docs`.\n";
+    index << "\nThe tables of [performance.md](performance.md) say how fast each is. "
+             "`make docs` generates these pages.\n";
 }
 
 }  // namespace

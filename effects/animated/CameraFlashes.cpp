@@ -15,11 +15,11 @@ std::span<const Property<CCameraFlashesSpecialEffectFilter>> CCameraFlashesSpeci
     };
     static constexpr Property<Effect> rows[] = {
         IntegerProperty<&Effect::Mode>("Mode", "1", "1,7")
-            .Says("Kind of the flares.", kModes)
+            .Says("Kind of flare.", kModes)
             .OnGet([](const Effect& effect) { return effect.ActiveMode; }),
         BooleanProperty<&Effect::Moving>("Moving", "TRUE").Says("Whether the flares drift."),
         BooleanProperty<&Effect::Colorizing>("Colorizing", "TRUE")
-            .Says("Whether the flares colour the picture, or only brighten it."),
+            .Says("Whether the flares tint the picture as well as brighten it."),
         BooleanProperty<&Effect::Animation>("Animation", "TRUE")
             .Says("Whether the flares pulse and light up again elsewhere."),
     };

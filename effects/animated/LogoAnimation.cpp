@@ -24,27 +24,26 @@ constexpr Property<Effect> Effect::ColorRow(const char* name) {
                    effect.Colors[index] = static_cast<uint32_t>(value);
                    effect.Dirty = true;
                })
-        .Says("One of the colours for the copies; black counts as none.");
+        .Says("One of the colours of the copies when random colours are off; black means unset.");
 }
 
 std::span<const Property<Effect>> Effect::Properties() {
     static constexpr ValueName kTypes[] = {
         {kText, "text", "a short text"},
-        {kPicture, "picture", "the bitmap of the data file logo3.bmp, or a message where there is none"},
+        {kPicture, "picture", "the bitmap in the data file logo3.bmp, or an error message"},
     };
     static constexpr Property<Effect> rows[] = {
-        IntegerProperty<&Effect::ObjectsNumber>("Objects Number", "10", "1,40")
-            .Says("How many copies there are."),
+        IntegerProperty<&Effect::ObjectsNumber>("Objects Number", "10", "1,40").Says("Number of copies."),
         IntegerProperty<&Effect::Type>("Type", "2", "1,2")
-            .Says("What the copies show.", kTypes)
+            .Says("Content of the copies.", kTypes)
             .OnSet(SetAndRemake<&Effect::Type>),
         BooleanProperty<&Effect::MovingAnimation>("Moving Animation", "FALSE")
             .Says("Whether the copies drift.")
             .OnSet(SetAndRemake<&Effect::MovingAnimation>),
         BooleanProperty<&Effect::Colorize>("Colorize", "FALSE")
-            .Says("Whether the copies colour the picture, or only brighten it."),
+            .Says("Whether the copies tint the picture as well as brighten it."),
         BooleanProperty<&Effect::RandomColors>("Random Colors", "FALSE")
-            .Says("Whether each copy gets a random colour, instead of one of those set.")
+            .Says("Whether each copy gets a random colour instead of one of the set colours.")
             .OnSet(SetAndRemake<&Effect::RandomColors>),
         ColorRow<0>("Color 1"),
         ColorRow<1>("Color 2"),

@@ -36,7 +36,7 @@ SE_INLINE bool IsLevel(const int16_t* above, const int16_t* row, const int16_t* 
 std::span<const Property<CRainSpecialEffectFilter>> CRainSpecialEffectFilter::Properties() {
     static constexpr Property<CRainSpecialEffectFilter> rows[] = {
         IntegerProperty<&CRainSpecialEffectFilter::DropPeriod>("DropPeriod", "1", "1,20")
-            .Says("Frames from one drop to the next."),
+            .Says("Number of frames from one drop to the next."),
         IntegerProperty<&CRainSpecialEffectFilter::DropSize>("DropSize", "3", "2,16")
             .Says("Diameter of a drop in pixels.")
             .OnSet([](CRainSpecialEffectFilter& rain, int32_t size) {

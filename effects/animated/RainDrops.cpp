@@ -132,7 +132,7 @@ int32_t WaterGrid::ChooseDirection(int32_t x, int32_t y) const {
 std::span<const Property<CRainDropsSpecialEffectFilter>> CRainDropsSpecialEffectFilter::Properties() {
     static constexpr Property<CRainDropsSpecialEffectFilter> rows[] = {
         IntegerProperty<&CRainDropsSpecialEffectFilter::RainRate>("RainRate", "5", "1,10")
-            .Says("How hard it rains."),
+            .Says("Intensity of the rain."),
     };
     return rows;
 }

@@ -63,13 +63,13 @@ std::span<const Property<CFishEyeSpecialEffectFilter>> CFishEyeSpecialEffectFilt
     };
     static constexpr Property<Effect> rows[] = {
         BooleanProperty<&Effect::LargeSphere>("LargeSphere", "TRUE")
-            .Says("Whether the disc is as large as the longer side of the picture.")
+            .Says("Whether the disc spans the longer side of the picture instead of the shorter side.")
             .OnSet([](Effect& effect, int32_t value) {
                 effect.LargeSphere = value != 0;
                 effect.Rebuild();
             }),
         IntegerProperty<&Effect::EffectType>("EffectType", "1", "1,3")
-            .Says("Curve of the lens.", kTypes)
+            .Says("Lens curve.", kTypes)
             .OnSet([](Effect& effect, int32_t value) {
                 effect.EffectType = value;
                 effect.Rebuild();

@@ -42,9 +42,9 @@ constexpr int32_t kLowestBlob = 90, kHighestBlob = 180;
 std::span<const Property<CLiquefySpecialEffectFilter>> CLiquefySpecialEffectFilter::Properties() {
     using Effect = CLiquefySpecialEffectFilter;
     static constexpr Property<Effect> rows[] = {
-        IntegerProperty<&Effect::ChangeSpeed>("ChangeSpeed", "1", "1,3").Says("How fast the water moves."),
+        IntegerProperty<&Effect::ChangeSpeed>("ChangeSpeed", "1", "1,3").Says("Speed of the water."),
         IntegerProperty<&Effect::Intensity>("Intensity", "16", "1,24")
-            .Says("How strongly the water bends the picture; 16 is full strength."),
+            .Says("Strength of the distortion in sixteenths; 16 is normal strength."),
     };
     return rows;
 }

@@ -43,11 +43,10 @@ SE_INLINE void OutlineEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t widt
 }  // namespace
 
 std::span<const Property<CChalkSpecialEffectFilter>> CChalkSpecialEffectFilter::Properties() {
-    static constexpr ValueName kEdges[] = {{0, "plain", "flat tones alone"},
-                                           {1, "inked", "near-black edges"}};
+    static constexpr ValueName kEdges[] = {{0, "plain", "flat tones only"}, {1, "inked", "near-black edges"}};
     static constexpr Property<CChalkSpecialEffectFilter> rows[] = {
         BooleanProperty<&CChalkSpecialEffectFilter::DrawEdges>("DrawEdges", "TRUE")
-            .Says("Whether edges are inked; chalk-3 draws its outline in any case.", kEdges),
+            .Says("Whether edges are inked; chalk-3 always draws its outlines.", kEdges),
     };
     return rows;
 }

@@ -52,7 +52,7 @@ void DrawPenPage(CPlane8u& page, int32_t level) {
 std::span<const Property<CGraphicPenSpecialEffectFilter>> CGraphicPenSpecialEffectFilter::Properties() {
     static constexpr Property<CGraphicPenSpecialEffectFilter> rows[] = {
         BooleanProperty<&CGraphicPenSpecialEffectFilter::Colored>("Colored", "TRUE")
-            .Says("Whether the colours of the scene show through the hatching."),
+            .Says("Whether the colours of the scene show through the strokes."),
     };
     return rows;
 }

@@ -39,7 +39,7 @@ SE_INLINE void DrawLines(const uint8_t* source, ptrdiff_t sourceStep, uint8_t* l
 std::span<const Property<CLineArtSpecialEffectFilter>> CLineArtSpecialEffectFilter::Properties() {
     static constexpr Property<CLineArtSpecialEffectFilter> rows[] = {
         ColorProperty<&CLineArtSpecialEffectFilter::BackgroundColor>("BackgroundColor", "0,0,0")
-            .Says("Colour of the ground, which also tints the lines."),
+            .Says("Background colour, which also tints the lines."),
     };
     return rows;
 }

@@ -34,7 +34,7 @@ std::span<const Property<CMotionDetectorSpecialEffectFilter>>
 CMotionDetectorSpecialEffectFilter::Properties() {
     static constexpr Property<CMotionDetectorSpecialEffectFilter> rows[] = {
         IntegerProperty<&CMotionDetectorSpecialEffectFilter::BlurDelay>("BlurDelay", "50", "1,100")
-            .Says("How slowly motion fades."),
+            .Says("Length of the trails that motion leaves."),
         ColorProperty<&CMotionDetectorSpecialEffectFilter::BlurColor>("BlurColor", "0,0,192")
             .Says("Colour of the glow."),
     };

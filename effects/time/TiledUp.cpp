@@ -31,7 +31,7 @@ SE_INLINE void AddShade(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT shade
 std::span<const Property<CTiledUpSpecialEffectFilter>> CTiledUpSpecialEffectFilter::Properties() {
     static constexpr Property<CTiledUpSpecialEffectFilter> rows[] = {
         IntegerProperty<&CTiledUpSpecialEffectFilter::TileSize>("TileSize", "5", "4,32")
-            .Says("Side of a tile in pixels.")
+            .Says("Side length of a tile in pixels.")
             .OnSet([](CTiledUpSpecialEffectFilter& effect, int32_t size) { effect.SetTileSize(size); }),
     };
     return rows;

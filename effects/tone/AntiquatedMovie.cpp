@@ -113,9 +113,9 @@ std::span<const Property<CAntiquatedMovieSpecialEffectFilter>>
 CAntiquatedMovieSpecialEffectFilter::Properties() {
     static constexpr Property<CAntiquatedMovieSpecialEffectFilter> rows[] = {
         BooleanProperty<&CAntiquatedMovieSpecialEffectFilter::Sepia>("Sepia", "TRUE")
-            .Says("Whether the film is tinted brown."),
+            .Says("Whether the film has a sepia tint."),
         BooleanProperty<&CAntiquatedMovieSpecialEffectFilter::Vignetting>("Vignetting", "TRUE")
-            .Says("Whether the corners are dark."),
+            .Says("Whether the corners are darkened."),
     };
     return rows;
 }
