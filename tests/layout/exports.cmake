@@ -43,18 +43,5 @@ foreach(symbol IN LISTS unexpected)
     message(SEND_ERROR "exported, but not part of the contract: ${symbol}")
 endforeach()
 
-# A host links against the major version only.
-string(REGEX MATCH "^[0-9]+" major ${VERSION})
-execute_process(COMMAND ${READELF} -d ${LIBRARY} OUTPUT_VARIABLE dynamic)
-if(NOT dynamic MATCHES "soname: \\[libspecialeffects\\.so\\.${major}\\]")
-    message(SEND_ERROR "the soname is not libspecialeffects.so.${major}")
-endif()
-
-# The C++ run-time libraries and the C library are all that it needs.
-string(REGEX MATCHALL "NEEDED[^\n]*\\[[^]\n]*\\]" needed "${dynamic}")
-foreach(line IN LISTS needed)
-    string(REGEX REPLACE ".*\\[(.*)\\]" "\\1" name "${line}")
-    if(NOT name MATCHES "^(libstdc\\+\\+|libc\\+\\+|libc\\+\\+abi|libm|libmvec|libgcc_s|libc|ld-linux.*)\\.so")
-        message(SEND_ERROR "needs ${name}")
-    endif()
-endforeach()
+include(${CMAKE_CURRENT_LIST_DIR}/library_needs.cmake)
+check_library_needs(${LIBRARY} ${READELF} specialeffects ${VERSION})

@@ -57,6 +57,17 @@ inline sfx_status Process(const EffectHandle& effect, TestFrame& frame, int inde
     return sfx_process(effect.get(), &picture, int64_t{index} * 40000000);
 }
 
+/// A sum over the first frames of the test scene after an effect.
+inline uint64_t ChecksumOf(const EffectHandle& effect, int frames = 6) {
+    uint64_t sum = 0;
+    for (int i = 0; i < frames; ++i) {
+        TestFrame frame = TestFrame(160, 120).DrawScene(i);
+        EXPECT_GE(Process(effect, frame, i), 0);
+        sum = sum * 31 + frame.Checksum();
+    }
+    return sum;
+}
+
 /// An environment variable with another value, for a scope.
 class Variable {
   public:

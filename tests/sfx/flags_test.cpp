@@ -7,16 +7,6 @@
 
 namespace {
 
-uint64_t ChecksumOf(const EffectHandle& effect, int frames = 6) {
-    uint64_t sum = 0;
-    for (int i = 0; i < frames; ++i) {
-        TestFrame frame = TestFrame(160, 120).DrawScene(i);
-        EXPECT_GE(Process(effect, frame, i), 0);
-        sum = sum * 31 + frame.Checksum();
-    }
-    return sum;
-}
-
 /// The frames of an effect over one still picture, 40 ms apart or `step` nanoseconds.
 std::vector<uint64_t> StillFrames(const char* id, int64_t step) {
     const EffectHandle effect = Create(id);

@@ -204,16 +204,6 @@ TEST(Frames, OfSeveralEffectsAreThoseOfOneAfterTheOther) {
     }
 }
 
-uint64_t ChecksumOf(const EffectHandle& effect, int frames = 6) {
-    uint64_t sum = 0;
-    for (int i = 0; i < frames; ++i) {
-        TestFrame frame = TestFrame(160, 120).DrawScene(i);
-        EXPECT_GE(Process(effect, frame, i), 0);
-        sum = sum * 31 + frame.Checksum();
-    }
-    return sum;
-}
-
 TEST(Frames, FollowDifferencesOfTimeOnly) {
     const auto run = [](int64_t origin, int64_t backwardsAt) {
         const EffectHandle effect = Create("motion-detector");
