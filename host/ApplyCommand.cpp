@@ -1,12 +1,17 @@
 // `apply`: frames from an input through a chain of effects to an output.
-#include <cstdlib>
+#include <unistd.h>
+#include <algorithm>
+
+#include <cmath>
 #include <limits>
 #include <random>
 
 #include "Commands.h"
 #include "EffectChain.h"
 #include "Interrupt.h"
+#include "Pipeline.h"
 #include "Progress.h"
+#include "Terminal.h"
 #include "VideoInput.h"
 #include "VideoOutput.h"
 
@@ -16,109 +21,155 @@ namespace {
 constexpr int64_t kNoLimit = std::numeric_limits<int64_t>::max();
 
 // What a file gets from an input without end when nobody says how much.
-constexpr int64_t kFramesOfEndlessInput = 300;
+constexpr double kSecondsOfEndlessInput = 10;
 
 void CheckOptions(const ApplyOptions& options, OutputKind output) {
     const bool picture = output == OutputKind::Picture;
     if (options.frame && !picture) {
         throw UsageError("--frame writes a picture: {} has to end in .png or .jpg", options.output);
     }
-    if (options.frames && picture) {
-        throw UsageError("--frames does not go with a picture as output; --frame N says which frame it is");
+    if ((options.frames || options.duration) && picture) {
+        throw UsageError("{} does not go with a picture as output; --frame N says which frame it is",
+                         options.frames ? "--frames" : "--duration");
     }
 }
 
-// How many frames to run through the effects.
-int64_t FrameLimit(const ApplyOptions& options, OutputKind output, InputKind input) {
+// Before anything is opened: what is to be written must not be there, and must not be read.
+void CheckFiles(const ApplyOptions& options, OutputKind output) {
+    const std::optional<std::string> input = FileOfInput(options.input);
+    if (output == OutputKind::Pipe || output == OutputKind::Device) return;
+    if (input && output != OutputKind::Sequence) CheckNotInput(options.output, *input);
+    if (input && output == OutputKind::Sequence && *input == options.output) {
+        throw UsageError("{} is read and would be overwritten; write to other files", options.output);
+    }
+    if (options.settings) CheckNotInput(options.output, *options.settings);
+    if (output != OutputKind::Sequence) CheckOverwriting(options.output, options.to.overwrite);
+}
+
+PipelineLimits LimitsOf(const ApplyOptions& options, OutputKind output, const StreamInfo& stream) {
+    PipelineLimits limits;
     if (output == OutputKind::Picture) {
-        if (!options.frame && input == InputKind::Recording) {
+        if (!options.frame && stream.kind == InputKind::Recording) {
             throw UsageError("{} is a video and {} a picture: --frame N says which frame it is",
                              options.input, options.output);
         }
-        return options.frame.value_or(1);
+        limits.frames = options.frame.value_or(1);
+        limits.lastFrameOnly = true;
+        return limits;
     }
-    if (options.frames) return *options.frames;
-    const bool endless = input == InputKind::Picture || input == InputKind::Scene;
-    return endless && output == OutputKind::Video ? kFramesOfEndlessInput : kNoLimit;
+    std::optional<double> seconds = options.duration;
+    const bool endless = stream.kind == InputKind::Picture || stream.kind == InputKind::Scene;
+    const bool file = output == OutputKind::Video || output == OutputKind::Sequence;
+    if (endless && file && !options.frames && !seconds) seconds = kSecondsOfEndlessInput;
+    if (options.frames) limits.frames = *options.frames;
+    if (seconds) limits.end = std::llround(*seconds / av_q2d(stream.timeBase));
+    return limits;
 }
 
-int64_t KnownTotal(int64_t limit, const StreamInfo& stream) {
-    if (limit == kNoLimit) return stream.frameCount;
-    return stream.frameCount > 0 ? std::min(limit, stream.frameCount) : limit;
-}
-
-// Hands on the sound that belongs to the video before `end`.
-void CopyAudio(VideoInput& input, VideoOutput& output, int64_t end, bool readOn) {
-    while (PacketPtr packet = input.NextAudio(end, readOn)) output.WriteAudio(std::move(packet));
-}
-
-struct Outcome {
-    int64_t frames = 0;
-    int64_t end = 0;  // of the last frame, in the input's ticks
-    bool inputEnded = false;
-};
-
-Outcome RunFrames(VideoInput& input, EffectChain& chain, VideoOutput& output, OutputKind kind,
-                  const ApplyOptions& options, int64_t limit) {
-    const StreamInfo& stream = input.Stream();
-    Frame frame(stream.size.width, stream.size.height, options.packed ? kFormatPacked : kFormatPlanar);
-    Progress progress(KnownTotal(limit, stream), options.quiet);
-    Outcome outcome;
-    while (outcome.frames < limit && !Interrupted()) {
-        if (!input.Read(frame)) {
-            outcome.inputEnded = true;
-            break;
-        }
-        chain.Process(frame);
-        ++outcome.frames;
-        outcome.end = frame.time + stream.TicksPerFrame();
-        if (kind != OutputKind::Picture || outcome.frames == limit) output.Write(frame);
-        CopyAudio(input, output, outcome.end, false);
-        progress.Show(outcome.frames);
+// 0 when nobody knows.
+int64_t ExpectedFrames(const PipelineLimits& limits, const StreamInfo& stream) {
+    int64_t expected = stream.frameCount > 0 ? stream.frameCount : kNoLimit;
+    expected = std::min(expected, limits.frames);
+    if (limits.end != kNoLimit) {
+        expected = std::min(
+            expected, av_rescale_q_rnd(limits.end, stream.timeBase, av_inv_q(stream.frameRate), AV_ROUND_UP));
     }
-    return outcome;
+    return expected == kNoLimit ? 0 : expected;
+}
+
+// When the run will end at the latest, in units of AV_TIME_BASE.
+int64_t LatestEnd(const PipelineLimits& limits, const StreamInfo& stream) {
+    int64_t end = kNoLimit;
+    if (limits.end != kNoLimit) end = av_rescale_q(limits.end, stream.timeBase, av_get_time_base_q());
+    if (limits.frames != kNoLimit) {
+        const int64_t frames = av_rescale_q(limits.frames, av_inv_q(stream.frameRate), av_get_time_base_q());
+        end = std::min(end, frames);
+    }
+    return end;
+}
+
+// A recording from a file that is broken off is not the output that was asked for.
+void CheckComplete(const ApplyOptions& options, const StreamInfo& stream, OutputKind output,
+                   const PipelineLimits& limits, const PipelineOutcome& outcome) {
+    const bool recorded = outcome.frames > 0 && output != OutputKind::Picture && !stream.isFile;
+    const bool endless = stream.kind == InputKind::Picture || stream.kind == InputKind::Scene;
+    if (Interrupted() && !(outcome.frames > 0 && (recorded || (endless && output != OutputKind::Picture)))) {
+        throw Interruption("interrupted; {} is not written", options.output);
+    }
+    if (outcome.frames == 0) {
+        throw Failure("{} has no frame that can be decoded; it may be cut short", options.input);
+    }
+    if (output == OutputKind::Picture && outcome.frames < limits.frames) {
+        throw Failure("{} has no frame {}, only {} frames", options.input, limits.frames, outcome.frames);
+    }
+}
+
+// A still picture shows little of an effect that lives on what came before.
+void TellOfMemory(const ApplyOptions& options, const EffectChain& chain, OutputKind output,
+                  const StreamInfo& stream, const Notes& notes) {
+    if (output != OutputKind::Picture || stream.kind != InputKind::Picture || options.frame) return;
+    for (const sfx_effect_info* link : chain.Links()) {
+        if ((link->flags & SFX_HAS_MEMORY) == 0) continue;
+        notes.Add("{} builds on earlier frames, and this is the first; --frame 30 shows it after a second",
+                  link->title);
+        return;
+    }
+}
+
+// "wrote 300 frames, 10.0 seconds, to out.mp4"
+void TellResult(const ApplyOptions& options, const VideoOutput& output, OutputKind kind, double seconds) {
+    if (options.quiet || !OnTerminal(STDERR_FILENO)) return;
+    const int64_t count = output.FrameCount();
+    const std::string frames = fmt::format("{} frame{}", count, count == 1 ? "" : "s");
+    const std::string where = kind == OutputKind::Pipe ? "standard output" : options.output;
+    if (kind == OutputKind::Picture) {
+        fmt::print(stderr, "{}wrote {}\n", LineStart(), where);
+    } else {
+        fmt::print(stderr, "{}wrote {}, {:.1f} seconds, to {}\n", LineStart(), frames, seconds, where);
+    }
 }
 
 }  // namespace
 
 void Run(const ApplyOptions& options) {
     const Notes notes(options.quiet);
-    const OutputKind kind = KindOfOutput(options.output);
+    const OutputKind kind = KindOfOutput(options.output, options.frame.has_value());
     CheckOptions(options, kind);
-    SetUpLibav();
-    const Module module(options.module);
-    EffectChain chain(module, options.effects, notes);
+    CheckFiles(options, kind);
+    EffectChain chain(options.effects, notes);
+    if (options.data) chain.SetDataFolder(*options.data);
+    if (options.settings) chain.LoadSettings(*options.settings);
+    chain.SetSeed(options.seed.value_or(std::random_device()()));
 
-    const int32_t format = options.packed ? kFormatPacked : kFormatPlanar;
-    const auto input = OpenInput(options.input, {options.size, format}, notes);
+    InputOptions from = options.from;
+    from.evenSides = !TakesOddSides(kind);
+    const auto input = OpenInput(options.input, from, notes);
     const StreamInfo& stream = input->Stream();
-    const int64_t limit = FrameLimit(options, kind, stream.kind);
-    const auto output = OpenOutput(options.output, *input, notes);
+    const PipelineLimits limits = LimitsOf(options, kind, stream);
+    OutputOptions to = options.to;
+    to.end = LatestEnd(limits, stream);
+    to.onePicture = options.frame.has_value();
+    // A camera, a sequence or a scene gives its frames at the rate; only a recording has one of its own.
+    if (stream.kind != InputKind::Recording || IsSequenceInput(options.input)) to.rate.reset();
+    const auto output = OpenOutput(options.output, *input, to, notes);
 
-    // Seeded once more before the first frame: what effects draw while they are configured may depend on
-    // data files and on the clock.
-    const unsigned seed = options.seed.value_or(std::random_device()());
-    std::srand(seed);
-    chain.Configure(stream.size.width, stream.size.height, format, options.settings);
-    std::srand(seed);
+    TellOfMemory(options, chain, kind, stream, notes);
+    chain.Prepare(stream.size.width, stream.size.height);
 
-    const Outcome outcome = RunFrames(*input, chain, *output, kind, options, limit);
-    if (outcome.frames == 0) {
-        if (Interrupted()) throw Failure("interrupted before the first frame");
-        throw Failure("{} has no frame that can be decoded; it may be cut short", options.input);
+    PipelineOutcome outcome;
+    {
+        Progress progress(ExpectedFrames(limits, stream), options.quiet);
+        outcome = RunPipeline(*input, chain, *output, limits,
+                              [&progress](int64_t frames) { progress.Show(frames); });
     }
-    if (kind == OutputKind::Picture && outcome.frames < limit) {
-        if (Interrupted()) throw Failure("interrupted before frame {}", limit);
-        throw Failure("{} has no frame {}, only {} frames", options.input, limit, outcome.frames);
-    }
-    const bool stopped = !outcome.inputEnded;
-    CopyAudio(*input, *output, stopped ? outcome.end : kNoLimit, stopped && !Interrupted());
-    output->Finish();
+    CheckComplete(options, stream, kind, limits, outcome);
+    output->Finish(outcome.end);
     if (outcome.inputEnded) {
         if (const std::string reason = input->Shortfall(); !reason.empty()) {
             notes.Add("{}: {}", options.input, reason);
         }
     }
+    TellResult(options, *output, kind, static_cast<double>(outcome.end) * av_q2d(stream.timeBase));
 }
 
 }  // namespace host

@@ -1,14 +1,12 @@
 // `bench`: what an effect costs, beside what it costs to copy the frame.
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 
 #include "Commands.h"
 #include "EffectChain.h"
 #include "Interrupt.h"
 #include "Json.h"
-#include "ScratchDirectory.h"
 #include "StandardOutput.h"
 #include "TestScene.h"
 
@@ -18,6 +16,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
+constexpr AVRational kTimeBase{1, 30};
 constexpr int kSceneFrames = 16;
 constexpr int kWarmUpFrames = 4;
 constexpr size_t kFewestFrames = 12;
@@ -43,15 +42,17 @@ double Timed(Work work) {
 }
 
 Timing Measure(EffectChain& chain, const std::vector<Frame>& scene) {
-    Frame frame = scene.front();
-    Frame copy = frame;
+    Frame frame(scene.front().Width(), scene.front().Height());
+    Frame copy(frame.Width(), frame.Height());
+    const size_t size = static_cast<size_t>(frame.Width()) * static_cast<size_t>(frame.Height()) * 3 / 2;
     std::vector<double> effectTimes, copyTimes;
     double total = 0;
     for (size_t i = 0; effectTimes.size() < kMostFrames && !Interrupted(); ++i) {
         // The effect and the copy both find the frame in the cache, as it is after a camera wrote it.
-        frame = scene[i % scene.size()];
-        const double effectTime = Timed([&] { chain.Process(frame); });
-        const double copyTime = Timed([&] { std::memcpy(copy.Plane(0), frame.Plane(0), frame.Size()); });
+        frame.CopyPixels(scene[i % scene.size()]);
+        frame.SetTime(static_cast<int64_t>(i));
+        const double effectTime = Timed([&] { chain.Process(frame, kTimeBase); });
+        const double copyTime = Timed([&] { std::memcpy(copy.Plane(0), frame.Plane(0), size); });
         if (i < kWarmUpFrames) continue;
         effectTimes.push_back(effectTime);
         copyTimes.push_back(copyTime);
@@ -65,17 +66,15 @@ Timing Measure(EffectChain& chain, const std::vector<Frame>& scene) {
 std::vector<Frame> DrawScene(Size size) {
     std::vector<Frame> scene;
     for (int64_t i = 0; i < kSceneFrames; ++i) {
-        scene.emplace_back(size.width, size.height, kFormatPlanar);
+        scene.emplace_back(size.width, size.height);
         DrawTestScene(i, scene.back());
     }
     return scene;
 }
 
-std::vector<std::string> EveryEffect(const Module& module) {
+std::vector<std::string> EveryEffect() {
     std::vector<std::string> names;
-    for (const EffectName& name : AllEffects()) {
-        if (module.Create(name.Guid())) names.emplace_back(name.shortName);
-    }
+    for (size_t i = 0; i < sfx_effect_count(); ++i) names.emplace_back(sfx_effect_at(i)->id);
     return names;
 }
 
@@ -101,25 +100,22 @@ Json JsonOf(const std::string& effect, Size size, const Timing& timing) {
 }  // namespace
 
 void Run(const BenchOptions& options) {
-    const Notes notes(false);
-    const Module module(options.module);
-    const std::vector<std::string> effects = options.effects.empty() ? EveryEffect(module) : options.effects;
-    for (const std::string& effect : effects) RequireEffect(SplitEffectText(effect).effect);
+    const Notes notes(options.quiet);
+    const std::vector<std::string> effects = options.effects.empty() ? EveryEffect() : options.effects;
+    std::vector<EffectChain> chains;
+    for (const std::string& effect : effects) chains.emplace_back(std::vector{effect}, notes);
     const Size size = EvenSize(options.size, notes);
     const std::vector<Frame> scene = DrawScene(size);
 
-    const ScratchDirectory scratch;
     Json::Array json;
     if (!options.json) PrintHead(size);
-    for (const std::string& effect : effects) {
-        std::srand(1);
-        EffectChain chain(module, {effect}, notes);
-        chain.Configure(size.width, size.height, kFormatPlanar, std::nullopt);
-        const Timing timing = Measure(chain, scene);
+    for (size_t i = 0; i < chains.size(); ++i) {
+        chains[i].Prepare(size.width, size.height);
+        const Timing timing = Measure(chains[i], scene);
         if (options.json) {
-            json.push_back(JsonOf(effect, size, timing));
+            json.push_back(JsonOf(effects[i], size, timing));
         } else {
-            PrintRow(effect, timing);
+            PrintRow(effects[i], timing);
         }
     }
     if (options.json) Print("{}\n", Json(json).Text());

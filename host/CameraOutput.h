@@ -5,6 +5,7 @@
 #include <chrono>
 #include <optional>
 
+#include "Scaler.h"
 #include "VideoOutput.h"
 
 namespace host {
@@ -14,8 +15,9 @@ class CameraOutput : public VideoOutput {
     CameraOutput(const std::string& device, const StreamInfo& stream);
 
     /// Returns when the frame's time has come: a file plays at its own speed.
-    void Write(const Frame& frame) override;
-    void Finish() override;
+    void Write(Frame frame) override;
+    void Finish(int64_t end) override;
+    int64_t FrameCount() const override { return count_; }
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -25,7 +27,8 @@ class CameraOutput : public VideoOutput {
     std::string device_;
     StreamInfo stream_;
     OutputContextPtr output_;
-    Converter converter_;
+    Scaler scaler_;
+    int64_t count_ = 0;
     std::optional<Clock::time_point> start_;
 };
 

@@ -2,19 +2,23 @@
 #ifndef SPECIALEFFECTS_HOST_COMMANDLINE_H
 #define SPECIALEFFECTS_HOST_COMMANDLINE_H
 
-#include <optional>
 #include <string_view>
 
 #include "Commands.h"
 
 namespace host {
 
-/// Nothing when the command line asked for help or the version, which has been printed then. Throws
-/// UsageError.
-std::optional<Command> ParseCommandLine(int argc, const char* const* argv);
+/// Throws UsageError.
+Command ParseCommandLine(int argc, const char* const* argv);
 
 /// "640x480". Throws UsageError.
 Size ParseSize(std::string_view text);
+/// Frames a second: "30", "29.97", "30000/1001". Throws UsageError.
+AVRational ParseRate(std::string_view text);
+/// Seconds: "90", "1:30", "0:01:30.5". Throws UsageError.
+double ParseSeconds(std::string_view text);
+/// "copy", "aac", "opus", "none". Throws UsageError.
+Sound ParseSound(std::string_view text);
 
 }  // namespace host
 

@@ -1,56 +1,54 @@
-// Effects, one after the other, on every frame.
+// The effects that a run applies.
 #ifndef SPECIALEFFECTS_HOST_EFFECTCHAIN_H
 #define SPECIALEFFECTS_HOST_EFFECTCHAIN_H
 
+#include <cstdint>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "EffectNames.h"
-#include "EffectRequest.h"
 #include "Errors.h"
 #include "Frame.h"
-#include "Module.h"
+#include "sfx/sfx.h"
 
 namespace host {
 
-/// The effect under this name; throws Failure when the loaded module has none.
-EffectHandle CreateEffect(const Module& module, const EffectName& name);
+/// The effect of this name; throws UsageError with the nearest names.
+const sfx_effect_info& RequireEffect(const std::string& name);
 
-/// Describes the stream to the effect, and points Picture Me at the cascade that came with the module when
-/// there is none in the current directory. Throws Failure.
-void Configure(CSpecialEffectFilter& effect, const EffectName& name, const Module& module, int width,
-               int height, int32_t format);
-
-/// The cascade that Picture Me uses: the one in the current directory, else the one that came with the
-/// module. Absolute; empty when there is none.
-std::string CascadeFile(const Module& module);
-
+/// Effects, one after the other, on every frame.
 class EffectChain {
   public:
-    /// Creates the effects that the texts of `-e` ask for. Throws UsageError and Failure.
-    EffectChain(const Module& module, const std::vector<std::string>& texts, const Notes& notes);
+    /// Creates the effects that the texts of `-e` ask for. A value that is out of range is told in a note.
+    /// Throws UsageError.
+    EffectChain(const std::vector<std::string>& texts, const Notes& notes);
 
-    /// Makes everything ready for frames of one size and format. Properties are set before and after the
-    /// stream is described: some effects read them while they build their tables, others reset them then.
-    void Configure(int width, int height, int32_t format, const std::optional<std::string>& settingsFile);
+    void SetSeed(uint32_t seed);
+    /// Where data files are looked for first.
+    void SetDataFolder(const std::string& folder);
+    /// Throws UsageError when no effect takes settings, and Failure when the file cannot be read.
+    void LoadSettings(const std::string& file);
 
-    /// Changes the frame in place. Throws UsageError for an effect that does not process the format.
-    void Process(Frame& frame);
+    /// Makes everything ready for frames of one size. A data file that is missing is told in a note.
+    void Prepare(int width, int height);
+
+    /// Changes the frame in place. Its time is in units of `timeBase`.
+    void Process(Frame& frame, AVRational timeBase);
+
+    /// The effects, in their order.
+    std::vector<const sfx_effect_info*> Links() const;
 
   private:
-    struct Link {
-        const EffectName* name;
-        EffectHandle effect;
-        std::vector<Assignment> assignments;
+    struct Destroy {
+        void operator()(sfx_effect* effect) const { sfx_destroy(effect); }
     };
 
-    void LoadSettings(const std::string& file);
-    void TellOfClampedValues(const Link& link) const;
+    void Check(int32_t status, const char* what) const;
 
-    const Module& module_;
     const Notes& notes_;
-    std::vector<Link> links_;
+    std::unique_ptr<sfx_effect, Destroy> effect_;
 };
 
 }  // namespace host

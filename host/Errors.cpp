@@ -1,20 +1,11 @@
 #include "Errors.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <system_error>
 
+#include "Terminal.h"
+
 namespace host {
-namespace {
-
-// Wipes the line in which a progress bar may stand.
-const char* LineStart() {
-    return isatty(STDERR_FILENO) != 0 ? "\r\033[K" : "";
-}
-
-}  // namespace
-
 std::string SystemText(int error) {
     return std::generic_category().message(error);
 }

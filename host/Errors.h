@@ -29,6 +29,12 @@ class Failure : public std::runtime_error {
         : std::runtime_error(fmt::format(format, std::forward<Args>(args)...)) {}
 };
 
+/// A signal ended the run before its work was done.
+class Interruption : public Failure {
+  public:
+    using Failure::Failure;
+};
+
 /// "Permission denied" and its like, for an errno value.
 std::string SystemText(int error);
 

@@ -5,7 +5,9 @@
 #include <numbers>
 
 #include "MediaInput.h"
+#include "PictureInput.h"
 #include "PixelNoise.h"
+#include "Scaler.h"
 
 namespace host {
 namespace {
@@ -81,26 +83,34 @@ void SeePlane(const Frame& picture, const View& view, int64_t frame, int plane, 
 }  // namespace
 
 HandHeld::HandHeld(const std::string& file, const InputOptions& options, const Notes& notes) {
-    MediaInput source(file, {std::nullopt, kFormatPlanar}, notes);
+    MediaInput source(file, {}, notes);
     if (source.Stream().kind != InputKind::Picture)
         throw Failure("{} is a video; still: takes a picture", file);
     stream_ = source.Stream();
     stream_.kind = InputKind::Scene;
-    picture_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
-    if (!source.Read(picture_)) throw Failure("{} cannot be decoded", file);
+    if (options.rate) stream_.frameRate = *options.rate;
+    stream_.timeBase = av_inv_q(stream_.frameRate);
+    picture_ = FirstFrame(source);
+    // A camera gives luma from 16 to 235, whatever the picture's file has.
+    if (IsFullRange(picture_.Picture())) {
+        stream_.color.range = AVCOL_RANGE_MPEG;
+        Frame limited(picture_.Width(), picture_.Height());
+        SetColor(limited.Picture(), stream_.color);
+        Scaler().Convert(picture_.Picture(), limited.Picture());
+        picture_ = std::move(limited);
+    }
     if (options.size) stream_.size = EvenSize(*options.size, notes);
-    seen_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
+    pool_ = FramePool(stream_.size.width, stream_.size.height);
 }
 
-bool HandHeld::Read(Frame& frame) {
+std::optional<InputItem> HandHeld::Next() {
+    if (ended_) return std::nullopt;
     const View view = ViewAt(count_);
-    for (int plane = 0; plane < picture_.PlaneCount(); ++plane)
-        SeePlane(picture_, view, count_, plane, seen_);
-    const AVFramePtr seen = ViewOf(seen_);
-    CopyTurned(converter_.Convert(*seen, frame.Width(), frame.Height(), PixelFormat(frame.Format())), 0,
-               frame);
-    frame.time = count_++;
-    return true;
+    Frame frame = pool_.Take();
+    for (int plane = 0; plane < Frame::kPlanes; ++plane) SeePlane(picture_, view, count_, plane, frame);
+    SetColor(frame.Picture(), stream_.color);
+    frame.SetTime(count_++);
+    return InputItem{std::move(frame)};
 }
 
 }  // namespace host

@@ -12,12 +12,11 @@ class HandHeld : public VideoInput {
     HandHeld(const std::string& file, const InputOptions& options, const Notes& notes);
 
     /// Frame n is the same in every run.
-    bool Read(Frame& frame) override;
+    std::optional<InputItem> Next() override;
 
   private:
-    Frame picture_;  // planar
-    Frame seen_;     // planar
-    Converter converter_;
+    Frame picture_;
+    FramePool pool_;
     int64_t count_ = 0;
 };
 

@@ -1,85 +1,72 @@
-// `info`: one effect with its properties.
+// `info`: one effect with its properties, or one preset.
 #include <fmt/format.h>
+
+#include <string_view>
 
 #include "Commands.h"
 #include "EffectChain.h"
-#include "EffectReport.h"
-#include "Json.h"
-#include "ScratchDirectory.h"
+#include "EffectWords.h"
 #include "StandardOutput.h"
 
 namespace host {
 namespace {
 
-struct Report {
-    const EffectName* name;
-    std::string displayName;
-    std::vector<size_t> listedAt;
-    std::vector<std::string> formats;
-    std::vector<PropertyReport> properties;
-};
+constexpr std::string_view kPreset = "preset:";
 
-Report MakeReport(const Module& module, const EffectName& name) {
-    const ScratchDirectory scratch;
-    scratch.LeaveEmptyNoiseFile();
-    Report report;
-    report.name = &name;
-    report.displayName = NameOf(*CreateEffect(module, name));
-    report.listedAt = PlacesInListing(module.Listing(), name.Guid());
-    report.formats = ProcessedFormats(module, name);
-    report.properties = ReportProperties(module, name);
-    return report;
-}
-
-Json JsonOf(const PropertyReport& property) {
-    return Json::Object{{"name", property.info.name},
-                        {"type", TypeName(property.info.type)},
-                        {"default", property.info.defaultText},
-                        {"range", property.info.range},
-                        {"running", property.running}};
-}
-
-Json JsonOf(const Report& report) {
-    Json::Array properties;
-    for (const PropertyReport& property : report.properties) properties.push_back(JsonOf(property));
-    return Json::Object{{"number", report.name->number},     {"name", report.name->shortName},
-                        {"displayName", report.displayName}, {"variant", report.name->variant},
-                        {"guid", report.name->guid},         {"listed", !report.listedAt.empty()},
-                        {"listedAt", report.listedAt},       {"formats", report.formats},
-                        {"properties", properties}};
-}
-
-void PrintWords(const Report& report) {
-    Print("{} ({})\n", report.displayName, report.name->shortName);
-    Print("  GUID     {}\n", report.name->guid);
-    if (report.name->variant) Print("  variant  {}\n", *report.name->variant);
-    Print("  number   {}, {}\n", report.name->number,
-          report.listedAt.empty() ? "not listed"
-                                  : fmt::format("listed at {}", fmt::join(report.listedAt, ", ")));
-    Print("  formats  {}\n", fmt::join(report.formats, ", "));
-    if (report.properties.empty()) {
-        Print("  no properties\n");
-        return;
+void PrintProperty(const sfx_property_info& property) {
+    Print("  {:<20} {}\n", property.id, property.description);
+    const std::string range = property.choice_count > 0 ? "one of these" : RangeText(property);
+    Print("  {:<20} {}; starts with {}\n", "", range, ValueText(property, property.start));
+    for (size_t i = 0; i < property.choice_count; ++i) {
+        const sfx_choice& choice = property.choices[i];
+        Print("  {:<20}   {:<16} {}\n", "", choice.id, choice.description);
     }
-    constexpr auto kLine = "  {:<18} {:<8} {:<12} {:<8} {}\n";
+}
+
+void PrintWords(const sfx_effect_info& effect) {
+    Print("{} ({}), {}\n", effect.title, effect.id, effect.kind);
+    if (*effect.description != '\0') Print("{}\n", effect.description);
+    if (const std::string traits = TraitsText(effect); !traits.empty()) Print("It {}.\n", traits);
     Print("\n");
-    Print(kLine, "property", "type", "default", "range", "runs with");
-    for (const PropertyReport& property : report.properties) {
-        Print(kLine, property.info.name, TypeName(property.info.type), property.info.defaultText,
-              property.info.range.empty() ? "-" : property.info.range, property.running);
+    if (effect.property_count == 0) {
+        Print("  no properties\n");
+    } else {
+        for (const sfx_property_info* property : PropertiesOf(effect)) PrintProperty(*property);
+    }
+    Print("\nGUID     {}\nexample  specialeffects apply -e {} INPUT OUTPUT\n", effect.guid,
+          ExampleOf(effect));
+}
+
+const sfx_preset_info& RequirePreset(std::string_view id) {
+    for (size_t i = 0; i < sfx_preset_count(); ++i) {
+        const sfx_preset_info* preset = sfx_preset_at(i);
+        if (id == preset->id) return *preset;
+    }
+    throw UsageError("there is no preset \"{}\"; \"specialeffects list\" shows them", id);
+}
+
+void PrintWords(const sfx_preset_info& preset) {
+    Print("{} (preset:{})\n{}\n\neffects  {}\nexample  specialeffects apply -e preset:{} INPUT OUTPUT\n",
+          preset.title, preset.id, preset.description, preset.effect, preset.id);
+}
+
+template <class Info>
+void Show(const Info& info, bool json) {
+    if (json) {
+        Print("{}\n", JsonOf(info).Text());
+    } else {
+        PrintWords(info);
     }
 }
 
 }  // namespace
 
 void Run(const InfoOptions& options) {
-    const EffectName& name = RequireEffect(options.effect);
-    const Module module(options.module);
-    const Report report = MakeReport(module, name);
-    if (options.json) {
-        Print("{}\n", JsonOf(report).Text());
+    const std::string_view name = options.effect;
+    if (name.starts_with(kPreset)) {
+        Show(RequirePreset(name.substr(kPreset.size())), options.json);
     } else {
-        PrintWords(report);
+        Show(RequireEffect(options.effect), options.json);
     }
 }
 

@@ -5,10 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "Frame.h"
-
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavfilter/avfilter.h>
 #include <libavformat/avformat.h>
 #include <libswscale/swscale.h>
 }
@@ -38,6 +37,7 @@ using AVFramePtr = std::unique_ptr<AVFrame, FreeByAddress<av_frame_free>>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, FreeByAddress<avcodec_free_context>>;
 using InputContextPtr = std::unique_ptr<AVFormatContext, FreeByAddress<avformat_close_input>>;
 using OutputContextPtr = std::unique_ptr<AVFormatContext, FreeByValue<avformat_free_context>>;
+using FilterGraphPtr = std::unique_ptr<AVFilterGraph, FreeByAddress<avfilter_graph_free>>;
 using ScalerPtr = std::unique_ptr<SwsContext, FreeByValue<sws_freeContext>>;
 
 PacketPtr NewPacket();
@@ -45,11 +45,8 @@ AVFramePtr NewAVFrame();
 /// With planes of its own.
 AVFramePtr NewAVFrame(int width, int height, AVPixelFormat format);
 
-/// A look at the frame's planes, to be used only as long as the frame lives.
-AVFramePtr ViewOf(const Frame& frame);
-
-/// The library's pixel format of a frame's layout.
-AVPixelFormat PixelFormat(int32_t format);
+/// A context for a decoder or an encoder of this kind.
+CodecContextPtr NewCodecContext(const AVCodec* codec);
 
 /// Options for the functions that take them by name.
 class Dictionary {
@@ -74,23 +71,6 @@ void SetUpLibav();
 
 /// A path as the libraries take it: a colon in a file's name begins no protocol then.
 std::string FileUrl(const std::string& path);
-
-/// Scales and converts between pixel formats.
-class Converter {
-  public:
-    /// The picture in the given size and format, valid until the next call; `picture` itself when it has
-    /// them already. Luma of a result in a YUV format has the range 16 to 235, in the yuvj formats 0 to 255.
-    /// RGB becomes YUV by the matrix of BT.601.
-    const AVFrame& Convert(const AVFrame& picture, int width, int height, AVPixelFormat format);
-
-  private:
-    ScalerPtr scaler_;
-    AVFramePtr result_;
-};
-
-/// Copies a picture of the frame's size and format, turned clockwise by a number of quarters; for odd turns
-/// the picture's sides are exchanged.
-void CopyTurned(const AVFrame& picture, int quarterTurns, Frame& frame);
 
 }  // namespace host
 

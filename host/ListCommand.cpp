@@ -1,81 +1,117 @@
-// `list`: the effects, in the module's order.
+// `list`: the effects, grouped by kind, and the presets.
 #include <fmt/format.h>
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
 #include "Commands.h"
-#include "EffectReport.h"
-#include "Json.h"
-#include "ScratchDirectory.h"
+#include "EffectWords.h"
 #include "StandardOutput.h"
+#include "Terminal.h"
 
 namespace host {
 namespace {
 
-// One line of the list. The module lists one effect that it cannot create: it has a GUID and nothing else.
-struct Row {
-    EffectGuid guid;
-    const EffectName* name;
-    std::vector<size_t> listedAt;
-    std::vector<std::string> formats;
+// Rows that hosts of the module's own contract are shown beside the effects: one effect a second time, and
+// one that nobody can create.
+struct ContractRow {
+    const char* guid;
+    const char* id;  // of the effect that it repeats, or null
+};
+constexpr ContractRow kContractRows[] = {
+    {"{333FBC24-1123-4E32-BBA1-3E77B228A727}", "graphic-pen-3"},
+    {"{8AAE654A-D222-4D8A-968F-937591B1B696}", nullptr},
 };
 
-std::vector<Row> Rows(const Module& module, bool all) {
-    const ScratchDirectory scratch;
-    scratch.LeaveEmptyNoiseFile();
-    const std::vector<EffectGuid> listing = module.Listing();
-    std::vector<Row> rows;
-    const auto add = [&](const EffectGuid& guid, const EffectName* name) {
-        rows.push_back({guid, name, PlacesInListing(listing, guid), {}});
-        if (name != nullptr) rows.back().formats = ProcessedFormats(module, *name);
-    };
-    if (all) {
-        for (const EffectName& name : AllEffects()) add(name.Guid(), &name);
+std::vector<const sfx_effect_info*> Effects() {
+    std::vector<const sfx_effect_info*> effects(sfx_effect_count());
+    for (size_t i = 0; i < effects.size(); ++i) effects[i] = sfx_effect_at(i);
+    return effects;
+}
+
+std::vector<const sfx_preset_info*> Presets() {
+    std::vector<const sfx_preset_info*> presets(sfx_preset_count());
+    for (size_t i = 0; i < presets.size(); ++i) presets[i] = sfx_preset_at(i);
+    return presets;
+}
+
+void PrintHeading(std::string_view text) {
+    if (HasStyles(STDOUT_FILENO)) {
+        Print("\n\033[1m{}\033[0m\n", text);
     } else {
-        for (const EffectGuid& guid : listing) add(guid, FindEffect(guid));
+        Print("\n{}\n", text);
     }
-    return rows;
 }
 
-Json JsonOf(const Row& row) {
-    const bool named = row.name != nullptr;
-    return Json::Object{{"number", named ? Json(row.name->number) : nullptr},
-                        {"name", named ? Json(row.name->shortName) : nullptr},
-                        {"displayName", named ? Json(row.name->displayName) : nullptr},
-                        {"variant", named ? Json(row.name->variant) : nullptr},
-                        {"guid", GuidText(row.guid)},
-                        {"listed", !row.listedAt.empty()},
-                        {"listedAt", row.listedAt},
-                        {"creatable", !row.formats.empty()},
-                        {"formats", row.formats}};
+void PrintRow(std::string_view id, std::string_view description) {
+    Print("  {:<18} {}\n", id, description);
 }
 
-void PrintRow(const Row& row) {
-    constexpr auto kLine = "{:>3}  {:<18} {:<20} {:>7}  {:<38}  {:<6}  {}\n";
-    const std::string formats =
-        row.formats.empty() ? "cannot be created" : fmt::format("{}", fmt::join(row.formats, ", "));
-    const char* listed = row.listedAt.empty() ? "no" : "yes";
-    if (row.name == nullptr) {
-        Print(kLine, "-", "-", "-", "-", GuidText(row.guid), listed, formats);
-        return;
+void PrintPresets(bool json) {
+    Json::Array list;
+    for (const sfx_preset_info* preset : Presets()) {
+        if (json) {
+            list.push_back(JsonOf(*preset));
+        } else {
+            PrintRow(std::string("preset:") + preset->id, preset->description);
+        }
     }
-    const std::string variant = row.name->variant ? std::to_string(*row.name->variant) : "-";
-    Print(kLine, row.name->number, row.name->shortName, row.name->displayName, variant, GuidText(row.guid),
-          listed, formats);
+    if (json) Print("{}\n", Json(list).Text());
+}
+
+void PrintWords(bool all) {
+    const auto effects = Effects();
+    std::vector<std::string_view> kinds;
+    for (const sfx_effect_info* effect : effects) {
+        if (std::find(kinds.begin(), kinds.end(), effect->kind) == kinds.end()) kinds.push_back(effect->kind);
+    }
+    Print("{} effects; \"specialeffects info EFFECT\" shows the properties of one\n", effects.size());
+    for (const std::string_view kind : kinds) {
+        PrintHeading(kind);
+        for (const sfx_effect_info* effect : effects) {
+            if (effect->kind == kind) PrintRow(effect->id, effect->description);
+        }
+    }
+    if (sfx_preset_count() > 0) PrintHeading("presets");
+    PrintPresets(false);
+    if (!all) return;
+    PrintHeading("listed besides");
+    for (const ContractRow& row : kContractRows) {
+        Print("  {}  {}\n", row.guid,
+              row.id != nullptr ? fmt::format("{} once more", row.id) : "cannot be created");
+    }
+}
+
+void PrintJson(bool all) {
+    Json::Array list;
+    for (const sfx_effect_info* effect : Effects()) list.push_back(JsonOf(*effect));
+    for (const ContractRow& row : kContractRows) {
+        if (!all) break;
+        list.push_back(Json::Object{{"id", row.id != nullptr ? Json(row.id) : Json(nullptr)},
+                                    {"guid", row.guid},
+                                    {"repeated", row.id != nullptr},
+                                    {"creatable", row.id != nullptr}});
+    }
+    Print("{}\n", Json(list).Text());
 }
 
 }  // namespace
 
+void Run(const HelpOptions& options) {
+    Print("{}", options.text);
+}
+
 void Run(const ListOptions& options) {
-    const Module module(options.module);
-    const std::vector<Row> rows = Rows(module, options.all);
-    if (options.json) {
-        Json::Array list;
-        for (const Row& row : rows) list.push_back(JsonOf(row));
-        Print("{}\n", Json(list).Text());
-        return;
+    if (options.presets) {
+        PrintPresets(options.json);
+    } else if (options.json) {
+        PrintJson(options.all);
+    } else {
+        PrintWords(options.all);
     }
-    Print("{:>3}  {:<18} {:<20} {:>7}  {:<38}  {:<6}  {}\n", "no.", "name", "display name", "variant", "GUID",
-          "listed", "formats");
-    for (const Row& row : rows) PrintRow(row);
 }
 
 }  // namespace host

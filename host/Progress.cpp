@@ -1,26 +1,16 @@
 #include "Progress.h"
 
 #include <fmt/core.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 
+#include "Terminal.h"
+
 namespace host {
-namespace {
-
-size_t TerminalColumns() {
-    constexpr size_t kUsual = 80;
-    winsize size{};
-    const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return known ? size.ws_col : kUsual;
-}
-
-}  // namespace
-
 Progress::Progress(int64_t total, bool quiet)
-    : total_(total), visible_(!quiet && isatty(STDERR_FILENO) != 0) {}
+    : total_(total), visible_(!quiet && OnTerminal(STDERR_FILENO) && HasEscapes()) {}
 
 Progress::~Progress() {
     if (visible_) fmt::print(stderr, "\r\033[K");

@@ -69,17 +69,20 @@ void PaintDisc(double centreX, double centreY, double radius, int width, int hei
 TestScene::TestScene(const InputOptions& options, const Notes& notes) {
     stream_.kind = InputKind::Scene;
     stream_.size = EvenSize(options.size.value_or(kDefaultSize), notes);
-    stream_.colorSpace = AVCOL_SPC_SMPTE170M;
-    drawn_ = Frame(stream_.size.width, stream_.size.height, kFormatPlanar);
+    stream_.color.matrix = MatrixForHeight(stream_.size.height);
+    stream_.color.range = AVCOL_RANGE_MPEG;
+    if (options.rate) stream_.frameRate = *options.rate;
+    stream_.timeBase = av_inv_q(stream_.frameRate);
+    pool_ = FramePool(stream_.size.width, stream_.size.height);
 }
 
-bool TestScene::Read(Frame& frame) {
-    DrawTestScene(count_, drawn_);
-    const AVFramePtr view = ViewOf(drawn_);
-    CopyTurned(converter_.Convert(*view, frame.Width(), frame.Height(), PixelFormat(frame.Format())), 0,
-               frame);
-    frame.time = count_++;
-    return true;
+std::optional<InputItem> TestScene::Next() {
+    if (ended_) return std::nullopt;
+    Frame frame = pool_.Take();
+    DrawTestScene(count_, frame);
+    SetColor(frame.Picture(), stream_.color);
+    frame.SetTime(count_++);
+    return InputItem{std::move(frame)};
 }
 
 void DrawTestScene(int64_t number, Frame& frame) {

@@ -12,15 +12,14 @@ class TestScene : public VideoInput {
     TestScene(const InputOptions& options, const Notes& notes);
 
     /// Frame n is the same in every run.
-    bool Read(Frame& frame) override;
+    std::optional<InputItem> Next() override;
 
   private:
-    Frame drawn_;  // planar
-    Converter converter_;
+    FramePool pool_;
     int64_t count_ = 0;
 };
 
-/// Draws frame `number` of the scene into a planar frame.
+/// Draws frame `number` of the scene into a frame.
 void DrawTestScene(int64_t number, Frame& frame);
 
 }  // namespace host

@@ -7,8 +7,12 @@
 
 #include "HandHeld.h"
 #include "MediaInput.h"
-#include "PictureIo.h"
+#include "PictureInput.h"
 #include "TestScene.h"
+
+extern "C" {
+#include <libavutil/avutil.h>
+}
 
 namespace host {
 namespace {
@@ -37,16 +41,45 @@ bool IsDevice(const std::string& path) {
     return path.starts_with("/dev/video") || (stat(path.c_str(), &status) == 0 && S_ISCHR(status.st_mode));
 }
 
+bool IsSequenceName(const std::string& path) {
+    char name[1024];
+    return av_get_frame_filename(name, sizeof name, path.c_str(), 1) == 0;
+}
+
+bool IsSequenceInput(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) != 0 && IsSequenceName(path);
+}
+
+std::string SequenceMember(const std::string& path, int64_t number) {
+    char name[4096];
+    if (av_get_frame_filename(name, sizeof name, path.c_str(), static_cast<int>(number)) != 0) {
+        throw Failure("\"{}\" is no name of a sequence", path);
+    }
+    return name;
+}
+
+std::optional<std::string> FileOfInput(const std::string& name) {
+    if (name == kScene || name == "-") return std::nullopt;
+    if (name.starts_with(kStill)) return name.substr(kStill.size());
+    return name;
+}
+
 std::unique_ptr<VideoInput> OpenInput(const std::string& name, const InputOptions& options,
                                       const Notes& notes) {
-    if (name == kScene) return std::make_unique<TestScene>(options, notes);
+    const auto needsVideo = [&] {
+        if (options.start > 0) throw UsageError("--start does not go with {}; it has no beginning", name);
+    };
+    if (name == kScene) {
+        needsVideo();
+        return std::make_unique<TestScene>(options, notes);
+    }
     if (name.starts_with(kStill)) {
+        needsVideo();
         return std::make_unique<HandHeld>(name.substr(kStill.size()), options, notes);
     }
     auto media = std::make_unique<MediaInput>(name, options, notes);
-    if (media->Stream().kind == InputKind::Picture) {
-        return std::make_unique<PictureInput>(*media, options.format);
-    }
+    if (media->Stream().kind == InputKind::Picture) return std::make_unique<PictureInput>(*media, options);
     return media;
 }
 

@@ -11,32 +11,34 @@ namespace {
 
 constexpr std::string_view kFrameHeader = "FRAME\n";
 
-// Hands one frame to `write` in pieces.
+// Hands one frame to `write` plane by plane.
 template <class Write>
-void WriteFrame(const Frame& frame, Converter& converter, Write write) {
+void WriteFrame(const Frame& frame, Write write) {
     write(kFrameHeader.data(), kFrameHeader.size());
-    if (frame.Format() == kFormatPlanar) {
-        write(frame.Plane(0), frame.Size());
-        return;
+    for (int plane = 0; plane < Frame::kPlanes; ++plane) {
+        write(frame.Plane(plane),
+              static_cast<size_t>(frame.RowBytes(plane)) * static_cast<size_t>(frame.Rows(plane)));
     }
-    const AVFramePtr view = ViewOf(frame);
-    const AVFrame& planar = converter.Convert(*view, frame.Width(), frame.Height(), AV_PIX_FMT_YUV420P);
-    for (int plane = 0; plane < 3; ++plane) {
-        const int width = plane == 0 ? frame.Width() : frame.Width() / 2;
-        const int height = plane == 0 ? frame.Height() : frame.Height() / 2;
-        for (int y = 0; y < height; ++y) {
-            write(planar.data[plane] + static_cast<ptrdiff_t>(y) * planar.linesize[plane],
-                  static_cast<size_t>(width));
-        }
+}
+
+const char* ChromaName(AVChromaLocation location) {
+    switch (location) {
+        case AVCHROMA_LOC_LEFT:
+            return "420mpeg2";
+        case AVCHROMA_LOC_TOPLEFT:
+            return "420paldv";
+        default:
+            return "420jpeg";
     }
 }
 
 }  // namespace
 
 std::string Y4mHeader(const StreamInfo& stream) {
-    return fmt::format("YUV4MPEG2 W{} H{} F{}:{} Ip A{}:{} C420jpeg XCOLORRANGE=LIMITED\n", stream.size.width,
+    return fmt::format("YUV4MPEG2 W{} H{} F{}:{} Ip A{}:{} C{} XCOLORRANGE={}\n", stream.size.width,
                        stream.size.height, stream.frameRate.num, stream.frameRate.den, stream.pixelAspect.num,
-                       stream.pixelAspect.den);
+                       stream.pixelAspect.den, ChromaName(stream.color.chroma),
+                       stream.color.range == AVCOL_RANGE_JPEG ? "FULL" : "LIMITED");
 }
 
 bool IsY4mName(const std::string& path) {
@@ -51,17 +53,19 @@ Y4mPipe::Y4mPipe(const StreamInfo& stream) {
     WriteStandardOutput(header.data(), header.size());
 }
 
-void Y4mPipe::Write(const Frame& frame) {
-    WriteFrame(frame, converter_, WriteStandardOutput);
+void Y4mPipe::Write(Frame frame) {
+    WriteFrame(frame, WriteStandardOutput);
+    ++count_;
 }
 
-Y4mFile::Y4mFile(const std::string& path, const StreamInfo& stream) : file_(path) {
+Y4mFile::Y4mFile(const std::string& path, const StreamInfo& stream, bool overwrite) : file_(path, overwrite) {
     const std::string header = Y4mHeader(stream);
     file_.Write(header.data(), header.size());
 }
 
-void Y4mFile::Write(const Frame& frame) {
-    WriteFrame(frame, converter_, [this](const void* bytes, size_t size) { file_.Write(bytes, size); });
+void Y4mFile::Write(Frame frame) {
+    WriteFrame(frame, [this](const void* bytes, size_t size) { file_.Write(bytes, size); });
+    ++count_;
 }
 
 }  // namespace host

@@ -17,24 +17,26 @@ class Y4mPipe : public VideoOutput {
     /// Throws UsageError when standard output is a terminal.
     explicit Y4mPipe(const StreamInfo& stream);
 
-    void Write(const Frame& frame) override;
-    void Finish() override {}
+    void Write(Frame frame) override;
+    void Finish(int64_t) override {}
+    int64_t FrameCount() const override { return count_; }
 
   private:
-    Converter converter_;
+    int64_t count_ = 0;
 };
 
 /// To a file.
 class Y4mFile : public VideoOutput {
   public:
-    Y4mFile(const std::string& path, const StreamInfo& stream);
+    Y4mFile(const std::string& path, const StreamInfo& stream, bool overwrite);
 
-    void Write(const Frame& frame) override;
-    void Finish() override { file_.Commit(); }
+    void Write(Frame frame) override;
+    void Finish(int64_t) override { file_.Commit(); }
+    int64_t FrameCount() const override { return count_; }
 
   private:
     OutputFile file_;
-    Converter converter_;
+    int64_t count_ = 0;
 };
 
 }  // namespace host

@@ -4,7 +4,7 @@
 #   tools/make_demo.sh BUILD_DIR OUT_DIR
 #
 # Writes a picture and a short clip of each effect, a contact sheet, a showreel and index.html. What is newer than the
-# module, the program, this script and the portrait is not made again.
+# library, the program, this script and the portrait is not made again.
 set -euo pipefail
 
 build=$(realpath "$1")
@@ -15,7 +15,7 @@ portrait=$source/demo/portrait.jpg
 frames=90      # of each clip
 reel_start=1.4 # the part of each clip that the showreel takes, in seconds
 reel_frames=42 # and in frames
-made_from=("$build/libspecialeffects.so" "$program" "$portrait" "$source/tools/make_demo.sh")
+made_from=("$build/libsfx.so" "$program" "$portrait" "$source/tools/make_demo.sh")
 cascade=$build/share/specialeffects/haar.txt  # not there without opencv-data
 [ ! -e "$cascade" ] || made_from+=("$cascade")
 mkdir -p "$out/pictures" "$out/clips" "$out/work"
@@ -33,8 +33,8 @@ is_fresh() {
 # What to ask for instead of the plain effect, where that can hardly be seen at this size.
 request_of() {
     case $1 in
-        rain) echo rain:DropSize=7 ;;
-        tiled-up) echo tiled-up:TileSize=16 ;;
+        rain) echo rain:drop-size=7 ;;
+        tiled-up) echo tiled-up:tile-size=16 ;;
         *) echo "$1" ;;
     esac
 }
@@ -56,25 +56,22 @@ shown_of() {
     esac
 }
 
-# One effect: its clip and its picture. In a directory of its own, since some effects keep files where they run.
+# One effect: its clip and its picture.
 make_effect() {
     local name=$1 request seen
     request=$(request_of "$name")
     seen=$(portrait_of "$name")
-    mkdir -p "$out/work/$name"
-    cd "$out/work/$name"
-    "$program" apply --quiet --seed 1 -e "$request" --frames $frames "still:$seen" "$out/clips/$name.mp4"
-    "$program" apply --quiet --seed 1 -e "$request" --frame "$(shown_of "$name")" "still:$seen" "$out/pictures/$name.png"
+    "$program" apply --quiet --yes --seed 1 -e "$request" --frames $frames "still:$seen" "$out/clips/$name.mp4"
+    "$program" apply --quiet --yes --seed 1 -e "$request" --frame "$(shown_of "$name")" "still:$seen" "$out/pictures/$name.png"
     echo "  $name"
 }
 export -f make_effect request_of portrait_of shown_of
 export program portrait lowered frames out
 
-# The names in the module's order, and what a person calls them.
-list=$("$program" list --all --json)
-mapfile -t names < <(sed -n 's/^ *"name": "\(.*\)",$/\1/p' <<< "$list")
-mapfile -t titles < <(awk -F'"' '/"displayName"/ { title = $4 } /"variant"/ { sub(/.*: /, ""); sub(/,$/, "");
-        print $0 == "null" ? title : title " " $0 }' <<< "$list")
+# The ids, and what a person calls them.
+list=$("$program" list --json)
+mapfile -t names < <(sed -n 's/^    "id": "\(.*\)",$/\1/p' <<< "$list")
+mapfile -t titles < <(sed -n 's/^    "title": "\(.*\)",$/\1/p' <<< "$list")
 
 stale=()
 for name in "${names[@]}"; do
@@ -120,8 +117,7 @@ if ! is_fresh "$reel"; then
     mv "$out/work/reel.mp4" "$reel"
 fi
 
-page_parts=("$source/tools/demo_page_head.html" "$source/tools/demo_page.awk" "$source/tools/demo_page_foot.html"
-    "$source/docs/texts.json")
+page_parts=("$source/tools/demo_page_head.html" "$source/tools/demo_page.awk" "$source/tools/demo_page_foot.html")
 if ! is_fresh "$out/index.html" "${page_parts[@]}"; then
     echo "Writing the page"
     cp "$portrait" "$out/before.jpg"
@@ -132,7 +128,7 @@ if ! is_fresh "$out/index.html" "${page_parts[@]}"; then
         for name in "${names[@]}"; do
             echo "\"request\": \"$(request_of "$name")\","
             "$program" info "$name" --json
-        done | awk -f "$source/tools/demo_page.awk" "$source/docs/texts.json" -
+        done | awk -f "$source/tools/demo_page.awk"
         cat "$source/tools/demo_page_foot.html"
     } > "$out/work/index.html"
     mv "$out/work/index.html" "$out/index.html"

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "Scaler.h"
 #include "TestScene.h"
 #include "VideoInput.h"
 
@@ -119,14 +120,12 @@ void MakeClip(const std::string& path, const ClipOptions& options) {
     Check(avio_open(&output->pb, path.c_str(), AVIO_FLAG_WRITE));
     Check(avformat_write_header(output, nullptr));
     if (sound.stream != nullptr) EncodeSound(output, sound, options.frames / 30.0);
-    host::Frame drawn(options.width & ~1, options.height & ~1, kFormatPlanar);
-    host::Converter converter;
+    host::Frame drawn(options.width & ~1, options.height & ~1);
+    host::Scaler scaler;
     for (int i = 0; i < options.frames; ++i) {
         host::DrawTestScene(i, drawn);
-        const host::AVFramePtr view = host::ViewOf(drawn);
         const host::AVFramePtr frame = host::NewAVFrame(options.width, options.height, AV_PIX_FMT_YUV420P);
-        Check(av_frame_copy(frame.get(),
-                            &converter.Convert(*view, options.width, options.height, AV_PIX_FMT_YUV420P)));
+        scaler.Convert(drawn.Picture(), *frame);
         frame->pts = i;
         video.Encode(output, frame.get());
     }
@@ -138,18 +137,16 @@ void MakeClip(const std::string& path, const ClipOptions& options) {
 std::vector<host::Frame> FramesOf(const std::string& path) {
     const host::Notes notes(true);
     const auto input = host::OpenInput(path, {}, notes);
-    const host::Size size = input->Stream().size;
     std::vector<host::Frame> frames;
-    host::Frame frame(size.width, size.height, kFormatPlanar);
-    while (input->Read(frame)) {
-        frames.push_back(frame);
+    while (auto item = input->Next()) {
+        if (item->frame) frames.push_back(std::move(item->frame));
         if (input->Stream().kind == host::InputKind::Picture) break;
     }
     return frames;
 }
 
 host::Frame FirstFrameOf(const std::string& path) {
-    return FramesOf(path).at(0);
+    return std::move(FramesOf(path).at(0));
 }
 
 Sound SoundOf(const std::string& path) {
@@ -188,8 +185,12 @@ double MeanOf(const host::Frame& frame, int plane) {
 }
 
 double Difference(const host::Frame& a, const host::Frame& b) {
-    if (a.Size() != b.Size()) return 255;
-    double sum = 0;
-    for (size_t i = 0; i < a.Size(); ++i) sum += std::abs(a.Plane(0)[i] - b.Plane(0)[i]);
-    return sum / static_cast<double>(a.Size());
+    if (a.Width() != b.Width() || a.Height() != b.Height()) return 255;
+    double sum = 0, count = 0;
+    for (int plane = 0; plane < host::Frame::kPlanes; ++plane) {
+        const int size = a.RowBytes(plane) * a.Rows(plane);
+        for (int i = 0; i < size; ++i) sum += std::abs(a.Plane(plane)[i] - b.Plane(plane)[i]);
+        count += size;
+    }
+    return sum / count;
 }

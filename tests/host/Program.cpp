@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 #include "Libav.h"
 
@@ -59,6 +62,9 @@ Child::Child(const std::vector<std::string>& command, const fs::path& directory,
         const rlimit limit{*options.fileSizeLimit, *options.fileSizeLimit};
         if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(126);
     }
+    for (const std::string& setting : options.environment) {
+        if (putenv(strdup(setting.c_str())) != 0) _exit(126);
+    }
     execv(arguments.front(), arguments.data());
     _exit(127);
 }
@@ -99,18 +105,9 @@ void ProgramTest::TearDown() {
     fs::remove_all(directory_);
 }
 
-Outcome ProgramTest::Run(std::vector<std::string> arguments, const RunOptions& options) {
-    std::vector<std::string> command = {SE_PROGRAM};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    command.insert(command.end(), {"--module", SE_MODULE});
-    return Child(command, directory_, options).Wait();
-}
-
-Outcome ProgramTest::RunFake(std::vector<std::string> arguments, const RunOptions& options) {
-    std::vector<std::string> command = {SE_PROGRAM};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    command.insert(command.end(), {"--module", SE_FAKE_MODULE});
-    return Child(command, directory_, options).Wait();
+Outcome ProgramTest::Run(std::vector<std::string> arguments, const RunOptions& options) const {
+    arguments.insert(arguments.begin(), SE_PROGRAM);
+    return Child(arguments, directory_, options).Wait();
 }
 
 std::string ProgramTest::Read(const std::string& name) const {
@@ -119,6 +116,30 @@ std::string ProgramTest::Read(const std::string& name) const {
 
 void ProgramTest::Write(const std::string& name, const std::string& content) const {
     std::ofstream(directory_ / name, std::ios::binary) << content;
+}
+
+Terminal::Terminal() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)) {
+    std::array<char, 64> name{};
+    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0 ||
+        ptsname_r(master_, name.data(), name.size()) != 0) {
+        throw std::runtime_error("no terminal can be had");
+    }
+    name_ = name.data();
+    keptOpen_ = open(name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+}
+
+Terminal::~Terminal() {
+    close(keptOpen_);
+    close(master_);
+}
+
+std::string Terminal::Text() const {
+    std::string text;
+    std::array<char, 4096> buffer{};
+    for (ssize_t count = 0; (count = read(master_, buffer.data(), buffer.size())) > 0;) {
+        text.append(buffer.data(), static_cast<size_t>(count));
+    }
+    return text;
 }
 
 void ExpectError(const Outcome& outcome, int exitCode, const std::string& part) {

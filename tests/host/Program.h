@@ -22,6 +22,8 @@ struct RunOptions {
     std::string output = {};                          ///< file for standard output; captured when empty
     std::string error = {};                           ///< file for standard error; captured when empty
     std::optional<unsigned long> fileSizeLimit = {};  ///< bytes that a file may grow to
+    /// Set in the child's environment: "TERM=dumb".
+    std::vector<std::string> environment = {};
 };
 
 /// A running program. Its standard streams are files in its directory, or what the options say.
@@ -49,10 +51,8 @@ class ProgramTest : public testing::Test {
     void SetUp() override;
     void TearDown() override;
 
-    /// Runs the program with the real module.
-    Outcome Run(std::vector<std::string> arguments, const RunOptions& options = {});
-    /// Runs it with the fake one.
-    Outcome RunFake(std::vector<std::string> arguments, const RunOptions& options = {});
+    /// Runs the program.
+    Outcome Run(std::vector<std::string> arguments, const RunOptions& options = {}) const;
 
     std::string Path(const std::string& name) const { return (directory_ / name).string(); }
     bool Exists(const std::string& name) const { return std::filesystem::exists(directory_ / name); }
@@ -60,6 +60,24 @@ class ProgramTest : public testing::Test {
     void Write(const std::string& name, const std::string& content) const;
 
     std::filesystem::path directory_;
+};
+
+/// A terminal on which a child may write.
+class Terminal {
+  public:
+    Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal();
+
+    const std::string& Name() const { return name_; }
+    /// What has been written since the last call.
+    std::string Text() const;
+
+  private:
+    int master_ = -1;
+    int keptOpen_ = -1;
+    std::string name_;
 };
 
 /// One line on standard error that holds `part`, and the exit code.

@@ -13,13 +13,13 @@
 #include "Clips.h"
 #include "Errors.h"
 #include "Frame.h"
+#include "Intake.h"
 #include "Libav.h"
-#include "Module.h"
 #include "OutputFile.h"
 #include "PixelNoise.h"
 #include "Program.h"
 #include "Progress.h"
-#include "ScratchDirectory.h"
+#include "Scaler.h"
 #include "TestScene.h"
 #include "Y4m.h"
 
@@ -29,29 +29,39 @@ using namespace host;
 namespace fs = std::filesystem;
 
 TEST(Frame, HasTightPlanes) {
-    Frame planar(6, 4, kFormatPlanar);
-    const ImageRecord image = planar.Record();
-    EXPECT_EQ(image.Format, kFormatPlanar);
-    EXPECT_EQ(planar.Size(), 36u);
-    EXPECT_EQ(image.Plane[1] - image.Plane[0], 24);
-    EXPECT_EQ(image.Plane[2] - image.Plane[1], 6);
-    EXPECT_EQ(image.PlaneSize[0], 24);
-    EXPECT_EQ(image.PlaneSize[1], 6);
-    EXPECT_EQ(image.PlaneSize[2], 6);
+    const Frame frame(6, 4);
+    EXPECT_EQ(frame.Plane(1) - frame.Plane(0), 24);
+    EXPECT_EQ(frame.Plane(2) - frame.Plane(1), 6);
+    const Frame odd(5, 3);
+    EXPECT_EQ(odd.RowBytes(1), 3);
+    EXPECT_EQ(odd.Rows(1), 2);
+    EXPECT_EQ(odd.Plane(2) - odd.Plane(1), 6);
+}
 
-    Frame packed(6, 4, kFormatPacked);
-    EXPECT_EQ(packed.Size(), 72u);
-    EXPECT_EQ(packed.RowBytes(0), 18);
-    EXPECT_EQ(packed.Record().PlaneSize[0], 72);
-    EXPECT_EQ(packed.Record().Plane[1], nullptr);
+TEST(Frame, SharesItsPixels) {
+    Frame frame(6, 4);
+    EXPECT_TRUE(IsFrameLayout(frame.Picture()));
+    const Frame other = frame.Share();
+    EXPECT_EQ(other.Plane(0), frame.Plane(0));
+    EXPECT_FALSE(IsFrameLayout(frame.Picture())) << "nobody writes to what another one holds";
+}
+
+TEST(FramePool, UsesMemoryAgain) {
+    const FramePool pool(64, 48);
+    Frame first = pool.Take();
+    const uint8_t* memory = first.Plane(0);
+    const Frame second = pool.Take();
+    EXPECT_NE(second.Plane(0), memory);
+    first = Frame();
+    EXPECT_EQ(pool.Take().Plane(0), memory);
 }
 
 // Rows of the turned first plane of the numbers 0 to 7 in four columns.
 std::vector<int> Turned(int quarterTurns) {
-    Frame source(4, 2, kFormatPlanar);
+    Frame source(4, 2);
     std::iota(source.Plane(0), source.Plane(0) + 8, uint8_t{0});
-    Frame target(quarterTurns % 2 == 0 ? 4 : 2, quarterTurns % 2 == 0 ? 2 : 4, kFormatPlanar);
-    CopyTurned(*ViewOf(source), quarterTurns, target);
+    Frame target(quarterTurns % 2 == 0 ? 4 : 2, quarterTurns % 2 == 0 ? 2 : 4);
+    CopyTurned(source.Picture(), quarterTurns, target.Picture());
     return {target.Plane(0), target.Plane(0) + 8};
 }
 
@@ -62,20 +72,27 @@ TEST(CopyTurned, TurnsClockwise) {
     EXPECT_EQ(Turned(3), (std::vector<int>{3, 7, 2, 6, 1, 5, 0, 4}));
 }
 
-TEST(CopyTurned, TurnsPackedPixelsWhole) {
-    Frame source(2, 2, kFormatPacked), target(2, 2, kFormatPacked);
-    std::iota(source.Plane(0), source.Plane(0) + 12, uint8_t{0});
-    CopyTurned(*ViewOf(source), 1, target);
-    const std::vector<int> pixels(target.Plane(0), target.Plane(0) + 12);
-    EXPECT_EQ(pixels, (std::vector<int>{6, 7, 8, 0, 1, 2, 9, 10, 11, 3, 4, 5}));
+AVFramePtr FlatPicture(uint8_t luma) {
+    AVFramePtr picture = NewAVFrame(16, 16, AV_PIX_FMT_YUV420P);
+    for (int i = 0; i < 3; ++i) {
+        std::fill_n(picture->data[i], picture->linesize[i] * (i == 0 ? 16 : 8), i == 0 ? luma : uint8_t{128});
+    }
+    return picture;
 }
 
-TEST(Converter, HandsBackWhatIsRightAlready) {
-    const Frame frame(16, 16, kFormatPlanar);
-    const AVFramePtr view = ViewOf(frame);
-    Converter converter;
-    EXPECT_EQ(&converter.Convert(*view, 16, 16, AV_PIX_FMT_YUV420P), view.get());
-    EXPECT_NE(&converter.Convert(*view, 16, 16, AV_PIX_FMT_RGB24), view.get());
+TEST(Intake, TakesWhatIsRightAlreadyWithoutACopy) {
+    Intake intake(16, 16, 0, {});
+    Frame frame(16, 16);
+    const uint8_t* pixels = frame.Plane(0);
+    AVFramePtr picture(av_frame_clone(&frame.Picture()));
+    frame = Frame();
+    EXPECT_EQ(intake.Take(std::move(picture)).Plane(0), pixels);
+    // What the decoder still refers to is copied.
+    AVFramePtr held = FlatPicture(77);
+    const AVFramePtr reference(av_frame_clone(held.get()));
+    const Frame copy = intake.Take(std::move(held));
+    EXPECT_NE(copy.Plane(0), reference->data[0]);
+    EXPECT_EQ(copy.Plane(0)[255], 77);
 }
 
 TEST(NewAVFrame, TellsASizeThatIsTooLargeFromAShortageOfMemory) {
@@ -83,15 +100,20 @@ TEST(NewAVFrame, TellsASizeThatIsTooLargeFromAShortageOfMemory) {
     EXPECT_EQ(NewAVFrame(16384, 2, AV_PIX_FMT_RGB24)->width, 16384);
 }
 
-TEST(Converter, KnowsTheRangesOfLuma) {
-    Frame frame(16, 16, kFormatPlanar);
-    std::fill_n(frame.Plane(0), 256, uint8_t{16});
-    std::fill_n(frame.Plane(1), 128, uint8_t{128});
-    Converter converter;
-    EXPECT_LE(converter.Convert(*ViewOf(frame), 16, 16, AV_PIX_FMT_RGB24).data[0][0], 1);
-    std::fill_n(frame.Plane(0), 256, uint8_t{235});
-    EXPECT_GE(converter.Convert(*ViewOf(frame), 16, 16, AV_PIX_FMT_RGB24).data[0][0], 254);
-    EXPECT_GE(converter.Convert(*ViewOf(frame), 16, 16, AV_PIX_FMT_YUVJ420P).data[0][0], 254);
+uint8_t ConvertedLuma(uint8_t luma, AVColorRange from, AVPixelFormat to) {
+    const AVFramePtr picture = FlatPicture(luma), result = NewAVFrame(16, 16, to);
+    picture->color_range = from;
+    Scaler().Convert(*picture, *result);
+    return result->data[0][0];
+}
+
+TEST(Scaler, KnowsTheRangesOfLuma) {
+    EXPECT_LE(ConvertedLuma(16, AVCOL_RANGE_MPEG, AV_PIX_FMT_RGB24), 1);
+    EXPECT_GE(ConvertedLuma(235, AVCOL_RANGE_UNSPECIFIED, AV_PIX_FMT_RGB24), 254);
+    EXPECT_GE(ConvertedLuma(235, AVCOL_RANGE_MPEG, AV_PIX_FMT_YUVJ420P), 254);
+    EXPECT_NEAR(ConvertedLuma(235, AVCOL_RANGE_JPEG, AV_PIX_FMT_RGB24), 235, 1);
+    EXPECT_NEAR(ConvertedLuma(255, AVCOL_RANGE_JPEG, AV_PIX_FMT_YUV420P), 235, 1);
+    EXPECT_EQ(ConvertedLuma(16, AVCOL_RANGE_JPEG, AV_PIX_FMT_YUVJ420P), 16);
 }
 
 TEST(PixelNoise, HasTheDeviationAskedFor) {
@@ -108,7 +130,7 @@ TEST(PixelNoise, HasTheDeviationAskedFor) {
 }
 
 TEST(TestScene, IsTheSameEveryTimeAndMoves) {
-    Frame first(160, 120, kFormatPlanar), again(160, 120, kFormatPlanar), later(160, 120, kFormatPlanar);
+    Frame first(160, 120), again(160, 120), later(160, 120);
     DrawTestScene(7, first);
     DrawTestScene(7, again);
     DrawTestScene(12, later);
@@ -118,7 +140,7 @@ TEST(TestScene, IsTheSameEveryTimeAndMoves) {
 
 TEST(TestScene, FillsFramesOfAnySize) {
     for (const int side : {2, 4, 30, 502}) {
-        Frame wide(side, 2, kFormatPlanar), high(2, side, kFormatPlanar);
+        Frame wide(side, 2), high(2, side);
         DrawTestScene(1, wide);
         DrawTestScene(1, high);
         EXPECT_GT(MeanOf(wide, 0) + MeanOf(high, 0), 0);
@@ -163,7 +185,7 @@ class OutputFileTest : public ProgramTest {};
 TEST_F(OutputFileTest, GetsItsNameAtTheEnd) {
     const std::string path = Path("out.bin");
     {
-        OutputFile file(path);
+        OutputFile file(path, false);
         file.Write("abc", 3);
         EXPECT_FALSE(fs::exists(path));
         EXPECT_TRUE(fs::exists(path + ".part"));
@@ -176,7 +198,7 @@ TEST_F(OutputFileTest, GetsItsNameAtTheEnd) {
 TEST_F(OutputFileTest, LeavesNothingBehindWhenItIsNotFinished) {
     Write("out.bin", "before");
     {
-        OutputFile file(Path("out.bin"));
+        OutputFile file(Path("out.bin"), true);
         file.Write("abc", 3);
     }
     EXPECT_EQ(Read("out.bin"), "before") << "an older file stays as it is";
@@ -184,9 +206,34 @@ TEST_F(OutputFileTest, LeavesNothingBehindWhenItIsNotFinished) {
 }
 
 TEST_F(OutputFileTest, RefusesWhatIsNoFile) {
-    EXPECT_THROW(OutputFile(directory_.string()), Failure);
-    EXPECT_THROW(OutputFile(Path("missing/out.bin")), Failure);
-    EXPECT_THROW(OutputFile("/dev/null"), Failure);
+    EXPECT_THROW(OutputFile(directory_.string(), true), Failure);
+    EXPECT_THROW(OutputFile(Path("missing/out.bin"), true), Failure);
+    EXPECT_THROW(OutputFile("/dev/null", true), Failure);
+}
+
+TEST_F(OutputFileTest, ReplacesNothingUnasked) {
+    Write("out.bin", "before");
+    EXPECT_THROW(OutputFile(Path("out.bin"), false), UsageError);
+    {
+        // It may also come into being while the file is written.
+        OutputFile file(Path("later.bin"), false);
+        Write("later.bin", "somebody's");
+        EXPECT_THROW(file.Commit(), Failure);
+    }
+    EXPECT_EQ(Read("later.bin"), "somebody's");
+    EXPECT_FALSE(Exists("later.bin.part"));
+}
+
+TEST_F(OutputFileTest, WritesWhereALinkLeads) {
+    fs::create_directory(Path("folder"));
+    fs::create_symlink("folder/target.bin", Path("link.bin"));
+    for (const std::string text : {"first", "second"}) {
+        OutputFile file(Path("link.bin"), true);
+        file.Write(text.data(), text.size());
+        file.Commit();
+        EXPECT_TRUE(fs::is_symlink(Path("link.bin")));
+        EXPECT_EQ(Read("folder/target.bin"), text);
+    }
 }
 
 TEST(WriteAll, ReportsAFullDisk) {
@@ -194,53 +241,6 @@ TEST(WriteAll, ReportsAFullDisk) {
     ASSERT_GE(descriptor, 0);
     EXPECT_EQ(WriteAll(descriptor, "abc", 3), ENOSPC);
     close(descriptor);
-}
-
-class ScratchDirectoryTest : public ProgramTest {};
-
-TEST_F(ScratchDirectoryTest, KeepsTheUsersDirectoryClean) {
-    const fs::path before = fs::current_path();
-    fs::current_path(directory_);
-    Write("logo3.bmp", "a logo");
-    fs::path scratchPath;
-    {
-        const ScratchDirectory scratch;
-        scratch.LeaveEmptyNoiseFile();
-        scratchPath = fs::current_path();
-        EXPECT_NE(scratchPath, directory_);
-        EXPECT_TRUE(fs::exists("perlin.dat"));
-        EXPECT_TRUE(fs::exists("logo3.bmp")) << "what the user has is found";
-        EXPECT_FALSE(fs::exists("haar.txt"));
-        std::ofstream("made.txt") << "by an effect";
-    }
-    EXPECT_EQ(fs::current_path(), directory_);
-    EXPECT_FALSE(fs::exists(scratchPath));
-    EXPECT_FALSE(Exists("perlin.dat"));
-    EXPECT_EQ(Read("logo3.bmp"), "a logo");
-    fs::current_path(before);
-}
-
-TEST(Module, RefusesWhatIsNone) {
-    EXPECT_THROW(Module("/nowhere/libspecialeffects.so"), Failure);
-    EXPECT_THROW(Module("/etc/passwd"), Failure);
-    EXPECT_THROW(Module("/"), Failure);
-}
-
-TEST(Module, GivesEffectsThatKnowTheirProperties) {
-    const Module module(SE_FAKE_MODULE);
-    const EffectHandle effect =
-        module.Create({0x930E1289, 0x65C0, 0x403E, {0x88, 0x0A, 0x19, 2, 0xFD, 0xCF, 0xEA, 0x90}});
-    ASSERT_TRUE(effect);
-    EXPECT_EQ(NameOf(*effect), "Fake");
-    const auto properties = PropertiesOf(*effect);
-    ASSERT_EQ(properties.size(), 4u);
-    EXPECT_EQ(properties[0].name, "Level");
-    EXPECT_EQ(properties[0].range, "1,10");
-    EXPECT_EQ(properties[1].type, PropTypeSet::Color);
-    EXPECT_EQ(GetProperty(*effect, "Level"), "3");
-    EXPECT_EQ(GetProperty(*effect, "Nothing"), "");
-    EXPECT_FALSE(module.Create({}));
-    EXPECT_EQ(module.Listing().size(), 3u);
 }
 
 }  // namespace

@@ -7,8 +7,7 @@
 #   effects/*    framework without the catalogue, imaging, its own folder; never an effect's header but its own
 #   facetrack    the same
 #   sfx          sfx, framework, imaging; sfx.h nothing of the tree
-#   host         its own folder, sfx.h and the two headers of the contract
-#   bridges/*    their own folder and sfx.h
+#   host         its own folder and sfx.h
 #   tests/abi    its own folder
 #   bridges/*    its own folder, sfx.h; so do its tests
 #
@@ -151,7 +150,7 @@ endfunction()
 
 sources(files host)
 foreach(file IN LISTS files)
-    check_outside_file(${file} host ${public_headers} sfx/sfx.h)
+    check_outside_file(${file} host sfx/sfx.h)
 endforeach()
 
 sources(files bridges)

@@ -29,7 +29,7 @@ function(write_good_tree)
     write(sfx/sfx.h "#include <stdint.h>")
     write(sfx/Chain.cpp "#include \"sfx/sfx.h\"" "#include \"framework/Catalogue.h\"" "#include \"imaging/Plane.h\""
         "#include <vector>")
-    write(host/main.cpp "#include \"sfx/sfx.h\"" "#include \"framework/SpecialEffectFactory.h\""
+    write(host/main.cpp "#include \"sfx/sfx.h\""
         "#include \"host/Video.h\""
         "#include <libavcodec/avcodec.h>" "#include \"Video.h\"")
     write(host/Video.h "#include <vector>")
@@ -96,6 +96,7 @@ expect_violation(sfx/Chain.cpp "\"facetrack/Face.h\"")
 expect_violation(sfx/Chain.cpp "<unistd.h>")
 expect_violation(host/main.cpp "\"sfx/Chain.h\"")
 expect_violation(host/main.cpp "\"framework/Base.h\"")
+expect_violation(host/main.cpp "\"framework/SpecialEffectFactory.h\"")
 expect_violation(host/main.cpp "<framework/Base.h>")
 expect_violation(host/main.cpp "\"../framework/Base.h\"")
 expect_violation(host/main.cpp "\"imaging/Plane.h\"")

@@ -1,0 +1,38 @@
+// Frames at varying times become frames at a constant rate.
+#ifndef SPECIALEFFECTS_HOST_CONSTANTRATE_H
+#define SPECIALEFFECTS_HOST_CONSTANTRATE_H
+
+#include "VideoOutput.h"
+
+namespace host {
+
+/// Repeats frames and leaves some out on their way to another output. Each frame is shown at the time of the
+/// rate that is nearest to its own.
+class ConstantRate : public VideoOutput {
+  public:
+    /// `output` gets times in units of 1/`rate`. `notes` is told of the first change; null when the rate is
+    /// what the user asked for.
+    ConstantRate(std::unique_ptr<VideoOutput> output, AVRational timeBase, AVRational rate,
+                 const Notes* notes);
+
+    void Write(Frame frame) override;
+    void WritePacket(PacketPtr packet) override { output_->WritePacket(std::move(packet)); }
+    void Finish(int64_t end) override;
+    int64_t FrameCount() const override { return output_->FrameCount(); }
+
+  private:
+    int64_t PlaceOf(int64_t time) const;
+    void WriteHeld(int64_t untilPlace);
+    void Tell();
+
+    std::unique_ptr<VideoOutput> output_;
+    AVRational timeBase_;
+    AVRational rate_;
+    const Notes* notes_;
+    Frame held_;
+    int64_t heldPlace_ = 0;
+};
+
+}  // namespace host
+
+#endif
