@@ -108,7 +108,7 @@ check-slow:
 check-gstreamer:
 	@tools/setup.sh build check gstreamer check-gstreamer
 	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_GSTREAMER=ON
-	cmake --build --preset release --target gstreamer_tests specialeffects_program
+	cmake --build --preset release --target gstreamer_tests product
 	$(call run_tests,release,-L gstreamer)
 
 # The frei0r plugins, in FFmpeg and MLT.
@@ -148,7 +148,7 @@ lint:
 	    { grep -A3 'error:' build/clang-tidy.txt; false; }
 	cppcheck --std=c++20 --library=googletest --enable=warning,performance,portability --quiet -I . -j $(JOBS) \
 	    --suppressions-list=.cppcheck-suppressions --error-exitcode=1 \
-	    framework imaging effects facetrack host tools bench tests
+	    framework imaging effects facetrack host bridges tools bench tests
 
 ## clean      removes build/
 clean:

@@ -1,0 +1,42 @@
+# shellcheck shell=sh
+# What the scripts in this folder share. To be sourced with: BUILD folder, SCRATCH folder.
+#
+# A registry, a cache and the plugin of their own; the program specialeffects on the path; an empty folder to work in.
+set -eu
+build=$1
+scratch=$2
+export GST_REGISTRY="$scratch.registry.bin" GST_PLUGIN_PATH="$build/gstreamer-1.0"
+export XDG_CACHE_HOME="$build/tests/bridges/gstreamer/cache" G_DEBUG=fatal-criticals
+export PATH="$build/host:/usr/bin:$PATH" # Debian's own python3, which has python3-gi
+root=$(cd "$(dirname "$0")/../../.." && pwd)
+export root
+rm -rf "$scratch"
+mkdir -p "$scratch"
+cd "$scratch"
+
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+# Runs a command that must succeed without a word on stderr.
+silently() {
+    "$@" > output.txt 2> errors.txt || fail "$* failed: $(cat errors.txt)"
+    [ ! -s errors.txt ] || fail "$* complains: $(cat errors.txt)"
+}
+
+# The elements of the effects.
+elements() {
+    gst-inspect-1.0 specialeffects | sed -n 's/^  \(sfx-[a-z0-9-]*\):.*/\1/p'
+}
+
+camera="videotestsrc num-buffers=30 is-live=true"
+window="fakesink silent=true"
+
+# The commands in the sh blocks of a page, one on a line, without comments, with a test picture and nothing for camera
+# and window.
+shell_commands() {
+    awk '/^```/ { inside = ($0 == "```sh"); next } inside { print }' "$1" |
+        sed -e ':join' -e '/\\$/ { N; s/\\\n *//; b join' -e '}' -e 's/   *#.*//' \
+            -e "s/v4l2src/$camera/" -e "s/autovideosink/$window/"
+}
