@@ -44,7 +44,9 @@ void CMotionBlurSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     const CPlane8u& a = History[c % 3];        // what frame c - 1 became
     CPlane8u& b = History[(c + 1) % 3];        // frame c - 3, overwritten below
     const CPlane8u& d = History[(c + 2) % 3];  // frame c - 2
-    if (c >= kFirstBlended) (Mode == 0 ? BlendTrails : BlendGhost)(y.data, a.data, b.data, d.data, y.Size());
+    if (c >= kFirstBlended) {
+        (Mode == 0 ? AtLevel<BlendTrails> : AtLevel<BlendGhost>)(y.data, a.data, b.data, d.data, y.Size());
+    }
     b.CopyPixels(y);
 }
 
