@@ -108,6 +108,7 @@ void DisplaceByGradient(const CPlane8u& bump, const CPlane8u& src, CPlane8u& dst
                 std::memcpy(out, src.Row(y) + x, static_cast<size_t>(count));
                 continue;
             }
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
             for (size_t i = 0; i < static_cast<size_t>(count); ++i) fetched[i] = src.data[sources[i]];
             AtLevel<Brighten>(fetched.data(), here, count, out);
         }
@@ -133,6 +134,7 @@ void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias) {
             const ptrdiff_t count = std::min<ptrdiff_t>(kStretch, width - 1 - x);
             AtLevel<Steepness>(src.Row(y) + x, width, level, count, distances.data());
             uint8_t* const out = dst.Row(y) + x;
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
             for (size_t i = 0; i < static_cast<size_t>(count); ++i) out[i] = shades[distances[i]];
         }
     }

@@ -128,6 +128,7 @@ void CMovingTwirlSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     std::memcpy(Scratch.data, frame.y.data, static_cast<size_t>(Luma.pixels));
     ForEachRow(Luma, [&](const int32_t* sources, int32_t firstPixel, int32_t count) {
         uint8_t* const to = frame.y.data + firstPixel;
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
         for (int32_t i = 0; i < count; ++i) to[i] = from[sources[i]];
     });
 
@@ -137,6 +138,7 @@ void CMovingTwirlSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     ForEachRow(Chroma, [&](const int32_t* sources, int32_t firstPixel, int32_t count) {
         uint8_t* const toU = frame.u.data + firstPixel;
         uint8_t* const toV = frame.v.data + firstPixel;
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
         for (int32_t i = 0; i < count; ++i) {
             toU[i] = from[sources[i]];
             toV[i] = fromV[sources[i]];
