@@ -136,6 +136,14 @@ void CopyRing(const CPlane8u& src, CPlane8u& dst, int32_t thickness);
 void FilterGauss3(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
 void FilterGauss5(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
 
+/// Height of the working memory of the filters in place.
+inline constexpr int32_t kBandHeight = 20;
+
+/// The Gaussian filters in place. `scratch` is as wide as the plane and `kBandHeight` high, and holds the
+/// rows at work as they were. With a scratch of another size the plane stays unchanged.
+void FilterGauss3InPlace(CPlane8u& plane, CPlane8u& scratch);
+void FilterGauss5InPlace(CPlane8u& plane, CPlane8u& scratch);
+
 /// Mean of 3 by 3 (r 1) and of 5 by 5 (r 2).
 void FilterLowpass3(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);
 void FilterLowpass5(const CPlane8u& src, CPlane8u& dst, FilterRing ring = FilterRing::kKept);

@@ -33,6 +33,25 @@ void FilterWithMask(MaskFilter primitive, const CPlane8u& src, CPlane8u& dst, in
     FilterInterior(src, dst, r, [primitive, mask](auto... region) { primitive(region..., mask); });
 }
 
+/// Goes down the plane in bands. The scratch holds the rows of a band and those around it.
+void FilterWithMaskInPlace(MaskFilter primitive, CPlane8u& plane, CPlane8u& scratch, int32_t mask) {
+    const int32_t r = mask == kPrimMask3x3 ? 1 : 2, around = 2 * r;
+    const int32_t width = plane.width, bottom = plane.height - r;
+    if (plane.Empty() || scratch.Empty() || !HasInterior(plane, r)) return;
+    if (scratch.width != width || scratch.height != kBandHeight) return;
+    const auto copyRows = [width](const uint8_t* from, uint8_t* to, int32_t count) {
+        std::memmove(to, from, static_cast<size_t>(count) * static_cast<size_t>(width));
+    };
+    copyRows(plane.data, scratch.data, around);
+    for (int32_t y = r; y < bottom;) {
+        const int32_t rows = std::min(kBandHeight - around, bottom - y);
+        copyRows(plane.Row(y + r), scratch.Row(around), rows);
+        primitive(scratch.Row(r) + r, width, plane.Row(y) + r, width, width - around, rows, mask);
+        copyRows(scratch.Row(rows), scratch.data, around);
+        y += rows;
+    }
+}
+
 }  // namespace
 
 // ---- filters ---------------------------------------------------------------------------------------
@@ -59,6 +78,14 @@ void FilterGauss3(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {
 
 void FilterGauss5(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {
     FilterWithMask(PrimFilterGauss8uC1, src, dst, kPrimMask5x5, ring);
+}
+
+void FilterGauss3InPlace(CPlane8u& plane, CPlane8u& scratch) {
+    FilterWithMaskInPlace(PrimFilterGauss8uC1, plane, scratch, kPrimMask3x3);
+}
+
+void FilterGauss5InPlace(CPlane8u& plane, CPlane8u& scratch) {
+    FilterWithMaskInPlace(PrimFilterGauss8uC1, plane, scratch, kPrimMask5x5);
 }
 
 void FilterLowpass3(const CPlane8u& src, CPlane8u& dst, FilterRing ring) {

@@ -60,7 +60,7 @@ CAnimationFramework::CAnimationFramework(int32_t width, int32_t height)
     : Width(width),
       Height(height),
       Work(NewPlane(width, height)),
-      ChromaWork(NewPlane(width / 2, height / 2)) {}
+      ChromaWork(NewPlane(width / 2, kBandHeight)) {}
 
 void* CAnimationFramework::DeletingDestructor(uint32_t flags) {
     return DestroyObject(this, flags);
@@ -119,10 +119,8 @@ void CAnimationFramework::ColorizeChroma(CPlane8u* u, CPlane8u* v) {
                              AtLevel<StampColor>(row, color[2], v->data + offset, count);
                          });
     }
-    for (CPlane8u* plane : {u, v}) {
-        ChromaWork.CopyPixels(*plane);
-        FilterGauss3(ChromaWork, *plane);
-    }
+    FilterGauss3InPlace(*u, ChromaWork);
+    FilterGauss3InPlace(*v, ChromaWork);
 }
 
 /// The mask at the chroma's size; valid until the next call.

@@ -21,7 +21,7 @@ class Smoother {
     /// Two means a pass.
     void Smooth(CPlane8u& plane, int passes) {
         first_.CopyWithBorder(plane, kBorder);
-        second_.CopyPixels(first_);  // for the outermost pixels, which the filter does not write
+        CopyRing(first_, second_, 1);  // the filter does not write it
         for (int i = 0; i < passes; ++i) {
             FilterLowpass3(first_, second_);
             FilterLowpass3(second_, first_);

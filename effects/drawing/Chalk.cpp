@@ -54,7 +54,7 @@ std::span<const Property<CChalkSpecialEffectFilter>> CChalkSpecialEffectFilter::
 void CChalkSpecialEffectFilter::Prepare() {
     EdgeSource = NewPlane(Width(), Height());
     Scratch = NewPlane(Width(), Height());
-    ChromaScratch = NewPlane(Width() / 2, Height() / 2);
+    ChromaScratch = NewPlane(Width() / 2, kBandHeight);
     Blur = BoxFilter(Width(), Height(), 3);
 }
 
@@ -79,11 +79,9 @@ void CChalkSpecialEffectFilter::DrawTones(CPlane8u& y, CPlane8u& u, CPlane8u& v)
     if (DrawEdges) Blur.Apply(Scratch, EdgeSource);
     FilterMedian5(Scratch, y);
     FilterMedian5(y, Scratch);
-    LookupBytes(kToneTable.data(), Scratch.data, y.data, y.Size());
-    for (CPlane8u* chroma : {&u, &v}) {
-        ChromaScratch.CopyPixels(*chroma);
-        FilterGauss3(ChromaScratch, *chroma);
-    }
+    LookupBytes(ToneTable.data(), Scratch.data, y.data, y.Size());
+    FilterGauss3InPlace(u, ChromaScratch);
+    FilterGauss3InPlace(v, ChromaScratch);
     if (DrawEdges) AtLevel<InkEdges>(EdgeSource.data, y.data, y.width, y.height);
 }
 

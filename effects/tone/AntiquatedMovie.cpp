@@ -127,7 +127,7 @@ void CAntiquatedMovieSpecialEffectFilter::Prepare() {
                           &seed);
     ToneHalfPlane = NewPlane(Width() / 2, Height() / 2);
     ToneHalf = ResizePlan({Width(), Height()}, {Width() / 2, Height() / 2});
-    SoftenPlane = NewPlane(Width(), Height());
+    SoftenPlane = NewPlane(Width(), kBandHeight);
     VignettePlane = NewPlane(Width(), Height());
     FillVignette(VignettePlane);
     JitterRows = 1;
@@ -173,8 +173,7 @@ void CAntiquatedMovieSpecialEffectFilter::AddGrainAndSoften(CPlane8u& luma) {
     const int32_t shift = Rand() % GrainPlane.width;
     PrimAddSfs8uC1(GrainPlane.data + shift, GrainPlane.width, luma.data, luma.width, luma.width, luma.height,
                    0);
-    SoftenPlane.CopyPixels(luma);
-    FilterGauss5(SoftenPlane, luma);
+    FilterGauss5InPlace(luma, SoftenPlane);
 }
 
 /// The picture moves up; the last rows keep what they show.

@@ -30,7 +30,7 @@ class CAntiquatedMovieSpecialEffectFilter final : public PlanarEffect<CAntiquate
     CPlane8u VignettePlane;   ///< what is left of the light, 255 = all
     CPlane8u ToneHalfPlane;   ///< luma at the size of the chroma
     ResizePlan ToneHalf;      ///< to it
-    CPlane8u SoftenPlane;     ///< luma before it is softened
+    CPlane8u SoftenPlane;     ///< rows of luma before they are softened
     int32_t JitterRows = 0;   ///< rows by which the picture has slipped up, 0 to 10
     int32_t DriftColumn = 0;  ///< where the first of the drifting scratches is
     bool Sepia = true;

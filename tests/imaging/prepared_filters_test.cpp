@@ -88,10 +88,34 @@ TEST(BoxFilter, EqualsTheFormWithoutPreparation) {
     EXPECT_EQ(BytesOf(other), before);
 }
 
+TEST(PlaneFilters, GaussInPlaceEqualsTheFormFromACopy) {
+    for (const auto& [filter, inPlace] :
+         {std::pair{&FilterGauss3, &FilterGauss3InPlace}, {&FilterGauss5, &FilterGauss5InPlace}}) {
+        // Heights about those at which a band ends.
+        for (const int32_t height : {1, 2, 3, 4, 5, 6, 16, 17, 18, 19, 20, 21, 22, 33, 36, 37, 100}) {
+            for (const int32_t width : {1, 2, 3, 4, 5, 33}) {
+                const CPlane8u source = RandomPlane(width, height, 1);
+                CPlane8u scratch = RandomPlane(width, kBandHeight, 2), plane(source), expected(source);
+                filter(source, expected, FilterRing::kKept);
+                inPlace(plane, scratch);
+                EXPECT_EQ(BytesOf(plane), BytesOf(expected)) << width << "x" << height;
+            }
+        }
+        CPlane8u plane = RandomPlane(9, 8, 1), empty;
+        const Bytes before = BytesOf(plane);
+        for (const auto& [width, height] : {std::pair{8, kBandHeight}, {9, kBandHeight - 1}, {9, 0}}) {
+            CPlane8u scratch(width, height);
+            inPlace(plane, scratch);
+            inPlace(empty, scratch);
+        }
+        EXPECT_EQ(BytesOf(plane), before);
+    }
+}
+
 TEST(GaussKernel1D, CopiedEndsEqualACopyBeforehand) {
     using Filter = void (CGaussKernel1D::*)(const CPlane8u&, CPlane8u&, FilterRing) const;
     CGaussKernel1D none, narrow, even, odd;
-    narrow.Build(0.05, 0);
+    ASSERT_TRUE(narrow.Build(0.05, 0));
     ASSERT_TRUE(even.Build(1.5, 10));
     ASSERT_TRUE(odd.Build(0.8, 0));
     for (const Filter filter : {&CGaussKernel1D::FilterRows, &CGaussKernel1D::FilterColumns}) {
