@@ -36,18 +36,12 @@ struct Turn {
 
 /// Scales with the nearest pixels. `columns` has room for an index for each column of the result: the picture
 /// has another size in every frame, and none of them takes memory.
-void ScaleNearest(const CPlane8u& region, int32_t width, int32_t height, CPlane8u& scaled,
-                  int32_t scaledWidth, int32_t scaledHeight, const Turn& turn,
-                  std::vector<int32_t>& columns) {
+void Scale(const CPlane8u& region, int32_t width, int32_t height, CPlane8u& scaled, int32_t scaledWidth,
+           int32_t scaledHeight, const Turn& turn, std::vector<int32_t>& columns) {
     if (width < 1 || height < 1) return;
     const resize::Axis x(width, turn.scaleX, scaledWidth), y(height, turn.scaleY, scaledHeight);
-    const auto count = static_cast<size_t>(x.count);
-    for (size_t k = 0; k < count; ++k) columns[k] = x.NearestSample(static_cast<int32_t>(k));
-    for (int32_t line = 0; line < y.count; ++line) {
-        const uint8_t* const row = region.data + static_cast<ptrdiff_t>(y.NearestSample(line)) * width;
-        uint8_t* const out = scaled.data + static_cast<ptrdiff_t>(line) * scaledWidth;
-        for (size_t k = 0; k < count; ++k) out[k] = row[columns[k]];
-    }
+    resize::NearestColumns(x, columns.data());
+    resize::ScaleNearest(x, columns.data(), y, region.data, width, scaled.data, scaledWidth);
 }
 
 void DrawTurnedPlane(const CPlane8u& scaled, int32_t width, int32_t height, CPlane8u& frame,
@@ -154,7 +148,7 @@ void CPictureTexture::DrawTurned(PlaneSet& frame) {
     const auto height = static_cast<int32_t>(static_cast<float>(RegionSize.y) * ScaleY);
     if (width < 1 || height < 1 || width > Scaled.y.width || height > Scaled.y.height) return;
     const Turn luma{ScaleX, ScaleY, Angle, PosX, PosY, kLumaQuality};
-    ScaleNearest(Region.y, RegionSize.x, RegionSize.y, Scaled.y, width, height, luma, Columns);
+    Scale(Region.y, RegionSize.x, RegionSize.y, Scaled.y, width, height, luma, Columns);
     CPlane8u::Over(Scaled.y.data, width, height).FillBorder(kFrameThickness, kWhite);
 
     const auto halfWidth = static_cast<int32_t>(0.5 * RegionSize.x * ScaleX);
@@ -163,10 +157,8 @@ void CPictureTexture::DrawTurned(PlaneSet& frame) {
     const bool hasChroma =
         halfWidth >= 1 && halfHeight >= 1 && halfWidth <= Scaled.u.width && halfHeight <= Scaled.u.height;
     if (hasChroma) {
-        ScaleNearest(Region.u, RegionSize.x / 2, RegionSize.y / 2, Scaled.u, halfWidth, halfHeight, chroma,
-                     Columns);
-        ScaleNearest(Region.v, RegionSize.x / 2, RegionSize.y / 2, Scaled.v, halfWidth, halfHeight, chroma,
-                     Columns);
+        Scale(Region.u, RegionSize.x / 2, RegionSize.y / 2, Scaled.u, halfWidth, halfHeight, chroma, Columns);
+        Scale(Region.v, RegionSize.x / 2, RegionSize.y / 2, Scaled.v, halfWidth, halfHeight, chroma, Columns);
     }
     DrawTurnedPlane(Scaled.y, width, height, frame.y, luma);
     if (hasChroma) {

@@ -27,30 +27,37 @@ int32_t EffectiveMode(int32_t interpolation, int32_t width, int32_t height) {
 class NearestPlan final : public resize::Plan {
   public:
     NearestPlan(const resize::Axis& x, const resize::Axis& y)
-        : y_(y), count_(x.count), columns_(static_cast<size_t>(x.count)) {
-        if (!columns_) return;
-        for (int32_t k = 0; k < count_; ++k) columns_[static_cast<size_t>(k)] = x.NearestSample(k);
+        : x_(x), y_(y), columns_(static_cast<size_t>(x.count)) {
+        if (columns_) resize::NearestColumns(x, columns_.data());
     }
 
     bool Ready() const { return static_cast<bool>(columns_); }
 
     void Run(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep) override {
-        const int32_t* const column = columns_.data();
-        for (int32_t y = 0; y < y_.count; ++y) {
-            const uint8_t* const row = Row(src, srcStep, y_.NearestSample(y));
-            uint8_t* const out = Row(dst, dstStep, y);
-#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
-            for (int32_t k = 0; k < count_; ++k) out[k] = row[column[k]];
-        }
+        resize::ScaleNearest(x_, columns_.data(), y_, src, srcStep, dst, dstStep);
     }
 
   private:
-    resize::Axis y_;
-    int32_t count_;
+    resize::Axis x_, y_;
     resize::Buffer<int32_t> columns_;
 };
 
 }  // namespace
+
+void resize::NearestColumns(const Axis& x, int32_t* columns) {
+    for (int32_t k = 0; k < x.count; ++k) columns[k] = x.NearestSample(k);
+}
+
+void resize::ScaleNearest(const Axis& x, const int32_t* columns, const Axis& y, const uint8_t* src,
+                          int32_t srcStep, uint8_t* dst, int32_t dstStep) {
+    const int32_t count = x.count;
+    for (int32_t line = 0; line < y.count; ++line) {
+        const uint8_t* const row = Row(src, srcStep, y.NearestSample(line));
+        uint8_t* const out = Row(dst, dstStep, line);
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
+        for (int32_t k = 0; k < count; ++k) out[k] = row[columns[k]];
+    }
+}
 
 std::unique_ptr<resize::Plan> resize::Nearest(const Axis& x, const Axis& y) {
     return MakePlan<NearestPlan>(x, y);

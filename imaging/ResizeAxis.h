@@ -85,6 +85,12 @@ std::unique_ptr<ReadyPlan> MakePlan(const Axis& x, const Axis& y) {
     return plan;
 }
 
+/// Nearest mode: writes the sample of each destination column to `columns`, which has room for `x.count`.
+void NearestColumns(const Axis& x, int32_t* columns);
+/// Scales with the `columns` of `x`.
+void ScaleNearest(const Axis& x, const int32_t* columns, const Axis& y, const uint8_t* src, int32_t srcStep,
+                  uint8_t* dst, int32_t dstStep);
+
 /// The modes. Null when there was no memory.
 std::unique_ptr<Plan> Nearest(const Axis& x, const Axis& y);
 std::unique_ptr<Plan> Linear(const Axis& x, const Axis& y);
