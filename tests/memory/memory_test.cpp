@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "effects/animated/RainDrops.h"
 #include "framework/Catalogue.h"
 #include "tests/memory/Heap.h"
 #include "tests/support/GoldenRun.h"
@@ -212,6 +213,20 @@ TEST_P(Memory, FramesTakeNothingAfterTheFirstTen) {
     }
 }
 
+TEST(MemoryOfRainDrops, RunnersOnTallNarrowPanesTakeNothing) {
+    std::srand(1);
+    for (const auto& [columns, rows] : {std::pair{4, 700}, {8, 300}, {5, 5}}) {
+        WaterGrid grid;
+        grid.Prepare(columns, rows);
+        const int64_t before = heap::Allocations();
+        for (int frame = 0; frame < 2500; ++frame) {
+            for (int drop = 0; drop < 10; ++drop) grid.AddRain();
+            grid.Run();
+        }
+        EXPECT_EQ(heap::Allocations() - before, 0) << columns << " by " << rows;
+    }
+}
+
 // ---- out of memory ---------------------------------------------------------------------------------------
 
 /// One life of an effect with frames of two sizes, settings and changes of properties. Stops at the first
@@ -300,22 +315,24 @@ class FrailLife {
     uint64_t frames_ = 0;
 };
 
-TEST_P(Memory, EveryAllocationMayFail) {
+/// Lets one allocation of a life fail for each number that `next` makes of the one before, from the first on
+/// to the last that there is.
+void FailAllocations(const CatalogueRow& row, int64_t (*next)(int64_t)) {
     constexpr int64_t kMostAllocations = 400;
     std::vector<PropertyText> texts;
     {
-        Host host(row());
+        Host host(row);
         texts = PropertyTexts(*host.Create());
     }
     TestClock clock;
     const SurroundingsScope scope(clock);
-    FrailLife complete(row(), texts);
+    FrailLife complete(row, texts);
     ASSERT_FALSE(complete.RunsOut());
-    for (int64_t n = 1; n <= kMostAllocations; ++n) {
+    for (int64_t n = 1; n <= kMostAllocations; n = next(n)) {
         SCOPED_TRACE(testing::Message() << "allocation " << n);
         const int64_t bytes = heap::LiveBytes();
         {
-            FrailLife life(row(), texts);
+            FrailLife life(row, texts);
             heap::FailAllocation(n);
             const bool ranOut = life.RunsOut();
             const bool failed = heap::HasFailed();
@@ -328,8 +345,17 @@ TEST_P(Memory, EveryAllocationMayFail) {
             }
         }
         ASSERT_EQ(heap::LiveBytes() - bytes, 0) << "bytes leaked";
-        if (HasFailure()) break;
+        if (testing::Test::HasFailure()) break;
     }
+}
+
+TEST_P(Memory, EveryAllocationMayFail) {
+    FailAllocations(row(), [](int64_t n) { return n + 1; });
+}
+
+/// A sample, the denser the earlier in the life.
+TEST_P(Memory, AnAllocationMayFail) {
+    FailAllocations(row(), [](int64_t n) { return n + n / 2 + 1; });
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Memory, testing::Range(size_t{0}, EffectCatalogue().size()),
