@@ -51,7 +51,7 @@ bool Scan(std::FILE* file, const char* format, Numbers*... numbers) {
 
 }  // namespace
 
-int32_t Cascade::Load(const std::string& path) {
+int32_t Cascade::LoadCascade(const std::string& path) {
     Clear();
     if (Read(path)) return kLoaded;
     Clear();
@@ -113,7 +113,7 @@ bool Cascade::Read(const std::string& path) {
     return classifierRectCount.size() == allClassifiers && rects.size() == allRects;
 }
 
-PrimStatus Cascade::Prepare(int32_t border, double bias) {
+PrimStatus Cascade::PrepareCascade(int32_t border, double bias) {
     if (stages.empty()) return kPrimSizeError;
     const auto scale = static_cast<float>(1.0 / (static_cast<double>(windowWidth - 2 * border) *
                                                  static_cast<double>(windowHeight - 2 * border)));

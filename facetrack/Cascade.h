@@ -20,8 +20,8 @@
 /// Numbers are what scanf reads with "%d" and "%g", "inf" and hexadecimal forms included, always with a
 /// decimal point.
 ///
-/// y is counted from the window's bottom: `Prepare` turns every rectangle over. A file whose y is counted
-/// from the top therefore suits a detector that is shown pictures upside down.
+/// y is counted from the window's bottom: `PrepareCascade` turns every rectangle over. A file whose y is
+/// counted from the top therefore suits a detector that is shown pictures upside down.
 class Cascade {
   public:
     static constexpr int32_t kLoaded = 0;
@@ -32,13 +32,13 @@ class Cascade {
     /// Reads a file. kBadFile, with the cascade empty, when it cannot be read, ends early, holds something
     /// that is not a number, has a window below 3 by 3, more than kMostEntries of anything, or counts that do
     /// not agree. Memory grows with what the file really holds, not with what its header says.
-    int32_t Load(const std::string& path);
+    [[nodiscard]] int32_t LoadCascade(const std::string& path);
 
     /// Scales the weights to the window less `border` on each side, lowers the stage thresholds by `bias`,
     /// turns the rectangles over and builds the stages. 0, or the status of the primitive that failed;
     /// kPrimSizeError without any stage. Turned over, a rectangle must not begin at a negative coordinate,
     /// but it may reach past the window's far edges.
-    PrimStatus Prepare(int32_t border, double bias);
+    [[nodiscard]] PrimStatus PrepareCascade(int32_t border, double bias);
 
     void Clear();
 

@@ -55,11 +55,11 @@ bool CFaceDetector::Initialize(int32_t frameWidth, int32_t frameHeight) {
         ReleaseCascade();
         return false;
     };
-    if (cascade.Load(cascadePath.empty() ? CurrentSurroundings().DataFile("haar.txt") : cascadePath) !=
+    if (cascade.LoadCascade(cascadePath.empty() ? CurrentSurroundings().DataFile("haar.txt") : cascadePath) !=
         Cascade::kLoaded) {
         return refuse("ERROR: cascade file is incorrect\n");
     }
-    const PrimStatus prepared = cascade.Prepare(kBorder, kBias);
+    const PrimStatus prepared = cascade.PrepareCascade(kBorder, kBias);
     if (prepared == kPrimMemoryError) throw std::bad_alloc();
     if (prepared != kPrimOk) return refuse("ERROR: cascade is illegal\n");
 
@@ -293,7 +293,8 @@ void CFaceDetector::TrackFrame(CPlane8u& plane) {
     frameWork = 0;
     if (hitStore != nullptr && plane.width == frameWidth_ && plane.height == frameHeight_) {
         for (const CScaleEntry& entry : scales) {
-            if (entry.group == phase) DetectAtScale(plane, entry.scale);
+            // A pass that fails has no hits.
+            if (entry.group == phase) static_cast<void>(DetectAtScale(plane, entry.scale));
         }
         if (++phase == kFramesInCycle) {
             MergeFaces(*hitStore);

@@ -50,7 +50,7 @@ ResultCode Effect::Configure(StreamDescription* description) {
         DetectorWidth = Stream.Width;
         DetectorHeight = Stream.Height;
         try {
-            const std::string cascade = CurrentSurroundings().DataFile("haar.txt");
+            const std::string cascade = CurrentSurroundings().DataFile(CascadePath);
             std::error_code error;
             if (std::filesystem::exists(cascade, error)) StartDetector(cascade.c_str());
         } catch (const std::bad_alloc&) {
@@ -64,7 +64,8 @@ ResultCode Effect::Configure(StreamDescription* description) {
 
 void Effect::StartDetector(const char* path) {
     Detector.SetCascadePath(path);
-    Detector.Initialize(DetectorWidth, DetectorHeight);
+    // Without a cascade it finds no faces, and the regions of the host remain.
+    static_cast<void>(Detector.Initialize(DetectorWidth, DetectorHeight));
     Layout(false);
 }
 

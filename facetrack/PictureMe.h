@@ -31,6 +31,8 @@ class CPictureMeSpecialEffectFilter final
     ResultCode Shutdown() override;
 
   private:
+    static constexpr const char* CascadePath = "haar.txt";
+
     template <class Operation>
     ResultCode Report(Operation operation);
     void StartDetector(const char* path);

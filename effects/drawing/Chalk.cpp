@@ -9,7 +9,7 @@
 namespace {
 
 /// Each tone stands for 32 luma values.
-constexpr auto kToneTable = [] {
+constexpr auto ToneTable = [] {
     constexpr uint8_t kTones[8] = {15, 47, 95, 127, 174, 206, 238, 255};
     std::array<uint8_t, 256> table{};
     for (size_t luma = 0; luma < 256; ++luma) table[luma] = kTones[luma / 32];

@@ -25,8 +25,8 @@ constexpr ByteTable LinearTable(double factor, double offset) {
     }
     return table;
 }
-constexpr ByteTable kLutLuma = LinearTable(1.216, -11.0);
-constexpr ByteTable kLutChromaFalling = LinearTable(-0.161, 131.0);
+constexpr ByteTable LutLuma = LinearTable(1.216, -11.0);
+constexpr ByteTable LutChromaFalling = LinearTable(-0.161, 131.0);
 
 // ---- hairs -----------------------------------------------------------------------------------------
 
@@ -187,8 +187,8 @@ void CAntiquatedMovieSpecialEffectFilter::JitterGate(CPlane8u& luma) {
 /// The brighter the picture, the more blue is taken from it; the other chroma plane stays neutral.
 void CAntiquatedMovieSpecialEffectFilter::Tint(CPlane8u& luma, const FramePlane& u) {
     ToneHalf.Apply(luma, ToneHalfPlane);
-    LookupBytes(kLutLuma.data(), luma.data, luma.Size());
-    LookupBytes(kLutChromaFalling.data(), ToneHalfPlane.data, u.data, ToneHalfPlane.Size());
+    LookupBytes(LutLuma.data(), luma.data, luma.Size());
+    LookupBytes(LutChromaFalling.data(), ToneHalfPlane.data, u.data, ToneHalfPlane.Size());
 }
 
 template struct EffectClass<CAntiquatedMovieSpecialEffectFilter>;

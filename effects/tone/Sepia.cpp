@@ -7,7 +7,7 @@ namespace {
 
 /// Rows give the first, second and third channel of the output; the offset of the third is meant, so that
 /// black comes out with one level of blue.
-constexpr float kColorTwistMatrix[12] = {
+constexpr float ColorTwistMatrix[12] = {
     0.393F, 0.769F, 0.189F, 0.0F,  //
     0.349F, 0.686F, 0.168F, 0.0F,  //
     0.272F, 0.534F, 0.131F, 1.0F,  //
@@ -27,7 +27,7 @@ void CSepiaSpecialEffectFilter::Release() {
 ResultCode CSepiaSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     return Chroma.Apply(frame, [this](uint8_t* const planes[3]) {
         PrimYuv420ToRgb(planes, Workspace.data(), Width(), Height());
-        PrimColorTwist8uC3(Workspace.data(), 3 * Width(), Width(), Height(), kColorTwistMatrix);
+        PrimColorTwist8uC3(Workspace.data(), 3 * Width(), Width(), Height(), ColorTwistMatrix);
         PrimRgbToYuv420(Workspace.data(), planes, Width(), Height());
     });
 }
@@ -35,7 +35,7 @@ ResultCode CSepiaSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 ResultCode CSepiaSpecialEffectFilter::ProcessPacked(uint8_t* pixels) {
     if (pixels == nullptr) return kInvalidArgument;
     if (!ServesStream()) return kSuccess;
-    PrimColorTwist8uC3(pixels, 3 * Width(), Width(), Height(), kColorTwistMatrix);
+    PrimColorTwist8uC3(pixels, 3 * Width(), Width(), Height(), ColorTwistMatrix);
     return kSuccess;
 }
 

@@ -29,7 +29,7 @@ class CascadeFile : public testing::Test {
   protected:
     int32_t Load(const std::string& text) {
         std::ofstream("cascade.txt") << text;
-        return cascade.Load("cascade.txt");
+        return cascade.LoadCascade("cascade.txt");
     }
     TemporaryDirectory directory;
     Cascade cascade;
@@ -50,7 +50,7 @@ TEST_F(CascadeFile, IsReadAsItStands) {
 
 TEST_F(CascadeFile, IsPreparedForTheClassifier) {
     ASSERT_EQ(Load(kSmall), 0);
-    ASSERT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    ASSERT_EQ(cascade.PrepareCascade(1, 0.0001), kPrimOk);
     const auto scale = static_cast<float>(1.0 / (6 * 4));
     EXPECT_EQ(cascade.weights[0], -1.0F * scale);
     EXPECT_EQ(cascade.weights[1], 2.5F * scale);
@@ -89,12 +89,12 @@ TEST_F(CascadeFile, BadOnesAreRefused) {
         EXPECT_EQ(Load(text), -5) << text;
         EXPECT_TRUE(cascade.stages.empty() && cascade.rects.empty()) << text;
     }
-    EXPECT_EQ(cascade.Load("missing.txt"), -5);
-    EXPECT_EQ(cascade.Load("."), -5);
+    EXPECT_EQ(cascade.LoadCascade("missing.txt"), -5);
+    EXPECT_EQ(cascade.LoadCascade("."), -5);
     ASSERT_EQ(mkfifo("pipe", 0600), 0);  // reading it would wait for a writer that never comes
-    EXPECT_EQ(cascade.Load("pipe"), -5);
+    EXPECT_EQ(cascade.LoadCascade("pipe"), -5);
     std::ofstream("binary.txt", std::ios::binary).write("\x7F\x45\x4C\x46\0\1\2\3", 8);
-    EXPECT_EQ(cascade.Load("binary.txt"), -5);
+    EXPECT_EQ(cascade.LoadCascade("binary.txt"), -5);
     EXPECT_EQ(Load(good), 0);
 }
 
@@ -188,15 +188,15 @@ TEST_F(CascadeFile, RectanglesWithNegativeNumbersAreIllegal) {
          {"-1 2 4 3", "1 2 0 3", "1 2 4 0", "1 2 -4 3", "1 2 4 -3", "1 4 4 3", "2147483647 2 2147483647 3",
           "1 2147483647 4 2147483647", "1 -2147483648 4 2147483647"}) {
         ASSERT_EQ(Load("8 6 1 1 1\n1 0.5\n1\n" + std::string(rect) + " -1\n0.25 -1 1.5\n"), 0) << rect;
-        EXPECT_NE(cascade.Prepare(1, 0.0001), kPrimOk) << rect;
+        EXPECT_NE(cascade.PrepareCascade(1, 0.0001), kPrimOk) << rect;
     }
     ASSERT_EQ(Load("8 6 1 1 0\n1 0.5\n0\n0.25 -1 1.5\n"), 0);  // a classifier needs a rectangle
-    EXPECT_NE(cascade.Prepare(1, 0.0001), kPrimOk);
+    EXPECT_NE(cascade.PrepareCascade(1, 0.0001), kPrimOk);
 }
 
 TEST_F(CascadeFile, RectanglesMayReachPastTheFarEdges) {
     ASSERT_EQ(Load("8 6 1 2 2\n2 0.5\n1\n5 1 4 3 -1\n0.25 -1 1.5\n1\n1 -3 4 3 1\n0.25 -1 1.5\n"), 0);
-    ASSERT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    ASSERT_EQ(cascade.PrepareCascade(1, 0.0001), kPrimOk);
     EXPECT_EQ(cascade.rects[1].y, 6);
     EXPECT_EQ(cascade.featureWidth, 9);
     EXPECT_EQ(cascade.featureHeight, 9);
@@ -204,12 +204,12 @@ TEST_F(CascadeFile, RectanglesMayReachPastTheFarEdges) {
 
 TEST_F(CascadeFile, NeedsAStageButNotAClassifier) {
     ASSERT_EQ(Load("8 6 0 0 0\n"), 0);
-    EXPECT_NE(cascade.Prepare(1, 0.0001), kPrimOk);
+    EXPECT_NE(cascade.PrepareCascade(1, 0.0001), kPrimOk);
     ASSERT_EQ(Load("8 6 1 0 0\n0 0\n"), 0);
-    EXPECT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    EXPECT_EQ(cascade.PrepareCascade(1, 0.0001), kPrimOk);
     // Before, between and after others.
     ASSERT_EQ(Load("8 6 4 1 1\n0 0\n0 0\n1 0.5\n1\n1 2 4 3 -1\n0.25 -1 1.5\n0 0\n"), 0);
-    EXPECT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    EXPECT_EQ(cascade.PrepareCascade(1, 0.0001), kPrimOk);
 }
 
 TEST_F(CascadeFile, AHundredMegabytesCostNoMoreThanTheyHold) {
@@ -220,7 +220,7 @@ TEST_F(CascadeFile, AHundredMegabytesCostNoMoreThanTheyHold) {
         const std::string padding(1 << 20, ' ');
         for (int i = 0; i < 96; ++i) file << padding;
     }
-    EXPECT_EQ(cascade.Load("cascade.txt"), 0);
+    EXPECT_EQ(cascade.LoadCascade("cascade.txt"), 0);
     EXPECT_EQ(cascade.stages.size(), 1000000U);
 }
 
@@ -443,17 +443,17 @@ TEST_F(Converter, MakesAFileThatCanBeUsed) {
     EXPECT_EQ(RunProgram(program + " " + xml + "haarcascade_frontalface_alt.xml out.txt", code), "");
     ASSERT_EQ(code, 0);
     Cascade cascade;
-    ASSERT_EQ(cascade.Load("out.txt"), 0);
+    ASSERT_EQ(cascade.LoadCascade("out.txt"), 0);
     EXPECT_EQ(cascade.windowWidth, 20);
     EXPECT_EQ(cascade.stages.size(), 22U);
     EXPECT_EQ(cascade.classifierThreshold.size(), 2135U);
     const PrimRect top = cascade.rects[0];
     EXPECT_EQ(top.y, 7);
-    EXPECT_EQ(cascade.Prepare(1, 0.0001), kPrimOk);
+    EXPECT_EQ(cascade.PrepareCascade(1, 0.0001), kPrimOk);
 
     RunProgram(program + " --from-bottom " + xml + "haarcascade_frontalface_alt.xml turned.txt", code);
     ASSERT_EQ(code, 0);
-    ASSERT_EQ(cascade.Load("turned.txt"), 0);
+    ASSERT_EQ(cascade.LoadCascade("turned.txt"), 0);
     EXPECT_EQ(cascade.rects[0].y, 20 - top.height - 7);
 }
 
