@@ -40,7 +40,7 @@ class CFaceDetector {
     /// Reads the cascade and makes everything for planes of this size. False, with one line on the standard
     /// error stream, when the cascade cannot be used or does not fit the frame; the detector then finds
     /// nothing.
-    bool Initialize(int32_t frameWidth, int32_t frameHeight);
+    [[nodiscard]] bool Initialize(int32_t frameWidth, int32_t frameHeight);
 
     /// Gives back what `Initialize` made, and forgets the faces.
     void ReleaseCascade();
@@ -60,12 +60,12 @@ class CFaceDetector {
 
     /// One pass at one scale, its hits collected. 0, or -1 when a primitive failed or a stage would exceed
     /// `kMostFrameWork`.
-    int32_t DetectAtScale(const CPlane8u& plane, float scale);
+    [[nodiscard]] int32_t DetectAtScale(const CPlane8u& plane, float scale);
 
     /// Marks the edges of a picture: type 0 by 3 by 3 Sobel, 1 by 5 by 5 Sobel, 2 by 3 by 3 Scharr gradients.
     /// 0, the status of a primitive, or -2 for another type.
-    PrimStatus MakeEdgeMask(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, int32_t width,
-                            int32_t height, int32_t gradientType);
+    [[nodiscard]] PrimStatus MakeEdgeMask(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
+                                          int32_t width, int32_t height, int32_t gradientType);
 
     /// Condenses clusters of hits into `faces`; the former list becomes `previousFaces`.
     void MergeFaces(const CHitStore& store);

@@ -27,7 +27,7 @@ class CGaussKernel1D {
     /// is released first. False, with an empty kernel, where there is no such kernel: a sigma not above 0, a
     /// size below 0 or above 32767, a divisor or a tap beyond 32 bits. A bell so narrow that its divisor is 0
     /// filters nothing.
-    bool Build(double sigma, int32_t kernelSize);
+    [[nodiscard]] bool Build(double sigma, int32_t kernelSize);
 
     /// Filters along the columns (rows) with the kernel's middle on each pixel. The size/2 pixels of `dst` at
     /// either end are not reached: they stay as they are or, in two planes of one size, are copied. Made for

@@ -23,7 +23,7 @@ class CGradientImage {
 
     /// Both planes anew, zero-filled; what was there is released first. False, with everything released and
     /// zero, when the allocation fails, a size is below 1 or their product is above 2^30.
-    bool Allocate(int32_t imageWidth, int32_t imageHeight);
+    [[nodiscard]] bool Allocate(int32_t imageWidth, int32_t imageHeight);
     void Release();
     void Swap(CGradientImage& other) noexcept;
 

@@ -17,7 +17,9 @@ class CPlane8u {
   public:
     CPlane8u() = default;
     /// An owned plane of zeros; empty when the allocation fails or a size is below 1.
-    CPlane8u(int32_t planeWidth, int32_t planeHeight) { Allocate(planeWidth, planeHeight); }
+    CPlane8u(int32_t planeWidth, int32_t planeHeight) {
+        static_cast<void>(Allocate(planeWidth, planeHeight));
+    }
     /// An owned copy of the pixels, also of a view. The copy of an empty plane is empty.
     /// Throws std::bad_alloc when the allocation fails.
     CPlane8u(const CPlane8u& other);
@@ -41,7 +43,7 @@ class CPlane8u {
     /// Allocates zeros; memory that the plane owned is released first. False when the allocation
     /// fails, a size is below 1 or their product is above 2^31 - 1: `data` is then null, the other fields are
     /// untouched.
-    bool Allocate(int32_t planeWidth, int32_t planeHeight);
+    [[nodiscard]] bool Allocate(int32_t planeWidth, int32_t planeHeight);
 
     /// Frees `data` if it is owned; all fields become zero.
     void Release();
@@ -101,7 +103,7 @@ class CPlane8u {
     /// size than the bitmap's is allocated anew. False, with the plane untouched, for a file that cannot be
     /// read, is no such bitmap, is wider or higher than 16384 or holds fewer pixels than it says. Throws
     /// std::bad_alloc, with the plane untouched, when the allocation fails.
-    bool LoadBmp(const char* path);
+    [[nodiscard]] bool LoadBmp(const char* path);
 
     uint8_t* data = nullptr;
     int32_t width = 0;  ///< pixels; also the row step in bytes

@@ -75,7 +75,7 @@ inline constexpr int32_t kPrimBorderReplicate = 1;
 
 /// A block of `size` bytes aligned to 32 bytes, contents undefined; null for a size below 1 or when memory
 /// runs out. The caller owns it and gives it back to `PrimFreeBuffer`.
-void* PrimAllocBuffer(int32_t size);
+[[nodiscard]] void* PrimAllocBuffer(int32_t size);
 
 /// Frees a block of `PrimAllocBuffer`; null is accepted.
 void PrimFreeBuffer(void* buffer);
@@ -83,7 +83,7 @@ void PrimFreeBuffer(void* buffer);
 /// Writes (width + 31) & ~31 to `step` and returns a block of step * height bytes aligned to 32 bytes; null,
 /// and a step of 0, for a size below 1, a width above 2^31 - 32, or when memory runs out. With a null `step`
 /// returns null. Freed by `PrimFree`.
-uint8_t* PrimMalloc8uC1(int32_t width, int32_t height, int32_t* step);
+[[nodiscard]] uint8_t* PrimMalloc8uC1(int32_t width, int32_t height, int32_t* step);
 
 /// The same as `PrimFreeBuffer`.
 void PrimFree(void* image);
@@ -238,10 +238,11 @@ PrimStatus PrimRemap8uC3(const uint8_t* src, int32_t srcWidth, int32_t srcHeight
 /// down: Lanczos needs 8 pixels in each direction, cubic 4, anything but nearest 2. Checks in the order null,
 /// source sizes and negative origin, origin past the source, destination sizes, steps, factors
 /// (kPrimSizeError), mode.
-PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeight, int32_t srcStep,
-                          int32_t roiX, int32_t roiY, int32_t roiWidth, int32_t roiHeight, uint8_t* dst,
-                          int32_t dstStep, int32_t dstWidth, int32_t dstHeight, double xFactor,
-                          double yFactor, int32_t interpolation);
+[[nodiscard]] PrimStatus PrimResize8uC1(const uint8_t* src, int32_t srcWidth, int32_t srcHeight,
+                                        int32_t srcStep, int32_t roiX, int32_t roiY, int32_t roiWidth,
+                                        int32_t roiHeight, uint8_t* dst, int32_t dstStep, int32_t dstWidth,
+                                        int32_t dstHeight, double xFactor, double yFactor,
+                                        int32_t interpolation);
 
 /// Rotates by `angle` degrees and shifts: x' = x cos a + y sin a + xShift, y' = -x sin a + y cos a + yShift,
 /// with (x, y) in the source and (x', y') in the destination, both from the image origin. A destination pixel
@@ -297,8 +298,9 @@ PrimStatus PrimFilterLowpass8uC1(const uint8_t* src, int32_t srcStep, uint8_t* d
 /// (x - anchorX, y - anchorY), read from the unfiltered image around the region too. The mask must be at
 /// least 1 and smaller than the region in each direction (else kPrimMaskError), the anchor inside it (else
 /// kPrimAnchorError).
-PrimStatus PrimFilterBox8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height, int32_t maskWidth,
-                             int32_t maskHeight, int32_t anchorX, int32_t anchorY);
+[[nodiscard]] PrimStatus PrimFilterBox8uC1(uint8_t* data, int32_t step, int32_t width, int32_t height,
+                                           int32_t maskWidth, int32_t maskHeight, int32_t anchorX,
+                                           int32_t anchorY);
 
 /// Median of the window. Both mask sizes must be odd and at least 1 (else kPrimMaskError), the anchor inside
 /// the mask (else kPrimAnchorError).
@@ -322,7 +324,7 @@ PrimStatus PrimFilterRow8uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, 
 
 /// In place: the maximum of the 3 by 3 neighbourhood in the undilated image. A step below width + 2 gives
 /// kPrimMorphologyStepError (one below 1 kPrimStepError).
-PrimStatus PrimDilate3x38uC1(uint8_t* data, int32_t step, int32_t width, int32_t height);
+[[nodiscard]] PrimStatus PrimDilate3x38uC1(uint8_t* data, int32_t step, int32_t width, int32_t height);
 
 /// The minimum of the 3 by 3 neighbourhood; both steps are checked like that of the dilation.
 PrimStatus PrimErode3x38uC1(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, int32_t width,
@@ -401,9 +403,10 @@ struct PrimHaarState;
 /// `PrimHaarClassifierFree`. Classifier i has counts[i] rectangles, taken in turn from `rects` and `weights`,
 /// and the values thresholds[i], val1[i] (below the threshold) and val2[i] (at or above it). A negative
 /// length, a count below 1 or a rectangle with a negative corner or a size below 1: kPrimSizeError.
-PrimStatus PrimHaarClassifierInit(PrimHaarState** state, const PrimRect* rects, const float* weights,
-                                  const float* thresholds, const float* val1, const float* val2,
-                                  const int32_t* counts, int32_t length);
+[[nodiscard]] PrimStatus PrimHaarClassifierInit(PrimHaarState** state, const PrimRect* rects,
+                                                const float* weights, const float* thresholds,
+                                                const float* val1, const float* val2, const int32_t* counts,
+                                                int32_t length);
 
 /// Frees a stage; null gives kPrimNullError.
 PrimStatus PrimHaarClassifierFree(PrimHaarState* state);

@@ -15,7 +15,7 @@ void PrepareGradient(CGradientImage& gradient, const CPlane8u& plane) {
 }
 
 void PrepareKernel(CGaussKernel1D& kernel, const CPlane8u& plane) {
-    kernel.Build(plane.width < 320 ? 0.8 : 1.5, 0);
+    static_cast<void>(kernel.Build(plane.width < 320 ? 0.8 : 1.5, 0));  // both exist
 }
 
 /// Smooths along the rows and then along the columns. What a pass does not reach it copies.

@@ -179,8 +179,10 @@ class Model {
             if (w < 1 || h < 1 || sw < 1 || sh < 1) continue;
             PlainPlane scaled(w, h);
             const PlainPlane& region = t.region[p];
-            PrimResize8uC1(region.pixels.data(), region.width, region.height, region.width, 0, 0,
-                           region.width, region.height, scaled.pixels.data(), w, w, h, t.scaleX, t.scaleY, 1);
+            EXPECT_EQ(PrimResize8uC1(region.pixels.data(), region.width, region.height, region.width, 0, 0,
+                                     region.width, region.height, scaled.pixels.data(), w, w, h, t.scaleX,
+                                     t.scaleY, 1),
+                      kPrimOk);
             if (p == 0) WhiteFrame(scaled);
             double x = 0, y = 0;
             PrimGetRotateShift(w * 0.5, h * 0.5, t.angle, &x, &y);

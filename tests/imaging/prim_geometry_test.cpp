@@ -428,8 +428,9 @@ TEST(PrimResize, ReadsOnlyTheClippedRegion) {
         for (const int32_t x : {0, 1, 23, 24, 39}) {
             for (const int32_t y : {0, 13, 29}) {
                 Picture fast(50, 50, 3), plain = fast;
-                PrimResize8uC1(source.data(), 40, 30, 40, x, y, 1000, 1000, fast.data(), 50, 50, 50, 1.7, 1.2,
-                               mode);
+                ASSERT_EQ(PrimResize8uC1(source.data(), 40, 30, 40, x, y, 1000, 1000, fast.data(), 50, 50, 50,
+                                         1.7, 1.2, mode),
+                          kPrimOk);
                 model::PrimResize8uC1(source.data(), 40, 30, 40, x, y, 1000, 1000, plain.data(), 50, 50, 50,
                                       1.7, 1.2, mode);
                 ASSERT_EQ(fast.bytes, plain.bytes) << x << ", " << y << ", mode " << mode;
