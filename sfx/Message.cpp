@@ -1,8 +1,11 @@
 #include "sfx/Message.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
+#include <string_view>
+
+#include "sfx/Words.h"
 
 namespace sfx {
 namespace {
@@ -10,8 +13,20 @@ namespace {
 // A plain array: usable when memory has run out, and nothing to destroy when a thread ends.
 thread_local constinit char message[1024] = "";
 
-bool IsContinuation(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
+/// Puts "?" for control characters and for each byte that belongs to no whole character: messages quote what
+/// callers pass, and quote only the beginning of what is long.
+void Clean(char* text) {
+    constexpr char kDelete = 0x7F;
+    std::string_view rest(text);
+    while (!rest.empty()) {
+        const size_t length = CharacterLength(rest);
+        if (length == 0 || (length == 1 && (*text < ' ' || *text == kDelete))) {
+            *text = '?';
+        }
+        const size_t step = std::max<size_t>(length, 1);
+        text += step;
+        rest.remove_prefix(step);
+    }
 }
 
 }  // namespace
@@ -19,19 +34,9 @@ bool IsContinuation(char c) {
 sfx_status Tell(sfx_status status, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const int length = std::vsnprintf(message, sizeof message, format, arguments);
+    std::vsnprintf(message, sizeof message, format, arguments);
     va_end(arguments);
-    if (length >= static_cast<int>(sizeof message)) {
-        // The last character may have been cut: it goes, unless it is whole.
-        size_t end = std::strlen(message);
-        while (end > 0 && IsContinuation(message[end - 1])) {
-            --end;
-        }
-        if (end > 0 && static_cast<unsigned char>(message[end - 1]) >= 0xC0U) {
-            --end;
-        }
-        message[end] = '\0';
-    }
+    Clean(message);
     return status;
 }
 

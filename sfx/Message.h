@@ -6,8 +6,8 @@
 
 namespace sfx {
 
-/// Writes the message of this thread as printf does, cut at a whole character where it is too long, and gives
-/// the status back:
+/// Writes the message of this thread as printf does, as UTF-8 whatever its arguments are, and returns the
+/// status:
 ///
 ///     return Tell(SFX_ERROR_ARGUMENT, "there is no link %zu", link);
 #if defined(__GNUC__)

@@ -87,6 +87,38 @@ std::string DashedName(std::string_view name) {
     return result;
 }
 
+size_t CharacterLength(std::string_view text) {
+    const auto byte = [&](size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+    const unsigned lead = byte(0);
+    if (lead < 0x80) {
+        return text.empty() ? 0 : 1;
+    }
+    const size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    // These bounds exclude overlong forms, surrogates and numbers above U+10FFFF (RFC 3629, section 4).
+    const unsigned least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    const unsigned most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    if (length == 0 || byte(1) < least || byte(1) > most) {
+        return 0;
+    }
+    for (size_t i = 2; i < length; ++i) {
+        if ((byte(i) & 0xC0) != 0x80) {
+            return 0;
+        }
+    }
+    return length;
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const size_t length = text.front() != '\0' ? CharacterLength(text) : 0;
+        if (length == 0) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> pieces;
     for (size_t start = 0; start <= text.size();) {

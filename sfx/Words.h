@@ -20,6 +20,11 @@ std::string DashedLower(std::string_view text);
 /// "drop-size" from "DropSize", "rotation-speed" from "Rotation Speed", "color-1" from "Color 1".
 std::string DashedName(std::string_view name);
 
+/// Bytes of the UTF-8 character that a text begins with; 0 where it begins with none.
+size_t CharacterLength(std::string_view text);
+/// Whether a text is whole characters of UTF-8, none of which is 0.
+bool IsUtf8(std::string_view text);
+
 std::vector<std::string_view> Split(std::string_view text, char separator);
 
 /// A whole decimal number; beyond 32 bits the nearest bound. Nothing for anything else.
