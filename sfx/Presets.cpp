@@ -39,6 +39,10 @@ class Reader {
     }
 
     std::vector<Preset> Read() {
+        constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // some editors begin files with it
+        if (text_.starts_with(kByteOrderMark)) {
+            text_.remove_prefix(kByteOrderMark.size());
+        }
         for (const std::string_view raw : Split(text_, '\n')) {
             where_ = ++line_;
             const std::string_view line = Trimmed(raw);
@@ -46,6 +50,9 @@ class Reader {
                 continue;
             }
             Tolerate([&] {
+                if (!IsUtf8(line)) {
+                    Refuse("this is not UTF-8 text");
+                }
                 if (line.front() == '[') {
                     Tolerate([&] { Finish(); });
                     Begin(line);

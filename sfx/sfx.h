@@ -184,7 +184,8 @@ typedef struct sfx_preset_info {
  *     description = A black and white film with hard light.
  *     effect = gray-scale+spot-light-1
  *
- * Lines that begin with # or ; are comments. Ids have lower-case letters, digits and dashes.
+ * Lines that begin with # or ; are comments. Ids have lower-case letters, digits and dashes. A preset's text
+ * names no other presets.
  */
 SFX_API size_t sfx_preset_count(void) SFX_NOEXCEPT;
 /* Null for an index of sfx_preset_count() or more. */
