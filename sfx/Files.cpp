@@ -92,6 +92,12 @@ void RemoveFile(const std::string& path) {
     fs::remove(PathOf(path), error);
 }
 
+std::string AbsolutePath(const std::string& path) {
+    std::error_code error;
+    const fs::path absolute = path.empty() ? fs::path() : fs::absolute(PathOf(path), error);
+    return error ? path : TextOf(absolute);
+}
+
 std::string JoinPath(const std::string& folder, const std::string& name) {
     return TextOf(PathOf(folder) / PathOf(name));
 }

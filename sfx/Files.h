@@ -21,6 +21,9 @@ bool MakeFolder(const std::string& path);
 bool RenameFile(const std::string& from, const std::string& to);
 void RemoveFile(const std::string& path);
 
+/// The same place from wherever the current directory is later; an empty path stays empty.
+std::string AbsolutePath(const std::string& path);
+
 std::string JoinPath(const std::string& folder, const std::string& name);
 
 /// Where data files can have been installed, beginning with the places next to this library.

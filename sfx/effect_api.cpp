@@ -202,7 +202,7 @@ sfx_status sfx_load_settings(sfx_effect* effect, const char* path) noexcept {
         if (!sfx::ReadTextFile(path)) {
             return Tell(SFX_ERROR_FILE, "cannot read the settings file %s", path);
         }
-        effect->LoadSettings(path);
+        effect->LoadSettings(sfx::AbsolutePath(path));
         return SFX_OK;
     });
 }
@@ -232,7 +232,7 @@ sfx_status sfx_set_data_folder(sfx_effect* effect, const char* folder) noexcept 
         return NullArgument();
     }
     return Guarded([&] {
-        effect->SetDataFolder(folder != nullptr ? folder : "");
+        effect->SetDataFolder(sfx::AbsolutePath(folder != nullptr ? folder : ""));
         return SFX_OK;
     });
 }

@@ -14,7 +14,7 @@
  *
  * Texts.  All texts are UTF-8 and terminated. Texts that the library returns belong to the library; those of
  * the lists (sfx_effect_info, sfx_preset_info) stay valid until the library is unloaded. The library copies
- * the texts that it is given.
+ * the texts that it is given. A relative path means what it means at the time of the call.
  *
  * Status.  Operations return a sfx_status. Negative: an error, and nothing was done unless the description
  * says otherwise. 0: done. Positive: done, with something worth telling. After any result but 0,
