@@ -3,6 +3,7 @@
 #include <atomic>
 #include <ctime>
 #include <mutex>
+#include <string>
 #include <utility>
 
 #include "Pictures.h"
@@ -84,8 +85,9 @@ bool Report(gpointer filter, int32_t status) {
     }
 }
 
-/// Makes an effect ready for the size of the frames, where that is known.
-bool Prepare(gpointer filter, const Effect& effect) {
+/// Makes an effect ready for the size of the frames, where that is known. Under `settings`, report the status
+/// later: a synchronous bus handler may set properties.
+sfx_status Prepare(gpointer filter, const Effect& effect) {
     FilterState& state = StateOf(filter);
     int32_t width = 0, height = 0;
     {
@@ -93,7 +95,7 @@ bool Prepare(gpointer filter, const Effect& effect) {
         width = state.width;
         height = state.height;
     }
-    return effect == nullptr || width == 0 || Report(filter, sfx_prepare(effect.get(), width, height));
+    return effect == nullptr || width == 0 ? SFX_OK : sfx_prepare(effect.get(), width, height);
 }
 
 // ---- properties --------------------------------------------------------------------------------------
@@ -102,16 +104,20 @@ enum : guint { kEnabled = 1, kSeed, kDataFolder };
 
 void SetEnabled(GObject* object, bool enabled) {
     FilterState& state = StateOf(object);
-    const Lock settings(state.settings);
-    if (enabled && !IsEnabled(state)) {
-        // The effect has missed frames. What it remembers is outdated.
-        if (const Effect effect = CurrentEffect(object)) {
-            sfx_reset(effect.get());
-            Prepare(object, effect);
+    sfx_status status = SFX_OK;
+    {
+        const Lock settings(state.settings);
+        if (enabled && !IsEnabled(state)) {
+            // The effect has missed frames. What it remembers is outdated.
+            if (const Effect effect = CurrentEffect(object)) {
+                sfx_reset(effect.get());
+                status = Prepare(object, effect);
+            }
         }
+        const Lock lock(state.mutex);
+        state.enabled = enabled;
     }
-    const Lock lock(state.mutex);
-    state.enabled = enabled;
+    Report(object, status);
 }
 
 void SetSeed(GObject* object, uint32_t seed) {
@@ -176,9 +182,14 @@ gboolean Start(GstBaseTransform* filter) noexcept {
     FilterState& state = StateOf(filter);
     const Effect effect = CurrentEffect(G_OBJECT(filter));
     if (effect == nullptr) {
-        const Lock lock(state.mutex);
-        if (!state.problem.empty()) {
-            GST_ELEMENT_ERROR(filter, RESOURCE, SETTINGS, ("%s", state.problem.c_str()), (nullptr));
+        // Messages are posted without locks: a synchronous bus handler may read properties.
+        std::string problem;
+        {
+            const Lock lock(state.mutex);
+            problem = state.problem;
+        }
+        if (!problem.empty()) {
+            GST_ELEMENT_ERROR(filter, RESOURCE, SETTINGS, ("%s", problem.c_str()), (nullptr));
             return FALSE;
         }
     }
@@ -216,7 +227,8 @@ gboolean SetInfo(GstVideoFilter* filter, GstCaps*, GstVideoInfo* info, GstCaps*,
         state.width = GST_VIDEO_INFO_WIDTH(info);
         state.height = GST_VIDEO_INFO_HEIGHT(info);
     }
-    return !IsEnabled(state) || Prepare(filter, CurrentEffect(G_OBJECT(filter))) ? TRUE : FALSE;
+    return !IsEnabled(state) || Report(filter, Prepare(filter, CurrentEffect(G_OBJECT(filter)))) ? TRUE
+                                                                                                 : FALSE;
 }
 
 gboolean SinkEvent(GstBaseTransform* filter, GstEvent* event) noexcept {
@@ -391,15 +403,19 @@ Effect CurrentEffect(GObject* filter) {
 
 void ReplaceEffect(GObject* filter, Effect effect) {
     FilterState& state = StateOf(filter);
-    const Lock settings(state.settings);
-    if (effect != nullptr) {
-        sfx_set_seed(effect.get(), state.seed);
-        sfx_set_data_folder(effect.get(), state.dataFolder.empty() ? nullptr : state.dataFolder.c_str());
-        Prepare(filter, effect);
+    sfx_status status = SFX_OK;
+    {
+        const Lock settings(state.settings);
+        if (effect != nullptr) {
+            sfx_set_seed(effect.get(), state.seed);
+            sfx_set_data_folder(effect.get(), state.dataFolder.empty() ? nullptr : state.dataFolder.c_str());
+            status = Prepare(filter, effect);
+        }
+        const Lock lock(state.mutex);
+        state.effect.swap(effect);
+        state.problem.clear();
     }
-    const Lock lock(state.mutex);
-    state.effect.swap(effect);
-    state.problem.clear();
+    Report(filter, status);
 }
 
 void DescribeElement(gpointer elementClass, const char* name, const char* description) {

@@ -87,6 +87,35 @@ TEST(Chain, KeepsItsEffectWhenATextIsWrong) {
     harness.ExpectSameFrames(reference, 3, 3);
 }
 
+// A handler that runs where a message is posted may use the element's properties.
+TEST(Chain, PostsMessagesWithoutHoldingLocks) {
+    GstElement* const element = gst_element_factory_make("sfxchain", nullptr);
+    ASSERT_NE(element, nullptr);
+    gst_object_ref_sink(element);
+    GstBus* const bus = gst_bus_new();
+    g_object_set(element, "effect", "no-such-effect", nullptr);
+    gst_bus_set_sync_handler(
+        bus,
+        [](GstBus*, GstMessage* message, gpointer) {
+            guint seed = 0;
+            if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
+                g_object_get(GST_MESSAGE_SRC(message), "seed", &seed, nullptr);
+                g_object_set(GST_MESSAGE_SRC(message), "seed", seed + 1, nullptr);
+            }
+            return GST_BUS_PASS;
+        },
+        nullptr, nullptr);
+    gst_element_set_bus(element, bus);
+    EXPECT_EQ(gst_element_set_state(element, GST_STATE_PAUSED), GST_STATE_CHANGE_FAILURE);
+    guint seed = 0;
+    g_object_get(element, "seed", &seed, nullptr);
+    EXPECT_EQ(seed, SFX_DEFAULT_SEED + 1);
+    gst_element_set_state(element, GST_STATE_NULL);
+    gst_element_set_bus(element, nullptr);
+    gst_object_unref(bus);
+    gst_object_unref(element);
+}
+
 TEST(Chain, CannotBeStartedWithAWrongText) {
     GstElement* const element = gst_element_factory_make("sfxchain", nullptr);
     ASSERT_NE(element, nullptr);
