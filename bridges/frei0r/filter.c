@@ -15,7 +15,8 @@
 
 extern const char sfx_frei0r_effect[];
 
-// ---- what the plugin is -------------------------------------------------------------------------------
+// ---- what the plugin is
+// ------------------------------------------------------------------------------------
 
 enum { kMostProperties = 16, kExplanationSize = 512 };
 
@@ -23,14 +24,13 @@ enum { kMostProperties = 16, kExplanationSize = 512 };
 static char choice_explanations[kMostProperties][kExplanationSize];
 static pthread_once_t explained = PTHREAD_ONCE_INIT;
 
-// Null where the libsfx that runs is older than the plugin and does not have the effect.
 static const sfx_effect_info* Info(void) {
     return sfx_find(sfx_frei0r_effect);
 }
 
 static const sfx_property_info* PropertyAt(int index) {
     const sfx_effect_info* const info = Info();
-    if (info == NULL || index < 0 || (size_t)index >= info->property_count) return NULL;
+    if (index < 0 || (size_t)index >= info->property_count) return NULL;
     return info->properties[index];
 }
 
@@ -61,22 +61,21 @@ static void ExplainChoices(void) {
 }
 
 int f0r_init(void) {
-    return Info() != NULL;
+    return 1;
 }
 void f0r_deinit(void) {}
 
 void f0r_get_plugin_info(f0r_plugin_info_t* plugin) {
     const sfx_effect_info* const info = Info();
-    plugin->name = info != NULL ? info->title : sfx_frei0r_effect;
+    plugin->name = info->title;
     plugin->author = "The specialeffects project";
     plugin->plugin_type = F0R_PLUGIN_TYPE_FILTER;
     plugin->color_model = F0R_COLOR_MODEL_RGBA8888;
     plugin->frei0r_version = FREI0R_MAJOR_VERSION;
     plugin->major_version = SFX_VERSION_MAJOR;
     plugin->minor_version = SFX_VERSION_MINOR;
-    plugin->num_params = info != NULL ? (int)info->property_count : 0;
-    plugin->explanation =
-        info != NULL ? info->description : "The installed libsfx does not have this effect.";
+    plugin->num_params = (int)info->property_count;
+    plugin->explanation = info->description;
 }
 
 void f0r_get_param_info(f0r_param_info_t* param, int index) {
@@ -102,7 +101,8 @@ void f0r_get_param_info(f0r_param_info_t* param, int index) {
     }
 }
 
-// ---- an instance --------------------------------------------------------------------------------------
+// ---- an instance
+// -------------------------------------------------------------------------------------------
 
 typedef struct {
     sfx_effect* effect;
