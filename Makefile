@@ -6,7 +6,7 @@ RELEASE := build/release
 INSTALLED ?= build/installed.txt
 
 # What `make check-all` consists of. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python
 
 .PHONY: build install install-gstreamer install-frei0r uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
@@ -117,6 +117,14 @@ check-frei0r:
 	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_FREI0R=ON
 	cmake --build --preset release --target frei0r_tests
 	$(call run_tests,release,-L frei0r)
+
+# The Python module: its tests and examples, its types, and its wheel.
+check-python:
+	@tools/setup.sh build check python
+	cmake --preset release -DSE_BUILD_PYTHON=ON
+	cmake --build --preset release --target product python_wheel
+	LD_LIBRARY_PATH=$(RELEASE) PYTHONPATH=$(CURDIR)/bridges/python PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 -m pytest \
+	    -c bridges/python/pyproject.toml --rootdir tests/bridges/python tests/bridges/python
 
 ## bench      times of every primitive and effect, as tables and in build/*.csv
 bench:

@@ -38,7 +38,7 @@ class CHitStore {
     void Clear();
 
     const std::vector<Row>& Rows() const { return rows_; }
-    /// Number of members examined since construction, as a measure of work.
+    /// How many members were looked at since the store was made: the work it has done.
     uint64_t Looks() const { return looks_; }
 
   private:

@@ -6,10 +6,10 @@
 
 namespace {
 
-/// Null means the process's own surroundings.
+/// Null: those of the process.
 thread_local constinit Surroundings* scoped = nullptr;
 
-/// Never destroyed: a host may run effects until the process exits.
+/// Never destroyed: a host may run effects until the very end of the process.
 Surroundings& OfProcess() {
     static ProcessSurroundings& surroundings = *std::make_unique<ProcessSurroundings>().release();
     return surroundings;

@@ -5,8 +5,9 @@
 #include "effects/animated/LensFlares.h"
 #include "framework/EffectBase.h"
 
-/// The variant is the mode of the first flare field: 1 to 6 use one type of flare, 7 to 12 a random type for
-/// each flare. "Mode" returns the mode of the running field; a new mode takes effect at the next frame.
+/// Twelve variants by the mode that a flare field starts with: 1 to 6 one type of flare for all, 7 to 12 a
+/// random type for each. "Mode" shows the mode of the field that is running: a new one takes hold with the
+/// next frame.
 class CCameraFlashesSpecialEffectFilter final : public PlanarEffect<CCameraFlashesSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Camera Flashes";
@@ -21,9 +22,9 @@ class CCameraFlashesSpecialEffectFilter final : public PlanarEffect<CCameraFlash
   private:
     void BuildField(int32_t mode);
 
-    int32_t Mode;  ///< the requested mode
+    int32_t Mode;  ///< what is wanted
     Owned<CFlaresField> Field;
-    int32_t ActiveMode;  ///< the mode of `Field`
+    int32_t ActiveMode;  ///< what `Field` was built with
     bool Moving = true, Colorizing = true, Animation = true;
 };
 

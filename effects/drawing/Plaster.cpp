@@ -8,11 +8,11 @@
 
 namespace {
 
-/// The mask's value where the scene is dark. The relief is a slope between it and 0.
+/// What the mask holds where the scene is dark. The relief is a slope between it and 0.
 constexpr uint8_t kDark = 100;
 
 // The light comes along the vertical axis, 15 degrees above the plaster; the plaster is 510 deep on the scale
-// of the slopes. Faces that point left or right are therefore shaded alike.
+// of the slopes. Faces that look left or right therefore shade alike.
 constexpr int32_t kLightY = 247;
 constexpr int32_t kLightZ = 66;
 constexpr int32_t kDepth = 510;
@@ -24,8 +24,7 @@ constexpr int32_t kShadeStep = 2 * kSteepest + 1;
 constexpr int32_t kFlatIndex = kSteepest * kShadeStep + kSteepest;
 using ShadeTable = std::array<uint8_t, static_cast<size_t>(kShadeStep* kShadeStep)>;
 
-/// Not constexpr: compiling these square roots takes longer than the rest of the file; computing them takes 3
-/// ms once.
+/// Not constexpr: these square roots take a compiler longer than the rest of this file, and a host 3 ms once.
 ShadeTable ComputeShades() {
     ShadeTable shades;
     size_t entry = 0;
@@ -46,7 +45,7 @@ const ShadeTable& Shades() {
     return table;
 }
 
-/// Both ends of the range are flat: the plaster itself and the dark part.
+/// Flat are both ends of the range: the plaster itself and the dark part.
 SE_INLINE bool IsFlat(uint8_t height) {
     return height == 0 || height == kDark;
 }
@@ -57,8 +56,8 @@ SE_INLINE bool AllFlat(const uint8_t* row, ptrdiff_t count) {
     return slopes == 0;
 }
 
-/// Lights the slopes of a row whose pixels and neighbours are 0 to kDark. Most of a picture is flat and
-/// skipped in blocks.
+/// Lights the slopes of a row, whose pixels and neighbours are 0 to kDark. Most of a picture is flat, and
+/// passed over in blocks.
 SE_INLINE void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdiff_t width,
                          const uint8_t* shades) {
     constexpr ptrdiff_t kBlock = 64;
@@ -98,7 +97,7 @@ SE_INLINE void SplitDark(const uint8_t* SE_RESTRICT src, uint8_t* SE_RESTRICT ds
     for (size_t i = 0; i < count; ++i) dst[i] = src[i] <= limit ? dark : 0;
 }
 
-/// Lays the flat dark part over the relief, with a rim where it extends beyond its core.
+/// Lays the dark part flat over the relief, with a rim where it reaches beyond its core.
 SE_INLINE void LayDark(const uint8_t* SE_RESTRICT mask, const uint8_t* SE_RESTRICT core,
                        uint8_t* SE_RESTRICT luma, size_t count) {
     constexpr uint8_t kCoreShade = 30, kRimShade = 50;
@@ -136,7 +135,7 @@ void CPlasterSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     luma.FillBorder(3, 0);
     Emboss(luma, Work);
     FilterLowpass5(Work, luma);
-    luma.FillBorder(2, kFlatShade);  // as in `Work`, which the filter leaves there
+    luma.FillBorder(2, kFlatShade);  // as it is in `Work`, where that filter does not reach
 
     Erode3(Mask, Core);
     AtLevel<LayDark>(Mask.data, Core.data, luma.data, luma.Size());

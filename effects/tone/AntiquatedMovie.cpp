@@ -42,7 +42,7 @@ class Bezier {
           c_(3 * (p[1] - p[0])),
           start_(p[0]) {}
 
-    /// The nearest pixel. The curve stays between its control points, which are not negative.
+    /// The nearest pixel. The curve stays between its control points, and these are not below 0.
     int32_t At(double t) const {
         return static_cast<int32_t>(b_ * (t * t) + a_ * (t * t * t) + c_ * t + start_ + 0.5);
     }
@@ -69,7 +69,7 @@ void DrawHair(CPlane8u& plane) {
 
 // ---- dust and scratches ----------------------------------------------------------------------------
 
-/// A bright vertical stroke of random length, with a random brightness in each row.
+/// A bright vertical stroke of random length, of a different brightness in each row.
 void DrawDust(CPlane8u& plane) {
     const int32_t x = Rand() % plane.width;
     const int32_t top = Rand() % plane.height;
@@ -87,7 +87,7 @@ void DrawScratch(CPlane8u& plane, int32_t x) {
 
 // ---- vignette --------------------------------------------------------------------------------------
 
-/// Darkens by the sum of the distances from the foci of the ellipse inscribed in the frame.
+/// Darkens by the sum of the distances from the foci of the ellipse that fits into the frame.
 void FillVignette(CPlane8u& plane) {
     const double w = plane.width, h = plane.height;
     const double cx = plane.width / 2, cy = plane.height / 2;
@@ -97,7 +97,7 @@ void FillVignette(CPlane8u& plane) {
     for (int32_t y = 0; y < plane.height; ++y) {
         uint8_t* const row = plane.Row(y);
         for (int32_t x = 0; x < plane.width; ++x) {
-            // Along and across the axis of the foci.
+            // Along and across the axis on which the foci lie.
             const double along = upright ? y - cy : x - cx, across = upright ? x - cx : y - cy;
             const double r1 = std::sqrt((along + c) * (along + c) + across * across);
             const double r2 = std::sqrt((along - c) * (along - c) + across * across);
@@ -159,7 +159,7 @@ void CAntiquatedMovieSpecialEffectFilter::DamageFilm(CPlane8u& luma) {
     DrawScratches(luma);
 }
 
-/// Five scratches that shake in place and three that drift to the right.
+/// Five that shake in place, three that wander to the right.
 void CAntiquatedMovieSpecialEffectFilter::DrawScratches(CPlane8u& luma) {
     const int32_t w = luma.width;
     DriftColumn = (DriftColumn + 1) % w;
@@ -176,7 +176,7 @@ void CAntiquatedMovieSpecialEffectFilter::AddGrainAndSoften(CPlane8u& luma) {
     FilterGauss5InPlace(luma, SoftenPlane);
 }
 
-/// The picture moves up; the last rows keep their content.
+/// The picture moves up; the last rows keep what they show.
 void CAntiquatedMovieSpecialEffectFilter::JitterGate(CPlane8u& luma) {
     JitterRows = std::clamp(JitterRows + Rand() % 3 - 1, 0, 10);
     if (JitterRows == 0 || JitterRows >= luma.height) return;
@@ -184,7 +184,7 @@ void CAntiquatedMovieSpecialEffectFilter::JitterGate(CPlane8u& luma) {
                  luma.Size() - static_cast<size_t>(JitterRows) * static_cast<size_t>(luma.width));
 }
 
-/// Takes away more blue where the picture is brighter; the other chroma plane stays neutral.
+/// The brighter the picture, the more blue is taken from it; the other chroma plane stays neutral.
 void CAntiquatedMovieSpecialEffectFilter::Tint(CPlane8u& luma, const FramePlane& u) {
     ToneHalf.Apply(luma, ToneHalfPlane);
     LookupBytes(LutLuma.data(), luma.data, luma.Size());

@@ -1,0 +1,39 @@
+"""Every effect gives the bytes that the program gives."""
+
+import subprocess
+
+import pytest
+
+import specialeffects
+from conftest import BUILD, planes
+
+PROGRAM = BUILD / "host" / "specialeffects"
+HEIGHT, WIDTH, COUNT, SEED = 48, 64, 12, 7
+DATA = BUILD / "share" / "specialeffects"
+HEADER = b"YUV4MPEG2 W%d H%d F30:1 Ip A1:1 C420jpeg\n" % (WIDTH, HEIGHT)
+
+
+@pytest.fixture(scope="module")
+def clip(tmp_path_factory):
+    path = tmp_path_factory.mktemp("clip") / "in.y4m"
+    frames = (b"FRAME\n" + b"".join(p.tobytes() for p in planes(HEIGHT, WIDTH, i)) for i in range(COUNT))
+    path.write_bytes(HEADER + b"".join(frames))
+    return path
+
+
+@pytest.mark.parametrize("text", [*(info.id for info in specialeffects.effects()), "sepia+rain:drop-size=9"])
+def test_gives_the_frames_of_the_program(text, clip, tmp_path):
+    out = tmp_path / "out.y4m"
+    command = [PROGRAM, "apply", "-e", text, "--data", DATA, "--seed", str(SEED), clip, out]
+    subprocess.run(command, check=True, capture_output=True, timeout=100)
+    head, *frames = out.read_bytes().split(b"FRAME\n", 1)
+    size = HEIGHT * WIDTH * 3 // 2
+    written = out.read_bytes()[len(head):]
+    assert len(written) == COUNT * (6 + size)
+
+    effect = specialeffects.Effect(text, seed=SEED, data_folder=DATA)
+    for i in range(COUNT):
+        frame = planes(HEIGHT, WIDTH, i)
+        effect(frame, time=i / 30)
+        start = i * (6 + size) + 6
+        assert b"".join(p.tobytes() for p in frame) == written[start:start + size], f"frame {i}"
