@@ -69,7 +69,7 @@ TEST(BoxFilter, EqualsTheFormWithoutPreparation) {
     for (const int32_t mask : {1, 2, 3, 5, 20, 130}) {
         for (const auto& [width, height] : {std::pair{1, 1}, {4, 9}, {7, 7}, {30, 50}, {280, 270}}) {
             BoxFilter box(width, height, mask);
-            for (const uint64_t seed : {1, 2}) {  // what one picture leaves in the memory must not matter
+            for (const uint64_t seed : {1U, 2U}) {  // what one picture leaves in the memory must not matter
                 const CPlane8u source = RandomPlane(width, height, seed);
                 CPlane8u target = RandomPlane(width, height, 3), inPlace(source), expected(source);
                 FilterBoxInPlace(expected, mask);
@@ -141,7 +141,7 @@ TEST(ResizePlan, EqualsTheFormWithoutPreparation) {
                                          {-1, 0, 1, 1},
                                          {from.width, 0, 1, 1}}) {
                 ResizePlan plan(from, part, to);
-                for (const uint64_t seed : {1, 2}) {
+                for (const uint64_t seed : {1U, 2U}) {
                     const CPlane8u source = RandomPlane(from.width, from.height, seed);
                     CPlane8u target = RandomPlane(to.width, to.height, 3), expected(target);
                     expected.ResizeRegion(source, part.width, part.height, part.x, part.y);
