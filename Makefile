@@ -1,11 +1,11 @@
-# The commands that people type. `make help` lists them. Each installs what it needs (Debian 12) and builds the rest.
+# `make help` lists the commands. Each installs the packages it needs (Debian 12) and builds what it depends on.
 
 PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
 RELEASE := build/release
 INSTALLED ?= build/installed.txt
 
-# What `make check-all` consists of. A part is one word here and its rule check-WORD below.
+# The parts of `make check-all`. A part is one word here and its rule check-WORD below.
 PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python
 
 .PHONY: build install install-gstreamer install-frei0r uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
@@ -46,8 +46,8 @@ demo: build
 	@tools/setup.sh demo
 	tools/make_demo.sh $(RELEASE) build/demo
 
-# Builds a preset's targets, and runs tests: preset, options of ctest. Tests that fail run once more, so that what
-# they print stands at the end.
+# build_tests builds a preset's targets; run_tests runs its tests with options of ctest. Failed tests run again, so that
+# their output comes last.
 build_tests = cmake --preset $(1) -DSE_BUILD_TESTS=ON && cmake --build --preset $(1) --target $(2)
 run_tests = ctest --preset $(1) -j $(JOBS) $(2) || { ctest --preset $(1) --rerun-failed; false; }
 
@@ -77,13 +77,13 @@ check-sanitize:
 	$(call build_tests,sanitize,all)
 	$(call run_tests,sanitize,-LE slow)
 
-# All effects at once on many threads under the thread sanitizer, and libsfx's own threads.
+# All effects on many threads under the thread sanitizer, and libsfx's own threads.
 check-thread:
 	@tools/setup.sh build check clang
 	$(call build_tests,thread,soak_tests sfx_tests)
 	$(call run_tests,thread,-R '^(SoakThreads|Threads)')
 
-# A minute of guided fuzzing of the contract and one of libsfx on every core, from the inputs on record. What it discovers stays in build/fuzz/corpus.
+# A minute of guided fuzzing of the contract and one of libsfx on every core, from the stored inputs. New inputs stay in build/fuzz/corpus.
 FUZZ_SECONDS ?= 60
 check-fuzz:
 	@tools/setup.sh build check clang

@@ -1,4 +1,4 @@
-// How the benchmarks measure: processor time of the thread, medians, and a memcpy to compare with.
+// Timing for the benchmarks: processor time of the thread, medians, and a memcpy to compare with.
 #ifndef SPECIALEFFECTS_BENCH_TIMING_H
 #define SPECIALEFFECTS_BENCH_TIMING_H
 

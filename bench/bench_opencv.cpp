@@ -1,5 +1,5 @@
 // bench_opencv: times the operations of OpenCV that match our primitives, on one thread, and prints the
-// columns of `check_kernels --bench --csv`. Most are not the same to the bit.
+// columns of `check_kernels --bench --csv`. Most results are not bit-identical.
 //
 //     bench_opencv [WIDTH HEIGHT]
 #include <cstdio>

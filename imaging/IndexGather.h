@@ -13,10 +13,10 @@
 void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint8_t* dst, size_t count);
 
 /// A fixed map, compiled for speed: neighbouring pixels mostly come from a few neighbourhoods, so that
-/// sixteen of them are fetched with some loads and byte shuffles in place of sixteen loads.
+/// a few loads and byte shuffles fetch sixteen of them.
 ///
-/// Building takes some 50 ns a pixel and memory of 2 to 4 bytes a pixel, and throws std::bad_alloc when there
-/// is none. One map may be applied by several threads at a time.
+/// Building takes about 50 ns and 2 to 4 bytes a pixel, and throws std::bad_alloc when memory runs out.
+/// Several threads may apply one map at a time.
 class GatherMap {
   public:
     /// An index that leaves its pixel as it is. Every index past the source does so.

@@ -1,9 +1,9 @@
-// Hand-written vector code, for the loops in which the compiler's own stays far behind.
+// Hand-written vector code, for loops where the compiler's own is far slower.
 //
-// A function marked SE_TARGET_AVX2 may use AVX2 and FMA intrinsics whatever the rest of the file is compiled
-// for; it stands inside `#if SE_AVX2` and is called when `simd::HasAvx2()`. Beside it there is always a
-// portable function with the same results. No lambda with intrinsics goes into such a function: it would not
-// inherit the target. SE_TARGET_AVX512VBMI is the same for byte permutations in 512 bits.
+// A function marked SE_TARGET_AVX2 may use AVX2 and FMA intrinsics, independent of the flags of its file. It
+// is defined inside `#if SE_AVX2` and called when `simd::HasAvx2()`; a portable function with the same
+// results always exists. Lambdas in it must not use intrinsics: they do not inherit the target.
+// SE_TARGET_AVX512VBMI is the same for 512-bit byte permutations.
 #ifndef SPECIALEFFECTS_IMAGING_SIMD_H
 #define SPECIALEFFECTS_IMAGING_SIMD_H
 

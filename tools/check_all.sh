@@ -1,5 +1,5 @@
 #!/bin/sh
-# Runs `make check-PART` for each part named, as the tests of one ctest run, so that a summary stands at the end:
+# Runs `make check-PART` for each part named, as the tests of one ctest run, which ends with a summary:
 #
 #   tools/check_all.sh PART...
 #

@@ -1,5 +1,5 @@
 // Renders the printable ASCII characters of a font into the table of grey cells that the module draws its
-// texts from. Run by hand when the face is to change; the module itself needs no font.
+// texts from. Run it by hand to change the face; the module itself needs no font.
 //
 //   c++ -std=c++20 tools/make_glyphs.cpp $(pkg-config --cflags --libs freetype2) -o make_glyphs
 //   ./make_glyphs /usr/share/fonts/truetype/dejavu/DejaVuSansMono-Bold.ttf > effects/animated/GlyphTable.cpp

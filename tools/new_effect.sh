@@ -1,5 +1,5 @@
 #!/bin/sh
-# Adds an effect that builds, passes its tests and waits for its idea:
+# Adds a small working effect with its test and catalogue row:
 #
 #   tools/new_effect.sh KIND NAME        KIND is tone, distortion, drawing, time or animated
 #   tools/new_effect.sh drawing Posterize

@@ -1,5 +1,5 @@
 // Writes the checksums of all effects' frames: update_goldens FILE [EFFECT...]
-// With effects, by row or short name, only theirs are made anew.
+// With effects, by row or short name, updates only theirs.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The row that a number or a short name means; 0 where there is none.
+/// The row of a number or a short name; 0 if there is no such row.
 int RowOf(const std::string& text) {
     const auto rows = EffectCatalogue();
     for (int row = 1; row <= GoldenRows(); ++row) {

@@ -109,7 +109,7 @@ void load_module(const char* path);
 /* Unloads and loads it again. */
 void reload_module(void);
 
-/* The address of an exported name, null when there is none. */
+/* The address of an exported name, or null. */
 void* exported(const char* name);
 
 /* CreateSpecialEffectFactory */

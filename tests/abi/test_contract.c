@@ -147,7 +147,7 @@ static void check_bad_sizes(Effect* effect, const CatalogueRow* row) {
         expect(configure_as(effect, width, height, PACKED) == refusal(row), "%d by %d packed is not refused",
                width, height);
         expect_refused(effect, PLANAR, FAILURE, "format 0 after a refused packed size");
-        /* The size is judged whatever the format; the distortions' answer stays 0. */
+        /* The size is checked for every format; the distortions still return 0. */
         expect(configure_as(effect, width, height, 1) == refusal(row), "%d by %d format 1 is not refused",
                width, height);
     }

@@ -84,7 +84,7 @@ static void test_references(void) {
 
 static void test_reserved(void) {
     Factory* factory = create_factory();
-    begin_check("factory: ReservedQuery gives 0 whatever it is asked");
+    begin_check("factory: ReservedQuery returns 0 for any arguments");
     expect_code(reserved_query(factory, 0, 0, 0, 0, 0), 0, "all 0");
     expect_code(reserved_query(factory, 1, 2, 3, 4, 5), 0, "1 to 5");
     expect_code(reserved_query(factory, ~0U, ~0U, ~0U, ~0U, ~0U), 0, "all ones");
@@ -118,7 +118,7 @@ static bool expected_listing(Guid list[LISTED]) {
 static void test_listing(void) {
     Factory* factory = create_factory();
     Guid wanted[LISTED];
-    begin_check("listing: a null list yields the number 41, whatever the count was");
+    begin_check("listing: a null list yields the count 41, for any input count");
     for (uint32_t start = 0; start < 3; ++start) {
         uint32_t count = start * 0x7FFFFFFF;
         expect_code(enumerate_effects(factory, NULL, &count), SUCCESS, "result");

@@ -121,7 +121,7 @@ static void test_line_art(Factory* factory) {
     destroy_effect(factory, effect);
 }
 
-/* Picture Me takes another cascade; whatever is wrong with it, frames go through and stay as they are. */
+/* Picture Me accepts another cascade; with an invalid one, frames pass unchanged. */
 static void test_picture_me(Factory* factory) {
     Effect* effect = create_named(factory, "Picture Me");
     begin_check("settings: Picture Me goes on without a usable cascade");

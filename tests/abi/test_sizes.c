@@ -12,7 +12,7 @@ static bool known_code(uint32_t code) {
     return code == SUCCESS || code == INVALID_ARGUMENT || code == FAILURE || code == NOT_IMPLEMENTED;
 }
 
-/* Planes of exactly the format's bytes, which for chroma on a side of 1 is none. */
+/* Planes of exactly the format's bytes: 0 for chroma if a side is 1. */
 static void run_frames(Effect* effect, int32_t width, int32_t height, int32_t format, int frames) {
     Stream stream = {0, width, height, format};
     const uint32_t configured = configure(effect, &stream);

@@ -42,7 +42,7 @@ static void check_gray_sizes(Effect* effect) {
     expect_code(configure(effect, &largest), SUCCESS, "Configure 16384 by 16384");
 }
 
-/* The byte counts come from the frame, each plane its own, whatever was configured. */
+/* The byte count of each plane comes from the frame, not from the configured size. */
 static void check_gray_counts(Effect* effect) {
     const int32_t counts[][2] = {{0, 0},   {0, 64},  {64, 0},  {1, 2},
                                  {63, 64}, {-1, 64}, {64, -1}, {INT32_MIN, INT32_MIN}};
@@ -204,8 +204,8 @@ static void check_sepia_planar_cube(Effect* effect) {
 }
 
 /*
- * Odd sizes: chroma planes that the frame says are too small even for rounding down. A frame that tells no
- * size is believed to have them rounded up.
+ * Odd sizes: the frame states chroma sizes too small even for rounding down. A size of 0 means unknown; the
+ * planes are then assumed to be rounded up.
  */
 static void check_sepia_short_chroma(Effect* effect) {
     const int32_t sizes[][2] = {{4, 5}, {5, 5}, {7, 4}, {33, 25}, {641, 4}};

@@ -1,4 +1,4 @@
-// What the search for objects runs on: edge maps, integral images, classifier stages.
+// The primitives of object detection: edge maps, integral images, classifier stages.
 #include <algorithm>
 #include <utility>
 #include <vector>

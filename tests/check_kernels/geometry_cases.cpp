@@ -1,4 +1,4 @@
-// The geometric primitives, and what planes do with slopes and histograms.
+// The geometric primitives, and operations on slopes and histograms of planes.
 #include <algorithm>
 #include <cmath>
 #include <cstring>

@@ -1,4 +1,4 @@
-// The detector and the tracker beside a plain model of them, with a made-up cascade.
+// The detector and the tracker against a plain model, with a synthetic cascade.
 #include <gtest/gtest.h>
 
 #include <algorithm>

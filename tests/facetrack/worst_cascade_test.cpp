@@ -1,4 +1,4 @@
-// Cascades made to stall the frame thread: the work of a frame stays bounded.
+// Cascades designed to stall the frame thread: the work of a frame stays bounded.
 #include <gtest/gtest.h>
 
 #include <algorithm>

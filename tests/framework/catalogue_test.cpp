@@ -1,4 +1,4 @@
-// The list of effects: what it says is complete, and true.
+// The list of effects is complete and true.
 #include "framework/Catalogue.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// States and hooks of the shared base, through an effect of the test's own.
+// States and hooks of the shared base, through an effect defined here.
 #include <gtest/gtest.h>
 
 #include <new>

@@ -1,4 +1,4 @@
-// The property machinery, through an effect of the test's own that uses all of it.
+// The property machinery, through an effect defined here that uses all of it.
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -189,7 +189,7 @@ TEST_P(RoundedChroma, EqualsItsModelOnLargePlanesThatAreRoundedDown) {
     }
 }
 
-/// Of even sizes the planes are what the format says, whatever PlaneSize tells.
+/// At even sizes the format alone determines the planes; PlaneSize has no effect.
 TEST_P(RoundedChroma, IsNotLookedAtInEvenSizes) {
     ASSERT_EQ(effect.Configure(4, 2), kSuccess);
     TestFrame told = TestFrame(4, 2).Randomize(1);

@@ -1,4 +1,4 @@
-// Texts from UTF-16 to UTF-8 and back, whole, cut and broken.
+// Conversion between UTF-16 and UTF-8: whole, truncated and malformed texts.
 #include "framework/TextBridge.h"
 
 #include <gtest/gtest.h>

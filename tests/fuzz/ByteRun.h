@@ -1,4 +1,4 @@
-// A host that does what a string of bytes says.
+// A host driven by a string of bytes.
 #ifndef SPECIALEFFECTS_TESTS_FUZZ_BYTERUN_H
 #define SPECIALEFFECTS_TESTS_FUZZ_BYTERUN_H
 
@@ -8,12 +8,12 @@
 
 /// Plays the bytes as calls of the contract (ContractRun.cpp) or of libsfx (SfxRun.cpp): effects are created,
 /// configured, fed with frames and texts, shut down and destroyed in any order, with good arguments and bad
-/// ones. Planes are blocks of exactly the bytes that the host answers for, so that an address sanitizer sees
-/// every byte beyond. Ends the program when an answer is not one of the contract's or a refused frame has
+/// ones. Planes are blocks of exactly the bytes that the host promises, so that an address sanitizer catches
+/// every access beyond. Ends the program when a result is not one of the contract's or a refused frame has
 /// changed.
 ///
-/// The first byte chooses the processor level. The same bytes make the same calls, whatever ran before. Data
-/// files are written to the current directory.
+/// The first byte chooses the processor level. The same bytes always make the same calls. Data files are
+/// written to the current directory.
 void RunBytes(std::span<const uint8_t> bytes);
 
 /// A directory of its own for the data files that effects read and write; the process works in it. It is

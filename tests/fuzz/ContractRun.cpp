@@ -161,7 +161,7 @@ class Host {
 
     void Create(Guest& guest) {
         guest = {};
-        // One number more than there are effects: a GUID that is none of them.
+        // One index past the effects gives an unknown GUID.
         const std::span<const CatalogueRow> rows = EffectCatalogue();
         const size_t row = source_.Below(rows.size() + 1);
         EffectGuid id = rows[row % rows.size()].id;
@@ -262,7 +262,7 @@ class Host {
                 default:
                     break;
             }
-            // A frame that tells no size of a chroma plane is one of a host whose planes are rounded up.
+            // A chroma size of 0 means unknown; the planes are then rounded up.
             if (i > 0 && held[i] > 0 && sizes.told[i] <= 0) {
                 sizes.held[i] = std::max(sizes.held[i], ((w + 1) / 2) * ((h + 1) / 2));
             }

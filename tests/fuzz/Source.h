@@ -1,4 +1,4 @@
-// Numbers and texts off a string of bytes.
+// Reads numbers and texts from a string of bytes.
 #ifndef SPECIALEFFECTS_TESTS_FUZZ_SOURCE_H
 #define SPECIALEFFECTS_TESTS_FUZZ_SOURCE_H
 

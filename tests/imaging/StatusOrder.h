@@ -1,4 +1,4 @@
-// Statuses of a primitive that is called with bad arguments.
+// Statuses of a primitive called with invalid arguments.
 #ifndef SPECIALEFFECTS_TESTS_IMAGING_STATUSORDER_H
 #define SPECIALEFFECTS_TESTS_IMAGING_STATUSORDER_H
 

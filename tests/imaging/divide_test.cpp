@@ -1,4 +1,4 @@
-// The divisions that are done as products, against the divisions, over all arguments that occur.
+// Divisions computed as products equal real divisions, for all arguments that occur.
 #include <gtest/gtest.h>
 
 #include <cstdint>

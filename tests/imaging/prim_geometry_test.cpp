@@ -142,7 +142,7 @@ TEST(PrimRemap, RefusesBadCallsInOrder) {
         change(call);
         return call;
     };
-    // The codes come in this order: whatever is wrong besides shows only in what comes later.
+    // Errors are reported in this order; later errors show only when no earlier one applies.
     struct {
         std::string what;
         PrimStatus expected;

@@ -1,4 +1,4 @@
-# Who may include whom, read from the #include lines of the tree.
+# Which folder may include which, checked on the #include lines of the tree.
 #
 #     cmake -DROOT=... -P include_rules.cmake
 #

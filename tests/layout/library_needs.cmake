@@ -1,4 +1,4 @@
-# What a shared library asks of those that load it.
+# The dependencies of a shared library.
 
 # Programs link against the major version only. The C++ run-time libraries and the C library are all that it needs.
 function(check_library_needs library readelf name version)

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Follows CONTRIBUTING.md in a copy of the tree: the commands that add an effect leave a green one behind.
+# Follows CONTRIBUTING.md in a copy of the tree: the commands that add an effect yield one that passes its tests.
 #
 #   tests/layout/new_effect.sh SOURCE SCRATCH
 set -eu

@@ -1,4 +1,4 @@
-# The commands of the README work as they stand there, but for those that need a camera.
+# The commands of the README work as written, except those that need a camera.
 #
 #     cmake -DROOT=... -DPROGRAM=... -DSCRATCH=... -P readme_commands.cmake
 cmake_minimum_required(VERSION 3.25)

@@ -1,4 +1,4 @@
-// What every effect takes from the heap, when, and what it does when there is nothing to be had.
+// The heap use of every effect: how much, when, and what happens when memory runs out.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -363,7 +363,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, Memory, testing::Range(size_t{0}, EffectCatalogue
                              return std::to_string(row.param + 1);
                          });
 
-/// Clouds makes its file where there is none: no failure leaves a part of one behind.
+/// Clouds makes its file if it is missing; no failure leaves a partial file.
 TEST(MemoryOfClouds, NoFileIsLeftBehindWhenMemoryRunsOut) {
     const auto isClouds = [](const CatalogueRow& row) {
         Host host(row);

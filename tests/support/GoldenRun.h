@@ -1,4 +1,4 @@
-// Golden frames: what every effect made of a fixed scene, as checksums.
+// Golden frames: checksums of every effect's output for a fixed scene.
 #ifndef SPECIALEFFECTS_TESTS_SUPPORT_GOLDENRUN_H
 #define SPECIALEFFECTS_TESTS_SUPPORT_GOLDENRUN_H
 

@@ -352,7 +352,7 @@ TEST(Framework, MasksOfZeroAreInvisibleAndOf255White) {
     framework.RenderGlow(&y);
     EXPECT_EQ(y.data[0], 64);  // the glow falls off with the square of the mask
 
-    // With nothing to stamp the planes are smoothed all the same.
+    // The planes are smoothed even with nothing to stamp.
     mask->Mask().Fill(19);
     u.data[20 * 7 + 9] = 255;
     framework.ColorizeChroma(&u, &v);

@@ -82,7 +82,7 @@ TEST(Bulge, FillsTheTable) {
 TEST(Bulge, HasNoTableForNothing) {
     EffectDriver effect(kGuid);
     for (const auto& [w, h] : {std::pair{0, 0}, {0, 5}, {5, 0}}) TableOf(effect, w, h);
-    // Heights below 3 have no radius, and frames all the same.
+    // Frames with a height below 3 have a radius of 0 and are still processed.
     for (const auto& [w, h] : {std::pair{1, 1}, {9, 2}, {2, 9}, {1, 40}, {40, 1}}) {
         ASSERT_EQ(effect.Configure(w, h), kSuccess);
         TestFrame frame = TestFrame(w, h).Randomize(1);

@@ -132,7 +132,7 @@ inline void ExpectOnlyProperty(const char* guid, PropTypeSet type, const char* n
     EXPECT_EQ(effect->SetProperty(static_cast<PropertyRecord*>(nullptr)), kInvalidArgument);
 }
 
-/// A frame of one grey, whatever grey, with the chroma 90, 170 becomes this uniform one.
+/// A uniform frame of any grey with the chroma 90, 170 becomes this uniform frame.
 inline void ExpectUniformFramesBecome(const char* guid, uint8_t y, uint8_t u, uint8_t v) {
     EffectDriver effect(guid);
     ASSERT_EQ(effect.Configure(64, 48), kSuccess);

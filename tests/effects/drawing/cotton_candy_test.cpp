@@ -61,7 +61,7 @@ TEST(CottonCandy, EqualsItsModel) {
     ExpectEqualsModel(effect, EveryFrame(CottonCandyModel));
 }
 
-/// Where the frame is no larger than the blur, there is none: the luma lights itself.
+/// A frame no larger than the blur is not blurred: the luma lights itself.
 TEST(CottonCandy, EqualsItsModelOnTinyFrames) {
     EffectDriver effect(kGuid);
     ExpectEqualsModel(effect, EveryFrame(CottonCandyModel),

@@ -1,4 +1,4 @@
-// What models of the tone effects do to planes, on the plain models of the primitives.
+// Plane operations of the tone effects' models, built on the plain models of the primitives.
 #ifndef SPECIALEFFECTS_TESTS_EFFECTS_TONE_TONEMODELS_H
 #define SPECIALEFFECTS_TESTS_EFFECTS_TONE_TONEMODELS_H
 

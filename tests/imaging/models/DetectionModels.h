@@ -1,4 +1,4 @@
-// Plain models of the operations that find objects: edge map, integral images, classifier stages.
+// Plain models of the primitives of object detection: edge map, integral images, classifier stages.
 #ifndef SPECIALEFFECTS_TESTS_IMAGING_MODELS_DETECTIONMODELS_H
 #define SPECIALEFFECTS_TESTS_IMAGING_MODELS_DETECTIONMODELS_H
 

@@ -1,4 +1,4 @@
-// Plain models of the geometric primitives and of what planes do with slopes and histograms.
+// Plain models of the geometric primitives and of operations on slopes and histograms of planes.
 #ifndef SPECIALEFFECTS_TESTS_IMAGING_MODELS_GEOMETRYMODELS_H
 #define SPECIALEFFECTS_TESTS_IMAGING_MODELS_GEOMETRYMODELS_H
 
