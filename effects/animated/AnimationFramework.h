@@ -12,19 +12,19 @@
 /// Draws its objects in the order in which they were added, clipped to the planes.
 class CAnimationFramework {
   public:
-    /// For video frames of this size.
+    /// For frames of this size, in pixels.
     CAnimationFramework(int32_t width, int32_t height);
     ~CAnimationFramework() = default;
     CAnimationFramework(const CAnimationFramework&) = delete;
     CAnimationFramework& operator=(const CAnimationFramework&) = delete;
 
-    /// Slot 0. Destroys the framework with its objects, frees it when bit 0 of `flags` is set, returns its
+    /// Slot 0. Destroys the framework and its objects, frees it when bit 0 of `flags` is set, and returns its
     /// address.
     virtual void* DeletingDestructor(uint32_t flags);
     /// Slots 1 and 2. `Move` and `NextFrame` of every object.
     virtual void MoveAll();
     virtual void AnimateAll();
-    /// Slot 3. Adds all masks up on black and lays the result on the luma as light on light.
+    /// Slot 3. Adds all masks on black and lays the sum on the luma as light.
     virtual void RenderGlow(CPlane8u* y);
     /// Slot 4. Blends each object's colour into the luma through its mask and, `withChroma`, into the chroma.
     virtual void RenderTinted(CPlane8u* y, CPlane8u* u, CPlane8u* v, bool withChroma);
@@ -32,10 +32,10 @@ class CAnimationFramework {
     /// planes.
     virtual void ColorizeChroma(CPlane8u* u, CPlane8u* v);
 
-    /// Takes the object over; returns the new count.
+    /// Takes ownership of the object; returns the new count.
     size_t AddObject(AnimationObject object);
     size_t GetObjectCount() const { return Objects.size(); }
-    /// The oldest `count` objects, or all; below 1 none.
+    /// Removes the oldest `count` objects, or all if there are fewer. Does nothing for a count below 1.
     void RemoveFirst(int32_t count);
     void RemoveAll();
 
@@ -45,7 +45,7 @@ class CAnimationFramework {
     CPlane8u Work;
 
   private:
-    /// Masks of one size, scaled to the chroma's.
+    /// Masks of one object size, scaled to the chroma size.
     struct HalfSize {
         PlaneSize of;
         ResizePlan plan;
@@ -54,7 +54,7 @@ class CAnimationFramework {
 
     const CPlane8u& HalfMask(const CPlane8u& mask);
 
-    std::vector<HalfSize> Halves;  ///< for each size of the objects
+    std::vector<HalfSize> Halves;  ///< one for each object size
     CPlane8u ChromaWork;
 };
 

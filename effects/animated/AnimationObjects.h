@@ -1,5 +1,5 @@
 // Sprites: small animated masks with a position, a velocity and a colour. Slot n of a class is entry n of its
-// table of virtual operations; the destructor of slot 0 is an ordinary one for that reason.
+// table of virtual functions, so slot 0 is an ordinary function, not a C++ destructor.
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_ANIMATIONOBJECTS_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_ANIMATIONOBJECTS_H
 
@@ -10,7 +10,7 @@
 
 #include "imaging/Plane8u.h"
 
-/// What slot 0 does in each class of the family.
+/// The body of slot 0 for each class of the family.
 template <class Object>
 void* DestroyObject(Object* object, uint32_t flags) {
     void* const memory = object;
@@ -36,15 +36,15 @@ Owned<Object> MakeOwned(const Arguments&... arguments) {
 
 class CBaseAnimationObject {
   public:
-    /// Slot 0. Destroys the object, frees it when bit 0 of `flags` is set, returns its address.
+    /// Slot 0. Destroys the object, frees it when bit 0 of `flags` is set, and returns its address.
     virtual void* DeletingDestructor(uint32_t flags) = 0;
-    /// Slot 1. One step along the velocity; the edges of the frame throw the sprite back.
+    /// Slot 1. Moves one step along the velocity; the sprite bounces off the edges of the frame.
     virtual void Move() = 0;
-    /// Slot 2. One step of the animation; false when its cycle has ended.
+    /// Slot 2. Advances the animation one step; false when its cycle has ended.
     virtual bool NextFrame() = 0;
-    /// Slot 3. The mask to draw now; the object's own.
+    /// Slot 3. The mask to draw now, owned by the object.
     virtual CPlane8u* GetFrame() = 0;
-    /// Slot 4. The upper left corner on the full-size frame.
+    /// Slot 4. The upper left corner in the full-size frame.
     virtual void GetPosition(PlanePoint* position) = 0;
     /// Slots 5 and 6. Four bytes Y, U, V, alpha.
     virtual void GetColor(uint8_t* color) = 0;
@@ -60,8 +60,8 @@ using AnimationObject = Owned<CBaseAnimationObject>;
 /// as large as the frame, or larger, stays at 0.
 class CMovingAnimationObject : public CBaseAnimationObject {
   public:
-    /// With `frameCount` of 1 or more that many black frames are made, and one draw of `rand` chooses where
-    /// the cycle starts.
+    /// With a `frameCount` of 1 or more, makes that many black frames and draws the start of the cycle from
+    /// `rand` once.
     CMovingAnimationObject(int32_t objectWidth, int32_t objectHeight, int32_t frameWidth, int32_t frameHeight,
                            int32_t frameCount);
     ~CMovingAnimationObject() = default;
@@ -78,15 +78,15 @@ class CMovingAnimationObject : public CBaseAnimationObject {
 
     /// Slot 7. Draws the frames: here a ramp of grey up and down.
     virtual void BuildFrames();
-    /// Slot 8. Anywhere on the frame: one draw for x, one for y.
+    /// Slot 8. A random position on the frame: one draw for x, one for y.
     virtual void RandomizePosition();
-    /// Slot 9. Each component from -speed + 1 to speed + 1: one draw each.
+    /// Slot 9. A random velocity, each component from -speed + 1 to speed + 1: one draw each.
     virtual void RandomizeVelocity(int32_t speed);
-    /// Slot 10. Any colour by three draws; alpha stays.
+    /// Slot 10. A random colour from three draws; alpha is unchanged.
     virtual void RandomizeColor();
 
   protected:
-    /// The draw of a coordinate. Takes one number from `rand` even where there is no choice.
+    /// Draws a coordinate. Calls `rand` even where only one value is possible.
     static int32_t DrawBelow(int32_t limit);
 
     std::vector<CPlane8u> Frames;
@@ -112,7 +112,7 @@ class CBitmapAnimationObject final : public CMovingAnimationObject {
     CPlane8u* GetFrame() override { return &Picture; }
     /// Softens the interior of the picture.
     void BuildFrames() override;
-    /// Four times out of five near the edges of the frame.
+    /// Picks a random position, four times out of five near the edges of the frame.
     void RandomizePosition() override;
 
   private:

@@ -5,9 +5,8 @@
 #include "effects/animated/LensFlares.h"
 #include "framework/EffectBase.h"
 
-/// Twelve variants by the mode that a flare field starts with: 1 to 6 one type of flare for all, 7 to 12 a
-/// random type for each. "Mode" shows the mode of the field that is running: a new one takes hold with the
-/// next frame.
+/// The variant is the mode of the first flare field: 1 to 6 use one type of flare, 7 to 12 a random type for
+/// each flare. "Mode" returns the mode of the running field; a new mode takes effect at the next frame.
 class CCameraFlashesSpecialEffectFilter final : public PlanarEffect<CCameraFlashesSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Camera Flashes";
@@ -22,9 +21,9 @@ class CCameraFlashesSpecialEffectFilter final : public PlanarEffect<CCameraFlash
   private:
     void BuildField(int32_t mode);
 
-    int32_t Mode;  ///< what is wanted
+    int32_t Mode;  ///< the requested mode
     Owned<CFlaresField> Field;
-    int32_t ActiveMode;  ///< what `Field` was built with
+    int32_t ActiveMode;  ///< the mode of `Field`
     bool Moving = true, Colorizing = true, Animation = true;
 };
 

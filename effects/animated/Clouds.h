@@ -6,10 +6,10 @@
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
 
-/// The pictures, 640 by 480 each, are kept in the data file perlin.dat and made by the first `Configure` that
-/// finds none. The file is written under another name and renamed when it is whole. Where it cannot be
-/// written or read the clouds are missing, and nothing is reported; of a short file the last picture repeats.
-/// All effects of the class in the same surroundings share one place in the loop.
+/// The first `Configure` that finds no data file perlin.dat makes it, with all pictures at 640 by 480. It
+/// writes to a temporary file and renames it when complete. If the file cannot be written or read there are
+/// no clouds, and no error is reported; if it is too short, its last picture repeats. All effects of the
+/// class in the same surroundings share one position in the loop.
 class CCloudsSpecialEffectFilter final : public PlanarEffect<CCloudsSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Clouds";

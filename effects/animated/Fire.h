@@ -7,9 +7,9 @@
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
 
-/// Luma is mixed with a box-blurred copy of itself, the more so the brighter it is, and the mix indexes a
-/// palette that runs from white through red and blue back to white. Pixels mix in pairs, with the weight of
-/// the left one; at odd widths the last column takes its own.
+/// Luma is mixed with a box-blurred copy of itself, more strongly where it is brighter, and the result
+/// indexes a palette that runs from white through red and blue back to white. Pixels are mixed in pairs with
+/// the weight of the left pixel; at odd widths the last column uses its own weight.
 class CFireSpecialEffectFilter final : public PlanarEffect<CFireSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Fire";

@@ -1,4 +1,4 @@
-// A monospaced bold face as grey cells: how much ink each pixel takes, 0 to 255.
+// A monospaced bold face as grey cells: the ink coverage of each pixel, 0 to 255.
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_GLYPHTABLE_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_GLYPHTABLE_H
 

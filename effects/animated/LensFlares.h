@@ -5,7 +5,7 @@
 #include "effects/animated/AnimationFramework.h"
 #include "effects/animated/AnimationObjects.h"
 
-/// The types of flare; another number makes a flare with empty frames, which nobody sees.
+/// The types of flare; a flare of any other type has empty frames and is invisible.
 enum FlareLook : int32_t {
     kPlainGlow = 1,     ///< plain round glow
     kGlare = 2,         ///< sharp point with a wide halo
@@ -15,8 +15,8 @@ enum FlareLook : int32_t {
     kRingedStar = 6,    ///< ragged star in a ring
 };
 
-/// Pulses through its frames, drawn once, and jumps to a new place at the end of each cycle, all but the
-/// plain glow in a new colour.
+/// Pulses through frames drawn at construction and jumps to a new place at the end of each cycle. All but the
+/// plain glow also change colour.
 class CLensFlaresMovingAnimation final : public CMovingAnimationObject {
   public:
     CLensFlaresMovingAnimation(int32_t objectWidth, int32_t objectHeight, int32_t frameWidth,
@@ -33,7 +33,7 @@ class CLensFlaresMovingAnimation final : public CMovingAnimationObject {
 
 class CFlaresField final : public CAnimationFramework {
   public:
-    /// Mode 0 takes a random type for each flare, any other value is that one type.
+    /// Mode 0 picks a random type for each flare; any other mode is the type of all flares.
     CFlaresField(int32_t width, int32_t height, int32_t mode);
 
     void* DeletingDestructor(uint32_t flags) override;
@@ -44,8 +44,8 @@ class CFlaresField final : public CAnimationFramework {
     int32_t FlareSize;  ///< side of the square sprites
 };
 
-// The drawings, into square planes. (x, y) is a pixel's distance from the centre; radii are cut to half the
-// plane, and one of 0 draws nothing.
+// The drawings, on square planes. (x, y) is a pixel's offset from the centre. Radii are clamped to half the
+// plane; a radius of 0 draws nothing.
 
 /// A round glow that fades to the rim. Sets every pixel.
 void SoftDisc(CPlane8u& plane, int32_t radius);

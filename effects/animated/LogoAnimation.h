@@ -7,10 +7,10 @@
 #include "effects/animated/AnimationFramework.h"
 #include "framework/EffectBase.h"
 
-/// The logo is a text or the bitmap of the data file logo3.bmp; one that is missing or cannot be read shows
-/// as a message. `Configure` for planar frames seeds the random generator from the clock, the only place in
-/// the module that does, and sets "Objects Number" to 10, "Type" to the
-/// text, "Moving Animation" off and "Colorize" on, whatever a host set before.
+/// The logo is a text or the bitmap in the data file logo3.bmp; if the file is missing or unreadable, a
+/// message appears instead. `Configure` for planar frames seeds the random generator from the clock (nothing
+/// else in the module does) and overwrites properties that were set before: "Objects Number" becomes 10,
+/// "Type" text, "Moving Animation" off and "Colorize" on.
 class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimationSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Logo Animation";
@@ -23,7 +23,7 @@ class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimati
   private:
     enum LogoType : int32_t { kText = 1, kPicture = 2 };
 
-    // Setters of the properties that have the logos made anew, and the row of a colour.
+    // Setters of properties that require new logos, and the property row of a colour.
     template <auto Member>
     static void SetAndRemake(CLogoAnimationSpecialEffectFilter& effect, int32_t value);
     template <size_t index>
@@ -41,7 +41,7 @@ class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimati
     int32_t Type = kPicture;
     bool MovingAnimation = false, Colorize = false;
     std::string Text, LogoPath;
-    uint32_t Colors[5] = {};  ///< 0 is no colour
+    uint32_t Colors[5] = {};  ///< 0 means unset
     bool Dirty = false;       ///< the logos must be made anew
     bool RandomColors = true;
 };

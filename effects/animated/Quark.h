@@ -6,8 +6,8 @@
 
 #include "framework/EffectBase.h"
 
-/// What moves dissolves into speckle, what stands still stays sharp. The choice is a random field twice the
-/// size of a picture, drawn at `Configure`, along which a window slides by one byte a frame. The first frame
+/// Motion dissolves into speckle; what stands still stays sharp. A random field twice the size of a picture,
+/// drawn in `Configure`, chooses the frames; a window slides along it by one byte a frame. The first frame
 /// fills the whole history.
 class CQuarkSpecialEffectFilter final : public PlanarEffect<CQuarkSpecialEffectFilter> {
   public:

@@ -8,17 +8,17 @@
 #include "imaging/BoxFilter.h"
 #include "imaging/Plane8u.h"
 
-/// Water on the pane: a coarse grid of cells. Rain falls on random cells, heavy cells start to run, and the
-/// running water trickles down from cell to cell, leaving some behind, while the rest dries.
+/// Water on the pane, in a coarse grid of cells. Rain falls on random cells, heavy cells start to run, and
+/// running water moves from cell to cell and leaves some behind, while the rest dries.
 class WaterGrid {
   public:
-    /// Dry glass of random stickiness, `rand` once a cell.
+    /// Makes dry glass of random stickiness; calls `rand` once a cell.
     void Prepare(int32_t columns, int32_t rows);
 
-    /// Rain on one random cell. A grid without cells gets none, and draws nothing.
+    /// Adds rain to one random cell. Does nothing, and draws no random number, on a grid without cells.
     void AddRain();
 
-    /// One step of all runners, then of all cells.
+    /// Advances all runners by one step, then all cells.
     void Run();
 
     int32_t columns() const { return GridWidth; }
@@ -28,7 +28,7 @@ class WaterGrid {
   private:
     struct Cell {
         double Stickiness;  ///< 0 to 0.999
-        double Water;       ///< from 0 up
+        double Water;       ///< 0 or more
     };
     struct Runner {
         int32_t CellX, CellY;
@@ -49,15 +49,15 @@ class WaterGrid {
     int32_t GridWidth = 0, GridHeight = 0;
     std::vector<Cell> Cells;
     std::vector<Runner> Runners;       ///< in the order in which they started
-    std::vector<int32_t> RunnerCount;  ///< how many stand on each cell
+    std::vector<int32_t> RunnerCount;  ///< number of runners on each cell
 };
 
-/// Radius of the dome that stands for the water of a cell: 0, which is no dome, for a film too thin to show
-/// and for a drop larger than 16 pixels.
+/// Radius of the dome that shows the water of a cell. 0, no dome, for a film too thin to show and for a drop
+/// larger than 16 pixels.
 int32_t DomeRadius(double water);
 
-/// From the water a height map of small round domes is drawn for each frame, which bends the luma like a
-/// lens; a frame shows the water of the previous frame. Chroma is left alone.
+/// Each frame draws a height map of small round domes from the water, and the map bends the luma like a lens.
+/// A frame shows the water of the frame before. Chroma is unchanged.
 class CRainDropsSpecialEffectFilter final : public PlanarEffect<CRainDropsSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Rain Drops";
@@ -75,7 +75,7 @@ class CRainDropsSpecialEffectFilter final : public PlanarEffect<CRainDropsSpecia
     WaterGrid Grid;
     CPlane8u BumpMap, Source;
     BoxFilter Soften;
-    std::vector<int32_t> JitterX, JitterY;  ///< where in its cell a drop sits, -2 to 2 off the middle
+    std::vector<int32_t> JitterX, JitterY;  ///< offset of a drop from the middle of its cell, -2 to 2
     int32_t RainRate = 5;
 };
 

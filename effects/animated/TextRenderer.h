@@ -1,4 +1,4 @@
-// Text as a picture. The one place that would differ where a system draws its own text.
+// Renders text into a plane. A port to a system with its own text drawing replaces this file only.
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_TEXTRENDERER_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_TEXTRENDERER_H
 
@@ -6,8 +6,8 @@
 
 #include "imaging/Plane8u.h"
 
-/// Black on white, one cell of 16 by 24 pixels a character. A character that is not printable ASCII shows as
-/// an empty box. An empty plane for an empty text.
+/// Black on white, one 16 by 24 cell a character. Characters other than printable ASCII show as an empty box.
+/// An empty text gives an empty plane.
 CPlane8u RenderText(std::string_view text);
 
 #endif

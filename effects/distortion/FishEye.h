@@ -7,21 +7,21 @@
 #include "effects/distortion/IppDistortion.h"
 #include "framework/EffectBase.h"
 
-/// What lies outside the disc takes the frame's first pixel, which is painted black before each frame is
-/// bent.
+/// Pixels outside the disc take the value of the frame's first pixel, which is painted black before the
+/// remap.
 ///
-/// Setting a property builds the tables anew at once from the last stream description.
+/// Setting a property rebuilds the tables at once from the last stream description.
 class CFishEyeSpecialEffectFilter final
     : public EffectBase<CFishEyeSpecialEffectFilter, CSpecialEffectFilter_IppDistortion> {
   public:
     static constexpr const char* DisplayName = "Fish Eye";
     static std::span<const Property<CFishEyeSpecialEffectFilter>> Properties();
 
-    /// Always kSuccess; the frames of a stream that is not served are refused. Sets `EffectType` to 1.
+    /// Always returns kSuccess; frames of an unsupported stream are refused later. Sets `EffectType` to 1.
     ResultCode Configure(StreamDescription* description) override;
-    /// Paints the first pixel of frames that are refused afterwards, too: of a planar frame that has its
-    /// three planes, and the first byte of a packed one. A plane is painted when the frame says that it has
-    /// bytes, or when the frame has the configured format and the plane has pixels at the configured size.
+    /// Paints the first pixel even of frames that are then refused: of all three planes of a planar frame, or
+    /// the first byte of a packed one. A plane is painted if the frame says that it has bytes, or if the
+    /// frame has the configured format and the plane has pixels at the configured size.
     ResultCode ProcessFrame(FrameRecord* frame) override;
     void BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) override;
 
@@ -32,7 +32,7 @@ class CFishEyeSpecialEffectFilter final
     void PaintFirstPixel(const ImageRecord& image) const;
 
     StreamDescription StoredStream{};
-    bool LargeSphere = false;  ///< not what the property table says: a host that sets nothing gets false
+    bool LargeSphere = false;  ///< differs from the property table's default on purpose
     int32_t EffectType = kSphere;
 };
 

@@ -1,4 +1,4 @@
-// Planes bent through fixed maps.
+// Remapping of planes through fixed maps.
 #ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_GATHER_H
 #define SPECIALEFFECTS_EFFECTS_DISTORTION_GATHER_H
 
@@ -11,14 +11,14 @@
 #include "imaging/IndexGather.h"
 #include "imaging/Plane8u.h"
 
-/// The map of a picture onto itself; `indices` has one entry for each pixel.
+/// The identity map of a picture; `indices` has one entry for each pixel.
 inline GatherMap MakeGatherMap(const std::vector<uint32_t>& indices, int32_t width, int32_t pixelBytes = 1) {
     GatherMap map;
     map.Build(indices, width, indices.size(), pixelBytes);
     return map;
 }
 
-/// Bends a plane by way of a copy in `scratch`, which is no smaller.
+/// Remaps a plane in place through a copy in `scratch`, which must be at least as large.
 inline void GatherInPlace(const GatherMap& map, const FramePlane& plane, CPlane8u& scratch) {
     std::memcpy(scratch.data, plane.data,
                 static_cast<size_t>(plane.width) * static_cast<size_t>(plane.height));

@@ -7,13 +7,13 @@
 #include "imaging/IndexGather.h"
 #include "imaging/Plane8u.h"
 
-/// Inside a circle as high as the frame the picture is squeezed towards the centre. The mapping is built once
-/// for each stream.
+/// Inside a circle as high as the frame the picture is squeezed towards the centre. The map is built once for
+/// each stream.
 class CHallwayVisionSpecialEffectFilter final : public PlanarEffect<CHallwayVisionSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Hallway Vision";
 
-    /// Variant 1 interpolates luma between source pixels; any other takes one source pixel for each.
+    /// Variant 1 interpolates the luma; any other variant takes the nearest pixel.
     explicit CHallwayVisionSpecialEffectFilter(int32_t variant);
 
     void Prepare();

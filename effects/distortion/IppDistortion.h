@@ -1,4 +1,4 @@
-// The base of the effects that bend a picture with a fixed table.
+// Base of the effects that distort a picture through a fixed table.
 #ifndef SPECIALEFFECTS_EFFECTS_DISTORTION_IPPDISTORTION_H
 #define SPECIALEFFECTS_EFFECTS_DISTORTION_IPPDISTORTION_H
 
@@ -7,23 +7,23 @@
 #include "framework/SpecialEffectFilter.h"
 #include "imaging/IndexGather.h"
 
-/// An effect says where each pixel comes from, `BuildRemapTable`; the base asks it once for each stream and
-/// moves the pixels of every frame, planar or packed. Each takes the nearest source pixel: no interpolation.
+/// The effect's `BuildRemapTable` says where each pixel comes from. The base calls it once for each stream
+/// and remaps every frame, planar or packed, with the nearest source pixel and no interpolation.
 ///
-/// A pixel whose source lies outside the picture becomes 0, in a chroma plane 128.
+/// A pixel whose source lies outside the picture becomes 0, or 128 in a chroma plane.
 class CSpecialEffectFilter_IppDistortion : public CSpecialEffectFilter {
   public:
     ResultCode Configure(StreamDescription* description) override;
 
-    /// A missing workspace is answered (kFailure) before a missing plane (kInvalidArgument). Of a planar
-    /// frame no more of each plane is written than the frame says that it holds.
+    /// Reports a missing workspace (kFailure) before a missing plane (kInvalidArgument). Writes no more of a
+    /// plane of a planar frame than the size that the frame states.
     ResultCode ProcessFrame(FrameRecord* frame) override;
 
     ResultCode Shutdown() override;
 
-    /// Slot 19. Fills two tables of width * height entries, row after row: the column and the row of the
-    /// source of each pixel, rounded half up when they are used. Called with the size of the picture and, for
-    /// planar streams, with half of it: the chroma planes are bent like a small picture of their own. Either
+    /// Slot 19. Fills two tables of width * height entries, row by row: the source column and source row of
+    /// each pixel, rounded half up when used. Called with the size of the picture and, for planar streams,
+    /// with half of it for the chroma planes, which are distorted like a small picture of their own. Either
     /// size may be 0.
     virtual void BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) = 0;
 
@@ -38,7 +38,7 @@ class CSpecialEffectFilter_IppDistortion : public CSpecialEffectFilter {
 
     GatherMap HalfMap;             ///< for the chroma planes
     GatherMap FullMap;             ///< for luma, or for packed pixels
-    std::vector<uint8_t> Scratch;  ///< the bent picture, plane after plane
+    std::vector<uint8_t> Scratch;  ///< the remapped picture, plane after plane
     StreamDescription Stream{};
 };
 

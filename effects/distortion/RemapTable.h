@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-/// The column and the row of the source of each pixel, row after row. Looks at memory of somebody else.
+/// The source column and source row of each pixel, row by row. Does not own its memory.
 struct RemapTable {
     float* xMap;
     float* yMap;
@@ -15,7 +15,7 @@ struct RemapTable {
     float* XRow(int32_t y) const { return xMap + static_cast<ptrdiff_t>(y) * width; }
     float* YRow(int32_t y) const { return yMap + static_cast<ptrdiff_t>(y) * width; }
 
-    /// Every pixel is its own source.
+    /// Makes every pixel its own source.
     void FillIdentity() const;
 
     /// The indices of the source pixels, coordinates rounded half up; GatherMap::kKeep where the source lies
@@ -23,7 +23,7 @@ struct RemapTable {
     std::vector<uint32_t> NearestIndices() const;
 };
 
-/// A table with memory of its own, zeros at first.
+/// A table that owns its memory; entries start at 0.
 class OwnedRemapTable {
   public:
     OwnedRemapTable(int32_t width, int32_t height)

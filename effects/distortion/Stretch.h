@@ -10,7 +10,7 @@ class CStretchSpecialEffectFilter final
   public:
     static constexpr const char* DisplayName = "Blockhead";
 
-    /// Always kSuccess; the frames of a stream that is not served are refused.
+    /// Always returns kSuccess; frames of an unsupported stream are refused later.
     ResultCode Configure(StreamDescription* description) override;
     void BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) override;
 };

@@ -6,13 +6,13 @@
 #include "imaging/IndexGather.h"
 #include "imaging/Plane8u.h"
 
-/// The mapping is built once for each stream; a frame costs one look-up a pixel.
+/// The map is built once for each stream; a frame costs one look-up a pixel.
 class CTwirlSpecialEffectFilter final : public PlanarEffect<CTwirlSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Twirl";
 
-    /// Variant 1 turns a disc as high as the frame and leaves the rest in place; any other turns the whole
-    /// frame, out to its corners. `angle` is the turn at the centre, in radians.
+    /// Variant 1 turns a disc as high as the frame; any other variant turns the whole frame, out to its
+    /// corners. `angle` is the turn at the centre in radians.
     CTwirlSpecialEffectFilter(int32_t variant, double angle = 1.15);
 
     void Prepare();

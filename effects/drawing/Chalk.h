@@ -13,7 +13,7 @@ class CChalkSpecialEffectFilter final : public PlanarEffect<CChalkSpecialEffectF
     static constexpr const char* DisplayName = "Chalk";
     static std::span<const Property<CChalkSpecialEffectFilter>> Properties();
 
-    /// Variant 2 starts with inked edges; 3 draws nothing but a grey outline, whatever "DrawEdges" says.
+    /// Variant 2 starts with inked edges. Variant 3 always draws only a grey outline; it ignores "DrawEdges".
     explicit CChalkSpecialEffectFilter(int32_t variant)
         : DrawEdges(variant == 2), OutlineOnly(variant == 3) {}
 

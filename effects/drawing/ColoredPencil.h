@@ -6,7 +6,7 @@
 #include "imaging/BoxFilter.h"
 #include "imaging/Plane8u.h"
 
-/// Draws where a pixel is brighter than its surroundings; chroma is left alone.
+/// Draws where a pixel is brighter than its surroundings; chroma is unchanged.
 class CColoredPencilSpecialEffectFilter final : public PlanarEffect<CColoredPencilSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Colored Pencil";

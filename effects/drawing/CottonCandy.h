@@ -21,7 +21,7 @@ class CCottonCandySpecialEffectFilter final : public PlanarEffect<CCottonCandySp
     CPlane8u Padded;       // the luma with a margin, blurred in place
     BoxFilter Blur;        // of `Padded`
     CPlane8u BlurredHalf;  // the blur at the size of chroma
-    ResizePlan Shrink;     // to it
+    ResizePlan Shrink;     // from `Padded` to `BlurredHalf`
 };
 
 #endif

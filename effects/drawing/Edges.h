@@ -1,4 +1,4 @@
-// Edges of a plane, found while it is being drawn from: no gradient planes go through memory.
+// Edge strengths computed while drawing, without storing gradient planes.
 #ifndef SPECIALEFFECTS_EFFECTS_DRAWING_EDGES_H
 #define SPECIALEFFECTS_EFFECTS_DRAWING_EDGES_H
 
@@ -8,8 +8,8 @@
 
 #include "imaging/PerLevel.h"
 
-/// |dx| + |dy| of the 3 by 3 Sobel pair at a pixel that has neighbours on all sides; 0 to 2040. `step` is the
-/// row step.
+/// |dx| + |dy| of the 3 by 3 Sobel pair at a pixel with neighbours on all sides, 0 to 2040. `step` is the
+/// distance between rows in bytes.
 SE_INLINE int32_t EdgeStrength(const uint8_t* pixel, ptrdiff_t step) {
     const uint8_t* const above = pixel - step;
     const uint8_t* const below = pixel + step;
@@ -18,9 +18,8 @@ SE_INLINE int32_t EdgeStrength(const uint8_t* pixel, ptrdiff_t step) {
     return std::abs(dx) + std::abs(dy);
 }
 
-/// Calls draw(x, strength) for the pixels of row `y` of a plane. The outermost pixels of a plane have no
-/// edges: their strength is 0. `draw` does not write to
-/// the plane.
+/// Calls draw(x, strength) for the pixels of row `y` of a plane. The outermost pixels of a plane have
+/// strength 0. `draw` must not write to the plane.
 template <class Draw>
 SE_INLINE void ForEdgesOfRow(const uint8_t* plane, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
                              ptrdiff_t y, Draw draw) {

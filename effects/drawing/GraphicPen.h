@@ -5,16 +5,17 @@
 #include "effects/drawing/TonePages.h"
 #include "framework/EffectBase.h"
 
-/// The sister of Sketch: its pages are hatched otherwise, it can take the colour away, and one variant moves
-/// the pages along their own hatching, so that the lines seem to be drawn on and on while the picture keeps
-/// still. `Configure` draws the pages with `rand`, for packed streams too.
+/// Like Sketch with other hatching: it can also remove the colour, and one variant moves the pages along
+/// their own hatching, so that the lines keep being drawn while the picture stands still. `Configure` draws
+/// the pages with `rand`, for packed streams too.
 class CGraphicPenSpecialEffectFilter final : public PlanarEffect<CGraphicPenSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Graphic Pen";
     static constexpr bool PreparesPacked = true;
     static std::span<const Property<CGraphicPenSpecialEffectFilter>> Properties();
 
-    /// Variants 2 to 4 lift all but the edges by half; 3 softens the result, and in 4 the hatching crawls.
+    /// Variants 2 to 4 brighten all but the edges by half; 3 softens the result, and in 4 the hatching
+    /// crawls.
     explicit CGraphicPenSpecialEffectFilter(int32_t variant)
         : EdgeLight(variant >= 2 && variant <= 4), Soften(variant == 3), Crawl(variant == 4) {}
 
@@ -26,7 +27,7 @@ class CGraphicPenSpecialEffectFilter final : public PlanarEffect<CGraphicPenSpec
     const bool EdgeLight, Soften, Crawl;
     bool Colored = true;
     TonePages Pages;
-    CPlane8u SoftenTemp;      // the drawing, where it cannot be made in the frame itself
+    CPlane8u SoftenTemp;      // the drawing, when it cannot be made in the frame itself
     int32_t CrawlOffset = 0;  // columns
     uint32_t FrameCount = 0;
 };

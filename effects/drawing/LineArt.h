@@ -6,19 +6,19 @@
 #include "imaging/GaussKernel1D.h"
 #include "imaging/Plane8u.h"
 
-/// Lines are of full luma and have the hue of the background, as its chroma is everywhere.
+/// Lines have full luma; the background's chroma covers the whole frame, so lines have its hue too.
 class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Line Art";
     static std::span<const Property<CLineArtSpecialEffectFilter>> Properties();
 
-    /// There are two variants, and they are the same.
+    /// The two variants are identical.
     explicit CLineArtSpecialEffectFilter(int32_t /*variant*/) {}
 
     /// Reads the background colour from the text file that `settings` names: red, green and blue in decimal,
-    /// with blanks between. Each is clamped to 0..255; from the first one that is not there on they are 0.
-    /// kFailure, and nothing changed, for a null record or path, for what is no regular file and for a file
-    /// that cannot be opened; kOutOfMemory, and nothing changed, when memory runs out.
+    /// separated by white space. Each is clamped to 0..255; a missing number and all after it are 0. Returns
+    /// kFailure for a null record or path, for anything but a regular file and for a file that cannot be
+    /// opened, and kOutOfMemory when memory runs out; the colour is then unchanged.
     ResultCode LoadSettings(SettingsRecord* settings) override;
     using PlanarEffect::LoadSettings;
 

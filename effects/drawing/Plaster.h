@@ -5,9 +5,9 @@
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 
-/// A threshold splits the picture into dark and bright; the border between them is raised as a relief, the
-/// dark part laid over it, and all of it tinted. The threshold moves by one level a frame until the dark part
-/// covers between 15 and 70 percent of the picture.
+/// A threshold splits the picture into dark and bright. The border between them is raised as a relief, the
+/// dark part is laid over it, and everything is tinted. The threshold moves by at most one level a frame
+/// until the dark part covers between 15 and 70 percent of the picture.
 class CPlasterSpecialEffectFilter final : public PlanarEffect<CPlasterSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Plaster";
@@ -17,10 +17,10 @@ class CPlasterSpecialEffectFilter final : public PlanarEffect<CPlasterSpecialEff
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    /// Marks in `Mask` what is dark in `Work`, and moves the limit for the next frame.
+    /// Marks the dark pixels of `Work` in `Mask` and moves the threshold for the next frame.
     void ThresholdDark();
 
-    CPlane8u Work;  // its outermost pixels are flat plaster for good
+    CPlane8u Work;  // its outermost pixels stay flat plaster
     CPlane8u Core;  // the dark part without its rim
     CPlane8u Mask;  // the dark part
     int32_t DarkLimit = 40;

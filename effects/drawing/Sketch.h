@@ -5,15 +5,15 @@
 #include "effects/drawing/TonePages.h"
 #include "framework/EffectBase.h"
 
-/// Each luma is replaced by the pixel at its place on the page of its tone; chroma is left alone. `Configure`
-/// draws the pages with `rand`, for packed streams too.
+/// Replaces each luma by the pixel at the same place on the page of its tone; chroma is unchanged.
+/// `Configure` draws the pages with `rand`, for packed streams too.
 class CSketchSpecialEffectFilter final : public PlanarEffect<CSketchSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Sketch";
     static constexpr bool PreparesPacked = true;
 
-    /// Variant 2 inks strong edges flat dark; 3 keeps contours at their tone, lifts all else by half and
-    /// softens the result.
+    /// Variant 2 inks strong edges. Variant 3 keeps contours at their tone, brightens everything else by half
+    /// and softens the result.
     explicit CSketchSpecialEffectFilter(int32_t variant)
         : EdgeInk(variant == 2), ContourLight(variant == 3), Soften(variant == 3) {}
 
@@ -24,7 +24,7 @@ class CSketchSpecialEffectFilter final : public PlanarEffect<CSketchSpecialEffec
   private:
     const bool EdgeInk, ContourLight, Soften;
     TonePages Pages;
-    CPlane8u SoftenTemp;  // the drawing, where it cannot be made in the frame itself
+    CPlane8u SoftenTemp;  // the drawing, when it cannot be made in the frame itself
 };
 
 #endif

@@ -1,5 +1,5 @@
-// A stack of ten tone pages, the brightest of blank paper and the darkest of flat grey, with pages between
-// them that are drawn once. Pixels of a frame are looked up on the page of their tone.
+// A stack of ten tone pages, from blank paper to flat grey. The pages between are drawn once. Pixels of a
+// frame are looked up on the page of their tone.
 #ifndef SPECIALEFFECTS_EFFECTS_DRAWING_TONEPAGES_H
 #define SPECIALEFFECTS_EFFECTS_DRAWING_TONEPAGES_H
 
@@ -16,8 +16,8 @@ class TonePages {
     static constexpr uint8_t kPaper = 255;
     static constexpr uint8_t kDarkest = 30;
 
-    /// Draws the stack from the brightest page down: draw(page, level) adds the strokes of the tone `level`
-    /// to a copy of the next brighter page. The darkest page has none.
+    /// Draws the stack from the brightest page down: draw(page, level) adds the strokes of tone `level` to a
+    /// copy of the next brighter page. The darkest page has no strokes.
     template <class Draw>
     void Build(int32_t width, int32_t height, Draw draw) {
         Release();
@@ -32,13 +32,12 @@ class TonePages {
 
     void Release() { ReleaseMemory(drawn_); }
 
-    /// Replaces each of `count` tones by what the page of that tone shows. The tones are laid on the pixels
-    /// from number `first` on, row after row; past their last pixel the pages start again. For pages that
-    /// have been built.
+    /// Replaces each of `count` tones by the pixel of that tone's page. Tones map to the page's pixels from
+    /// number `first` on, row by row, and wrap round at the end. The pages must have been built.
     void Shade(uint8_t* tones, size_t first, size_t count) const;
 
   private:
-    /// A page that is not blank, and the tone from which on a brighter page is used.
+    /// A page that is not blank, and the first tone of the next brighter page.
     struct Page {
         CPlane8u plane;
         uint8_t brighterFrom;
@@ -50,17 +49,18 @@ class TonePages {
     std::vector<Page> drawn_;  // from bright to dark
 };
 
-/// Sets a pixel to paper wherever none is among the `before` pixels on its left, itself and the `after` ones
-/// on its right: row by row from the left, so that a pixel just set counts for the next. These are the dots
-/// of paper that show through bright hatching. The last column and the first `before` ones are left alone.
+/// Sets a pixel to paper unless paper is already among the `before` pixels on its left, itself and the
+/// `after` pixels on its right. Works row by row from the left, so a pixel just set counts for the next.
+/// These dots of paper show through bright hatching. The last column and the first `before` columns are
+/// unchanged.
 void SprinklePaper(CPlane8u& page, int32_t before, int32_t after);
 
-/// The tones of row `y` of `luma`: half as much again where an edge is weaker than `edge`, and as they are
-/// along the edges.
+/// The tones of row `y` of `luma`: brightened by half where an edge is weaker than `edge`, unchanged along
+/// the edges.
 void LiftFlatAreas(const CPlane8u& luma, int32_t y, int32_t edge, uint8_t* tones);
 
-/// Brings a finished drawing into the frame, of the same size. Softened, it goes through a Gaussian of 3 by
-/// 3, and the outermost pixels repeat their neighbours inside; a plane too small for that stays sharp.
+/// Copies a finished drawing into the frame, which has the same size. If `soften`, applies a 3 by 3 Gaussian,
+/// and the outermost pixels repeat their inner neighbours; a plane too small for that stays sharp.
 void FinishDrawing(const CPlane8u& drawing, bool soften, CPlane8u& luma);
 
 #endif
