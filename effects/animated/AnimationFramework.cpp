@@ -10,7 +10,7 @@
 namespace {
 
 /// Calls `row(mask, plane, count)` for every row of `mask` that lies on `plane` when its corner is at (x, y).
-/// The rows are cut to what both have.
+/// Rows are clipped to the overlap.
 template <class Row>
 void ForEachSharedRow(const CPlane8u& mask, int32_t x, int32_t y, int32_t planeWidth, int32_t planeHeight,
                       Row row) {
@@ -23,7 +23,7 @@ void ForEachSharedRow(const CPlane8u& mask, int32_t x, int32_t y, int32_t planeW
     }
 }
 
-/// The mask is the opacity and the value laid down.
+/// The mask is both the opacity and the value.
 SE_INLINE void AddLight(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT work, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint8_t a = mask[i];
@@ -38,7 +38,7 @@ SE_INLINE void Screen(const uint8_t* SE_RESTRICT light, uint8_t* SE_RESTRICT y, 
     }
 }
 
-/// Mask pixels of 0 blend nothing in, so that they need no test.
+/// Mask pixels of 0 blend nothing, so they need no test.
 SE_INLINE void BlendColor(const uint8_t* SE_RESTRICT mask, uint8_t alpha, uint8_t color,
                           uint8_t* SE_RESTRICT pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) {

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Brightness of a fading sprite over x from 0 to 8: rises fast, peaks at about 2 and dies slowly.
+/// Brightness of a fading sprite for x from 0 to 8: rises fast, peaks near 2 and fades slowly.
 uint8_t FadeValue(double x) {
     constexpr double kCoefficients[] = {19.795236361585, 369.733067341368, -199.738438091861,
                                         58.497524260458, -17.016867787585, 3.998718989183,

@@ -23,15 +23,15 @@ namespace {
 constexpr const char* kFile = "perlin.dat";
 constexpr int32_t kPictureWidth = 640, kPictureHeight = 480;
 
-/// The place in the loop, shared by all effects of the surroundings. The phase would blend neighbouring
-/// pictures; it rests at 0.
+/// The position in the loop, shared by all effects of the same surroundings. The phase would blend
+/// neighbouring pictures; it stays at 0.
 struct CloudLoop {
     std::atomic<uint32_t> CloudFrame = 0;
     std::atomic<int32_t> CloudPhase = 0;
 };
 
-/// The picture at place `t` of the loop, from 0 towards 1. Two stretches of the noise, one running up to
-/// where the other begins, fade over into each other, so that the last picture flows into the first.
+/// The picture at position `t` of the loop, 0 <= t < 1. Cross-fades two stretches of the noise, one of which
+/// ends where the other begins, so that the last picture leads into the first.
 void DrawPicture(CPlane8u& picture, const GradientNoise& noise, double t) {
     const auto octaves = [&](int32_t x, int32_t y, double z) {
         return noise.Turbulence(x / 64.0, y / 64.0, z, 2, 2, 7);
@@ -47,7 +47,7 @@ void DrawPicture(CPlane8u& picture, const GradientNoise& noise, double t) {
     }
 }
 
-/// A file that is removed with the object, if it is still there.
+/// A temporary file; the destructor removes it if it still exists.
 struct TemporaryFile {
     const std::filesystem::path path;
     ~TemporaryFile() {
@@ -56,9 +56,9 @@ struct TemporaryFile {
     }
 };
 
-/// Makes the file of the pictures, whole or not at all. An empty path means nowhere.
+/// Writes the file of the pictures completely or not at all. Writes nothing for an empty path.
 void WritePictures(const std::string& path, int count) {
-    // The noise tables are drawn whether the file can be written or not.
+    // Draw the noise tables even if the file cannot be written.
     const auto& noise = CurrentSurroundings().Shared<GradientNoise>(Rand);
     if (path.empty()) return;
     CPlane8u picture = NewPlane(kPictureWidth, kPictureHeight);
@@ -83,7 +83,7 @@ SE_INLINE void BlendPictures(const uint8_t* SE_RESTRICT now, const uint8_t* SE_R
     }
 }
 
-/// Lays a flat value over a plane.
+/// Blends a flat value into a plane.
 SE_INLINE void BlendColor(uint8_t* SE_RESTRICT pixels, const uint8_t* SE_RESTRICT mask, uint8_t value,
                           size_t count) {
     for (size_t i = 0; i < count; ++i) {
@@ -95,8 +95,8 @@ SE_INLINE void BlendColor(uint8_t* SE_RESTRICT pixels, const uint8_t* SE_RESTRIC
 }  // namespace
 
 std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter::Properties() {
-    // What starts differs from the default text of the colour, and the lower bound of the intensity from its
-    // range text: hosts know both.
+    // The initial colour differs from the default text, and the lowest intensity from the range text. Hosts
+    // rely on both.
     static constexpr ValueName kTypes[] = {
         {1, "veil", "an even veil"},
         {2, "patches", "patches with clear sky between them"},
@@ -115,7 +115,7 @@ std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter
 }
 
 void CCloudsSpecialEffectFilter::Prepare() {
-    // What is no file in its place is left alone: reading from a pipe could block for ever.
+    // Leave anything but a regular file alone: reading from a pipe could block for ever.
     std::error_code error;
     Surroundings& surroundings = CurrentSurroundings();
     const std::string path = surroundings.DataFile(kFile);
@@ -145,10 +145,10 @@ void CCloudsSpecialEffectFilter::Release() {
     ReleaseMemory(NoiseFrames, Mask, SmallMask, Shrink);
 }
 
-/// `weight` of 256 is all of `next`.
+/// At a `weight` of 256 only `next` counts.
 void CCloudsSpecialEffectFilter::FillMask(const CPlane8u& now, const CPlane8u& next, int32_t weight) {
     if (Type == 3) {
-        // Thickest at the upper edge, nothing in the lower two thirds.
+        // Densest at the upper edge, nothing in the lower two thirds.
         Mask.Fill(0);
         const int32_t third = Mask.height / 3;
         for (int32_t y = 0; y < third; ++y) {

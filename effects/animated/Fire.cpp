@@ -16,7 +16,7 @@ constexpr uint8_t Truncated(double value) {
     return static_cast<uint8_t>(value <= 0.0 ? 0 : value >= 255.0 ? 255 : static_cast<int>(value));
 }
 
-/// White, red, dark violet, blue, white; in studio range.
+/// White, red, dark violet, blue, white, in studio range.
 constexpr FirePalette MakePalette() {
     FirePalette palette;
     for (size_t index = 0; index < 256; ++index) {
@@ -44,7 +44,7 @@ constexpr FirePalette MakePalette() {
 }
 constexpr FirePalette kPalette = MakePalette();
 
-/// Share of the blur, in 1/1024, by luma: 1024 * (luma / 256)^2, truncated.
+/// Weight of the blur in 1/1024 by luma: 1024 * (luma / 256)^2, truncated.
 constexpr uint32_t BlurWeight(uint32_t luma) {
     return luma * luma >> 6;
 }
@@ -84,7 +84,7 @@ void CFireSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     const int32_t width = Width(), height = Height();
     CPlane8u y = CPlane8u::Over(frame.y.data, width, height);
     Padded.CopyWithBorder(y, Border);
-    // Filters nothing on frames no larger than the mask; the copy then serves as it is.
+    // The filter does nothing on frames no larger than the mask; the unblurred copy then serves as the blur.
     Blur.ApplyInPlace(Padded);
 
     for (int32_t row = 0; row < height; ++row) {

@@ -15,7 +15,7 @@ int32_t ClippedRadius(const CPlane8u& plane, int32_t radius) {
     return std::min({plane.width / 2, plane.height / 2, radius});
 }
 
-/// 0 inside the rim at 1, 1 outside it, a smooth step between.
+/// 0 inside radius 1, 1 outside it, with a smooth step between.
 double Edge(double d) {
     if (d < 0.99) return 0.0;
     if (d >= 1.01) return 1.0;
@@ -78,7 +78,7 @@ void Star(CPlane8u& plane, int32_t radius, int32_t spikes) {
             const int32_t x = middleX + static_cast<int32_t>(sine * s);
             const int32_t y = middleY + static_cast<int32_t>(cosine * s);
             if (x < 0 || x >= plane.width || y < 0 || y >= plane.height) continue;
-            // First come, first served.
+            // Several pixels may map to one; the first wins.
             uint8_t& pixel = plane.Row(y)[x];
             if (pixel == 0) pixel = static_cast<uint8_t>((1 - s / length) * 255.0);
         }
@@ -154,7 +154,7 @@ void CLensFlaresMovingAnimation::BuildFrames() {
             default:
                 break;
         }
-        // The flare swells once and then shrinks.
+        // The flare swells once and shrinks.
         radius += sign * step;
         if (radius >= half) sign = -sign;
     }
@@ -178,7 +178,7 @@ void CFlaresField::AddFlares(int32_t count) {
         AnimationObject flare =
             MakeOwned<CLensFlaresMovingAnimation>(FlareSize, FlareSize, Width, Height, type, kFrames, kSpeed);
         if (Mode == kPlainGlow) {
-            // A field of plain glows is all one deep blue.
+            // All flares of a plain-glow field have the same deep blue.
             uint8_t color[4];
             flare->SetColor(RgbToYuvColor(color, 36, 25, 200));
         }

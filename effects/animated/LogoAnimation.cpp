@@ -80,7 +80,7 @@ void Effect::Release() {
     ReleaseMemory(Text, LogoPath);
 }
 
-/// Brings the current field to the wanted number: the oldest copies go first, new ones come last.
+/// Brings the current field to the wanted number of copies. Removes the oldest first; appends new ones.
 void Effect::SyncObjects(int32_t wanted) {
     const auto have = static_cast<int32_t>(CurrentField->GetObjectCount());
     CurrentField->RemoveFirst(have - wanted);
@@ -93,7 +93,7 @@ void Effect::SyncObjects(int32_t wanted) {
     }
 }
 
-/// A logo is never wider or higher than a quarter of the frame; the two are decided apart.
+/// Limits the logo to a quarter of the frame, width and height independently.
 bool Effect::AddPictureLogo(const std::string& path) {
     CPlane8u bitmap;
     if (!bitmap.LoadBmp(path.c_str())) return false;
@@ -129,7 +129,7 @@ void Effect::AddLogoObject(const CPlane8u& plane) {
     CurrentField->AddObject(std::move(logo));
 }
 
-/// One of the colours that are set, by a draw; black, without one, when none is.
+/// A random one of the colours that are set. Black, without a draw, if none is set.
 void Effect::PickColor(uint8_t* color) const {
     uint32_t set[5];
     int32_t count = 0;

@@ -10,11 +10,11 @@ namespace {
 
 constexpr uint32_t kSlots = 16;
 
-/// Pixels that are picked together while the slots pass by.
+/// Pixels that are selected together.
 constexpr size_t kBlock = 128;
 
-/// dst[i] = history[slot[i]][i], the planes of the history being `count` bytes apart. All sixteen are read in
-/// step and the right one is kept: sixteen selects on whole vectors beat one load a pixel from anywhere.
+/// dst[i] = history[slot[i]][i]; the planes of the history are `count` bytes apart. Reads all sixteen planes
+/// in step and keeps the right value: sixteen vector selects are faster than one random load a pixel.
 SE_INLINE void PickSlots(const uint8_t* SE_RESTRICT history, const uint8_t* SE_RESTRICT slot,
                          uint8_t* SE_RESTRICT dst, size_t count) {
     size_t start = 0;
@@ -62,7 +62,7 @@ void CQuarkSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 void CQuarkSpecialEffectFilter::ProcessPlane(const FramePlane& plane, History& history) {
     const size_t count = static_cast<size_t>(plane.width) * static_cast<size_t>(plane.height);
     if (count == 0) return;
-    // The luma's window is taken before the counter moves, those of chroma after it.
+    // The luma's window is taken before the counter moves, the chroma windows after it.
     const size_t offset = Counter % count;
     const uint8_t* window = HalfNoise.data() + offset;
     if (plane.width == Width()) {

@@ -11,7 +11,8 @@
 
 namespace {
 
-/// One row of the wave equation, with the heights of two frames ago in `target` and one sixteenth lost.
+/// One row of the wave equation. `target` holds the heights of two frames ago; one sixteenth of the height is
+/// lost.
 SE_INLINE void PropagateRow(const int16_t* SE_RESTRICT above, const int16_t* SE_RESTRICT row,
                             const int16_t* SE_RESTRICT below, int16_t* SE_RESTRICT target, int32_t begin,
                             int32_t end) {
@@ -23,7 +24,7 @@ SE_INLINE void PropagateRow(const int16_t* SE_RESTRICT above, const int16_t* SE_
     }
 }
 
-/// Whether the water is level over a run of pixels: then the picture shows through as it is.
+/// Whether the water is level over a run of pixels, so that the picture shows unchanged.
 SE_INLINE bool IsLevel(const int16_t* above, const int16_t* row, const int16_t* below, int32_t begin,
                        int32_t end) {
     int32_t slopes = 0;
@@ -61,7 +62,7 @@ void CRainSpecialEffectFilter::Release() {
     ReleaseMemory(Output, TargetWaves, SourceWaves);
 }
 
-/// A drop stands 192 high in its middle and falls off with the distance.
+/// A drop is 192 high in its middle and falls off with the distance.
 void CRainSpecialEffectFilter::BuildStamp() {
     const int32_t size = DropSize, half = size / 2;
     for (int32_t y = -half; y < half; ++y) {
@@ -76,7 +77,7 @@ void CRainSpecialEffectFilter::BuildStamp() {
     StampReady = true;
 }
 
-/// The stamp replaces the water, it does not add to it.
+/// The stamp replaces the water; it is not added.
 void CRainSpecialEffectFilter::DropStone() {
     const int32_t size = DropSize, half = size / 2, margin = size - 1;
     const int32_t roomX = Width() - 2 * margin, roomY = Height() - 2 * margin;
@@ -104,7 +105,7 @@ void CRainSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     if (count == 0) std::memcpy(Output.data(), luma, Output.size());
     if (count % static_cast<uint32_t>(DropPeriod) == 0) DropStone();
 
-    // The two outermost rows and columns of the water are not computed.
+    // Heights in the two outermost rows and columns are not computed.
     const auto rowOf = [&](std::vector<int16_t>& waves, int32_t y) {
         return waves.data() + ptrdiff_t{y} * width;
     };
@@ -113,9 +114,9 @@ void CRainSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
                               rowOf(TargetWaves, y), 2, width - 2);
     }
 
-    // The slope shifts the sample and lights it. A sample may come from one past the last column or row;
-    // there it is the next pixel in memory, or the last one of the picture. Further out the pixel keeps what
-    // an earlier frame gave it.
+    // The slope shifts the sample and lights it. A sample may lie one past the last column or row; it is then
+    // the next pixel in memory, or the last one of the picture. If it lies further out, the pixel keeps its
+    // value from an earlier frame.
     constexpr int32_t kRun = 64;
     const int64_t last = int64_t{width} * height - 1;
     for (int32_t y = 1; y < height - 1; ++y) {

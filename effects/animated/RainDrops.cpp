@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int32_t kCell = 12;   ///< pixels a cell
-constexpr double kHeavy = 1.5;  ///< water that starts to run
+constexpr double kHeavy = 1.5;  ///< water above which a cell starts to run
 constexpr double kWet = 0.5;    ///< water that attracts a runner
 constexpr int32_t kLargestRadius = 16;
 constexpr int32_t kMostDrops = 10;  ///< of rain on a frame

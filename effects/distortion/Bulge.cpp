@@ -7,12 +7,12 @@
 
 namespace {
 
-// The angles are single precision and walk in single precision steps; the limits, at which a wave has run its
-// course and stays 0, are double. The digits are part of the picture.
+// Angles are stepped in single precision; the limits where a wave ends and stays 0 are double. The exact
+// digits affect the picture.
 constexpr float kThetaStart = 3.14F, kThetaRowStart = 3.14159F, kPhiStart = 1.57F;
 constexpr double kThetaEnd = 6.28, kPhiEnd = 3.14;
 
-/// What a column adds to the displacement: the factor of its x part and that of its y part.
+/// A column's contribution to the displacement: the factors of its x and y parts.
 struct ColumnWave {
     double sinTheta;
     float d;
@@ -38,16 +38,16 @@ ResultCode CBulgeSpecialEffectFilter::Configure(StreamDescription* description) 
     return kSuccess;
 }
 
-// One quarter of the picture is computed and mirrored to the other three. The waves run from pi upward, so
-// that they are negative near the centre: sources lie closer to it than their destinations. The mirrored row
-// of row y is row height - y, with the value of the row above it: one row of seam, which is part of the
+// Compute one quarter of the picture and mirror it to the other three. The waves run from pi upward, so they
+// are negative near the centre: sources lie closer to it than their destinations. Row y is mirrored to row
+// height - y, but with the source computed for the row above it; the resulting seam of one row is part of the
 // picture.
 void CBulgeSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) {
     if (width < 1 || height < 1) return;
     const RemapTable table{xMap, yMap, width, height};
     table.FillIdentity();
 
-    // A radius or an extent of 0, at the smallest sizes, makes the steps infinite: the waves end at once.
+    // A radius or an extent of 0, at the smallest sizes, makes the steps infinite: the waves end immediately.
     const auto radius = static_cast<int32_t>(height * 0.5 * double{0.8F});
     const auto radiusFloat = static_cast<float>(radius);
     const auto extent = static_cast<float>(radius * height / width);
@@ -63,7 +63,7 @@ void CBulgeSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int32_
             double{rowPhi} >= kPhiEnd ? 0.0F : static_cast<float>(std::sin(double{rowPhi}) * double{amp});
         const float b = double{rowTheta} >= kThetaEnd ? 0.0F : static_cast<float>(std::sin(double{rowTheta}));
         const int32_t mirrorRow = height - y, n = mirrorRow - 1;
-        const bool hasMirrorRow = mirrorRow < height;  // not so in a picture of one row
+        const bool hasMirrorRow = mirrorRow < height;  // false in a picture of one row
         for (int32_t x = left; x < width; ++x) {
             const auto& [sinTheta, d] = columns[static_cast<size_t>(x - left)];
             const auto c = static_cast<float>(sinTheta * double{a});

@@ -8,12 +8,12 @@
 
 namespace {
 
-/// Where a pixel comes from. (0, 0) is the black pixel.
+/// The source of a pixel; (0, 0) is the black pixel.
 struct Source {
     float x, y;
 };
 
-/// The disc is inscribed in the picture, or reaches to its farther sides when `large`.
+/// The disc spans the shorter side of the picture, or the longer one if `large`.
 Source SphereMap(int32_t x, int32_t y, int32_t width, int32_t height, bool large) {
     static const double twoOverPi = 1 / std::asin(1.0);
     const double cx = width * 0.5, cy = height * 0.5;
@@ -28,7 +28,7 @@ Source SphereMap(int32_t x, int32_t y, int32_t width, int32_t height, bool large
 }
 
 /// Scales the distance from the centre, in whole pixels, by curve(distance / radius). The disc is as wide as
-/// the picture when `large`, else as high.
+/// the picture if `large`, otherwise as high.
 template <class Curve>
 Source CurveMap(int32_t x, int32_t y, int32_t width, int32_t height, bool large, Curve curve) {
     const int32_t cx = width / 2, cy = height / 2;
@@ -87,7 +87,7 @@ ResultCode CFishEyeSpecialEffectFilter::Configure(StreamDescription* description
     return kSuccess;
 }
 
-/// Before the first `Configure` the stored description is that of no stream, and nothing is built.
+/// Before the first `Configure` there is no stream, and nothing is built.
 void CFishEyeSpecialEffectFilter::Rebuild() {
     CSpecialEffectFilter_IppDistortion::Shutdown();
     CSpecialEffectFilter_IppDistortion::Configure(&StoredStream);

@@ -12,7 +12,7 @@ namespace {
 constexpr double kBend = 0.3;
 constexpr double kTwist = 0.0;  // radians at the centre; a design parameter of the picture
 
-/// What happens at one distance from the centre: offsets grow by `stretch` and turn by an angle.
+/// The mapping at one distance from the centre: offsets are scaled by `stretch` and rotated by an angle.
 struct Bend {
     double stretch, sine, cosine;
 
@@ -27,7 +27,7 @@ struct Bend {
     }
 };
 
-/// Whole offsets, from a whole centre. Only the flat index is held inside the plane, not its column.
+/// Integer offsets from an integer centre. Only the flat index is clamped to the plane, not the column.
 GatherMap BuildMap(int32_t width, int32_t height) {
     const int32_t hw = width / 2, hh = height / 2, R2 = hh * hh, count = width * height;
     std::vector<uint32_t> indices(static_cast<size_t>(count));
@@ -49,7 +49,7 @@ GatherMap BuildMap(int32_t width, int32_t height) {
     return MakeGatherMap(indices, width);
 }
 
-/// The same between the pixels: a table of coordinates.
+/// The same with fractions, as a table of coordinates.
 void FillTable(const RemapTable& table) {
     table.FillIdentity();
     const double cx = 0.5 * table.width, cy = 0.5 * table.height, R2 = cy * cy;
@@ -88,7 +88,7 @@ void CHallwayVisionSpecialEffectFilter::Prepare() {
         IndexHalf = MakeGatherMap(chroma.View().NearestIndices(), width / 2);
         if (width > 1 && height > 1) {
             LumaWarp = LinearWarp(luma.View());
-        } else {  // there is nothing to interpolate with
+        } else {  // too small to interpolate
             IndexFull = MakeGatherMap(luma.View().NearestIndices(), width);
         }
     }

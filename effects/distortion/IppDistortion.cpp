@@ -26,7 +26,7 @@ ResultCode CSpecialEffectFilter_IppDistortion::Configure(StreamDescription* desc
     const bool planar = Stream.Format == kFormatPlanar;
     const size_t pixels = PixelCount(Stream.Width, Stream.Height);
     const size_t chromaPixels = PixelCount(Stream.Width / 2, Stream.Height / 2);
-    // Pixels without a source are never written, so they show forever what stands here at the start: black.
+    // Pixels without a source are never written, so they keep this initial black.
     std::vector<uint8_t> scratch;
     scratch.reserve(planar ? pixels + 2 * chromaPixels : 3 * pixels);
     scratch.resize(planar ? pixels : 3 * pixels);

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr int32_t kStretch = 64;  // pixels that are mixed at once
+constexpr int32_t kStretch = 64;  // pixels mixed at once
 
-/// Where a coordinate falls between two neighbours. The fraction is exact in single precision: it is a
+/// Splits a coordinate into whole part and fraction. The fraction is exact in single precision: it is a
 /// multiple of the coordinate's last place, and no larger than the coordinate.
 struct Tap {
     int32_t index;
@@ -27,7 +27,7 @@ struct Tap {
     }
 };
 
-/// The neighbours of a stretch of pixels: two rows of pairs, the left one in the low byte.
+/// The neighbours of a stretch of pixels: two rows of pairs, the left pixel in the low byte.
 struct Neighbours {
     std::array<uint16_t, kStretch> upper, lower;
 };
@@ -46,7 +46,7 @@ SE_INLINE Real Mix(uint16_t upper, uint16_t lower, Real fx, Real fy) {
     return Real{0.5} + top + fy * (bottom - top);
 }
 
-/// The result proper: mixed in double precision and truncated.
+/// The reference result: mixed in double precision and truncated.
 SE_INLINE void MixExactly(const Neighbours& pixels, const float* SE_RESTRICT fractionX,
                           const float* SE_RESTRICT fractionY, int32_t count, uint8_t* SE_RESTRICT dst) {
     for (int32_t i = 0; i < count; ++i) {
@@ -56,8 +56,8 @@ SE_INLINE void MixExactly(const Neighbours& pixels, const float* SE_RESTRICT fra
     }
 }
 
-/// In single precision, at half the price. The rounding errors of the mix sum up to less than 2^-13; returns
-/// false when a value lies so close to a whole number that they could have carried it across.
+/// The mix in single precision, at half the cost. Its rounding errors add up to less than 2^-13. Returns
+/// false if a value lies so close to a whole number that the error could change the truncated result.
 SE_INLINE bool MixQuickly(const Neighbours& pixels, const float* SE_RESTRICT fractionX,
                           const float* SE_RESTRICT fractionY, int32_t count, uint8_t* SE_RESTRICT dst) {
     constexpr float kMargin = 0x1p-12F;

@@ -12,16 +12,16 @@
 
 namespace {
 
-/// 3 by 3 means, applied over and over to a plane whose edges are repeated outwards.
+/// Repeated 3 by 3 means of a plane whose edges are replicated.
 class Smoother {
   public:
     Smoother(int32_t width, int32_t height)
         : first_(NewPlane(width + 2 * kBorder, height + 2 * kBorder)), second_(first_) {}
 
-    /// Two means a pass.
+    /// Applies two means a pass.
     void Smooth(CPlane8u& plane, int passes) {
         first_.CopyWithBorder(plane, kBorder);
-        CopyRing(first_, second_, 1);  // the filter does not write it
+        CopyRing(first_, second_, 1);  // for the outermost pixels, which the filter does not write
         for (int i = 0; i < passes; ++i) {
             FilterLowpass3(first_, second_);
             FilterLowpass3(second_, first_);
@@ -34,7 +34,7 @@ class Smoother {
     CPlane8u first_, second_;
 };
 
-// Blobs keep to these levels; the phase of their breathing hangs on the level.
+// Blobs stay within these levels; the phase of their motion depends on the level.
 constexpr int32_t kLowestBlob = 90, kHighestBlob = 180;
 
 }  // namespace
@@ -71,7 +71,7 @@ void CLiquefySpecialEffectFilter::Release() {
     ReleaseMemory(TempPlane, HeightMap, ScrollPlane, Frames);
 }
 
-/// A wave along each axis, 100 pixels long, that moves on by one period within the cycle.
+/// One wave along each axis, 100 pixels long, that advances by one period in the cycle.
 void CLiquefySpecialEffectFilter::MakeWaves() {
     constexpr double kPi = 3.1415926535;
     const auto width = static_cast<size_t>(Width()), height = static_cast<size_t>(Height());
@@ -93,8 +93,7 @@ void CLiquefySpecialEffectFilter::MakeWaves() {
     }
 }
 
-/// Smoothed random bytes say where each pixel stands in its breath: all pixels of one level rise and fall
-/// together.
+/// Smoothed random bytes give each pixel's phase: all pixels of one level rise and fall together.
 void CLiquefySpecialEffectFilter::MakeBlobs() {
     constexpr double kTwoPi = 6.283185307;
     const double n = FrameCount;
@@ -120,8 +119,7 @@ void CLiquefySpecialEffectFilter::MakeBlobs() {
     }
 }
 
-/// The right half mirrors the left one, so that a window that runs off the right end and on at the left end
-/// shows no seam.
+/// The right half mirrors the left half, so that a window that wraps round the right end shows no seam.
 void CLiquefySpecialEffectFilter::MakeNoise() {
     const auto& field = CurrentSurroundings().Shared<GradientNoise>(Rand);
     const int32_t width = Width();

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int32_t kOne = 4096;  // 1.0 in fixed numbers
+constexpr int32_t kOne = 4096;  // 1.0 in fixed point
 constexpr int32_t kStartPhase = 5734;
 constexpr int32_t kPhaseStep = 321;
 constexpr double kPhaseLimit = 12867.963508736;  // pi
@@ -28,15 +28,15 @@ std::vector<int32_t> MakeSinCosTable() {
     return table;
 }
 
-/// What the sources of a row depend on besides the pixels themselves.
+/// The parameters of a row that its source indices depend on.
 struct Twist {
     const int32_t* turn;
     const int32_t* sinCos;
     int32_t centerX, centerY, width, pixels;
 };
 
-/// Divisions round towards zero. A source outside the plane, on frames that are higher than wide, is replaced
-/// by the pixel itself; `self` is the index of the first.
+/// Divisions truncate. A source outside the plane, possible on frames higher than wide, is replaced by the
+/// pixel itself; `self` is the index of the first pixel.
 SE_INLINE void FindSources(const Twist& twist, const uint16_t* SE_RESTRICT radius,
                            const int16_t* SE_RESTRICT angle, int32_t self, int32_t count,
                            int32_t* SE_RESTRICT sources) {
@@ -58,7 +58,7 @@ SE_INLINE void FindSources(const Twist& twist, const uint16_t* SE_RESTRICT radiu
 
 }  // namespace
 
-/// The center is given apart from the size, because that of the chroma planes can lie between two pixels.
+/// The centre is a separate argument because that of a chroma plane can lie between two pixels.
 CMovingTwirlSpecialEffectFilter::Disc CMovingTwirlSpecialEffectFilter::MakeDisc(int32_t width, int32_t height,
                                                                                 int32_t centerX,
                                                                                 int32_t centerY) {

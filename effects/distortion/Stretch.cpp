@@ -7,7 +7,7 @@
 
 namespace {
 
-// One wave from pi to its end within 0.45 of the picture; the digits are part of the picture.
+// One wave from pi, which ends within 0.45 of the picture. The exact digits affect the picture.
 constexpr float kStartAngle = 3.14159F;
 constexpr double kEndAngle = 6.28;
 
@@ -22,8 +22,8 @@ ResultCode CStretchSpecialEffectFilter::Configure(StreamDescription* description
     return kSuccess;
 }
 
-// Each map depends on one coordinate only. The half beyond the middle is computed and mirrored to column
-// width - x and to row height - y; where both meet, in the middle of an even side, the mirrored one stands.
+// Each map depends on one coordinate only. The half beyond the middle is mirrored to column width - x and row
+// height - y; in the middle of an even side, where both meet, the mirrored value wins.
 void CStretchSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) {
     if (width < 1 || height < 1) return;
     const RemapTable table{xMap, yMap, width, height};

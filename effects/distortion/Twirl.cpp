@@ -20,8 +20,8 @@ void CTwirlSpecialEffectFilter::Release() {
     ChromaMap.Release();
 }
 
-// Only the flat index of a source is held inside the plane, not its column: a column beyond the edge lands on
-// the neighbouring row. In the whole-frame twirl this wrap belongs to the look of the effect.
+// Only the flat index of a source is clamped to the plane, not its column: a column beyond the edge wraps to
+// the neighbouring row. In the whole-frame twirl this wrap is part of the look.
 GatherMap CTwirlSpecialEffectFilter::BuildMap(int32_t width, int32_t height) const {
     const int32_t hw = width / 2, hh = height / 2;
     const double radius = Mode == kDisc ? hh : std::sqrt(static_cast<double>(hw * hw + hh * hh));

@@ -27,7 +27,7 @@ SE_INLINE void InkEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t width, p
     }
 }
 
-/// Draws the edges of `source` on `luma`, the stronger the darker, and leaves the rest pale.
+/// Draws the edges of `source` on `luma`, darker where they are stronger, and leaves the rest pale.
 SE_INLINE void OutlineEdges(const uint8_t* source, uint8_t* luma, ptrdiff_t width, ptrdiff_t height) {
     constexpr int32_t kEdge = 60, kStrongEdge = 90;
     constexpr uint8_t kBoard = 221, kLine = 20;
@@ -74,7 +74,7 @@ void CChalkSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 }
 
 void CChalkSpecialEffectFilter::DrawTones(CPlane8u& y, CPlane8u& u, CPlane8u& v) {
-    // All three filters leave the same ring: it stays that of the frame.
+    // All three filters skip the same ring; it keeps the frame's pixels.
     FilterGauss5(y, Scratch, FilterRing::kCopied);
     if (DrawEdges) Blur.Apply(Scratch, EdgeSource);
     FilterMedian5(Scratch, y);

@@ -5,9 +5,8 @@
 
 namespace {
 
-/// Turns a luma plane and its local mean into lines: the rise above the mean 16 times amplified, drawn dark.
-/// All that is not darker still is shaded a little, so that paper is not quite white. Both planes receive the
-/// result.
+/// Turns a luma plane and its local mean into lines: 16 times the rise above the mean, drawn dark. All other
+/// pixels are shaded a little, so that paper is not quite white. Both planes receive the result.
 SE_INLINE void DrawLines(uint8_t* SE_RESTRICT luma, uint8_t* SE_RESTRICT mean, size_t count) {
     constexpr uint8_t kPaperShade = 30;
     for (size_t i = 0; i < count; ++i) {

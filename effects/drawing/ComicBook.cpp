@@ -5,12 +5,12 @@
 
 namespace {
 
-/// Rounds up; `value` is a fixed-point number of 16 fraction bits.
+/// Rounds up; `value` has 16 fraction bits.
 SE_INLINE constexpr int32_t Ceiling16(int32_t value) {
     return (value + 0xFFFF) >> 16;
 }
 
-/// From which luma on each colour is printed: where the converted channel reaches half scale, 128.
+/// The luma threshold of each colour: where the converted channel reaches half scale, 128.
 struct PrintLimits {
     int32_t red, green, blue;
 };
@@ -20,13 +20,13 @@ SE_INLINE PrintLimits LimitsOf(int32_t u, int32_t v) {
             128 + Ceiling16(-133169 * (u - 128))};
 }
 
-/// How many pixels of a block have each colour printed.
+/// The number of pixels of a block in which each colour is printed.
 struct InkCount {
     int32_t red = 0, green = 0, blue = 0;
 };
 
-/// Prints one pixel. The luma of a mixture is the sum of the inks' own, which the truncation to bytes leaves
-/// one short of white only.
+/// Prints one pixel. The luma of a mixture is the sum of the inks' lumas; only white would be one level too
+/// dark, because each is truncated to a byte.
 SE_INLINE void PrintPixel(uint8_t& luma, const PrintLimits& limits, InkCount& count) {
     const int32_t red = luma >= limits.red ? 1 : 0;
     const int32_t green = luma >= limits.green ? 1 : 0;
@@ -37,8 +37,8 @@ SE_INLINE void PrintPixel(uint8_t& luma, const PrintLimits& limits, InkCount& co
     count.blue += blue;
 }
 
-/// Prints the pixels that share one chroma sample: 2 by 2 inside, fewer at the last odd column and row. For
-/// the conversion's rounding, which differs between full and partial blocks, see `PrimRgbToYuv420`.
+/// Prints the pixels that share one chroma sample: 2 by 2 inside, fewer in the last odd column and row.
+/// `PrimRgbToYuv420` explains why the rounding of full and partial blocks differs.
 template <int32_t Columns, int32_t Rows>
 SE_INLINE void PrintBlock(uint8_t* SE_RESTRICT luma, ptrdiff_t step, uint8_t& u, uint8_t& v) {
     constexpr int32_t kShift = 14 + Columns + Rows;

@@ -14,7 +14,7 @@ constexpr int32_t kMargin = kBlurSize / 2;
 
 using Palette = std::array<uint8_t, 256>;
 
-/// A palette through three stops, at 0, 128 and 255.
+/// A palette through three colours, at 0, 128 and 255.
 constexpr Palette MakePalette(int32_t low, int32_t middle, int32_t high) {
     Palette palette{};
     for (int32_t i = 0; i < 256; ++i) {
@@ -29,7 +29,7 @@ constexpr Palette MakePalette(int32_t low, int32_t middle, int32_t high) {
 constexpr Palette kUPalette = MakePalette(RgbToU(253, 167, 170), RgbToU(87, 53, 200), RgbToU(0, 201, 255));
 constexpr Palette kVPalette = MakePalette(RgbToV(253, 167, 170), RgbToV(87, 53, 200), RgbToV(0, 201, 255));
 
-/// The negative of `luma`, burnt out to white where its surroundings are bright.
+/// The negative of `luma`, overexposed to white where its surroundings are bright.
 SE_INLINE void LightNegative(uint8_t* SE_RESTRICT luma, ptrdiff_t width, ptrdiff_t height,
                              const uint8_t* SE_RESTRICT blurred, ptrdiff_t blurredStep) {
     for (; height > 0; --height, luma += width, blurred += blurredStep) {

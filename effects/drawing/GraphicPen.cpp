@@ -4,9 +4,9 @@
 
 namespace {
 
-/// Draws a stroke of |length| pixels from `point` on, up to the first one outside the page: up to the right,
-/// over what is there, or with a negative length down to the left, on bare paper only. Returns how many
-/// pixels were paper.
+/// Draws a stroke of |length| pixels from `point`, up to the edge of the page: up to the right over any
+/// pixels, or, for a negative length, down to the left on bare paper only. Returns how many pixels were
+/// paper.
 int32_t DrawPenStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t ink) {
     const bool overprints = length > 0;
     const int32_t count = overprints ? std::min({length, page.width - point.x, point.y + 1})
@@ -23,8 +23,8 @@ int32_t DrawPenStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t 
     return hits;
 }
 
-/// Adds strokes to a page until it counts as dark enough, or has no paper left to draw on. Paper counts with
-/// more than it loses, so that a page stops well before its brightness reaches the target.
+/// Adds strokes to a page until it counts as dark enough or has no paper left. A drawn paper pixel counts
+/// with more than it loses, so a page stops well before its brightness reaches the target.
 void DrawPenPage(CPlane8u& page, int32_t level) {
     const int64_t target = std::min(level * 3 / 2, 255) * int64_t{page.width} * page.height;
     const int32_t ink = level * 80 / 255 + 20;
@@ -76,7 +76,7 @@ void CGraphicPenSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 
     CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
     const auto width = static_cast<size_t>(luma.width);
-    // Column by column the pages move up to the right, one row for each.
+    // The pages move one column at a time, and one row up with each column.
     const size_t shift = static_cast<size_t>(CrawlOffset) * (width - 1);
     if (!EdgeLight) {
         Pages.Shade(luma.data, shift, luma.Size());

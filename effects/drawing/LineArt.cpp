@@ -14,12 +14,12 @@ namespace {
 constexpr int32_t kBlurSize = 10;
 constexpr int32_t kMargin = kBlurSize / 2;
 
-/// The next number of a settings file: 0 where there is none, which ends the reading; the nearest bound where
-/// it is too large for an integer.
+/// The next number of a settings file. 0 if there is none, which ends the reading; the nearest bound if it
+/// overflows an integer.
 int32_t ReadNumber(std::istream& file) {
     int32_t number = 0;
     file >> number;
-    if (number != 0) file.clear(file.rdstate() & ~std::ios::failbit);  // overflow is no failure
+    if (number != 0) file.clear(file.rdstate() & ~std::ios::failbit);  // overflow is not a failure
     return number;
 }
 

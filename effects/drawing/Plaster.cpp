@@ -8,11 +8,11 @@
 
 namespace {
 
-/// What the mask holds where the scene is dark. The relief is a slope between it and 0.
+/// The mask's value where the scene is dark. The relief is a slope between it and 0.
 constexpr uint8_t kDark = 100;
 
 // The light comes along the vertical axis, 15 degrees above the plaster; the plaster is 510 deep on the scale
-// of the slopes. Faces that look left or right therefore shade alike.
+// of the slopes. Faces that point left or right are therefore shaded alike.
 constexpr int32_t kLightY = 247;
 constexpr int32_t kLightZ = 66;
 constexpr int32_t kDepth = 510;
@@ -24,7 +24,8 @@ constexpr int32_t kShadeStep = 2 * kSteepest + 1;
 constexpr int32_t kFlatIndex = kSteepest * kShadeStep + kSteepest;
 using ShadeTable = std::array<uint8_t, static_cast<size_t>(kShadeStep* kShadeStep)>;
 
-/// Not constexpr: these square roots take a compiler longer than the rest of this file, and a host 3 ms once.
+/// Not constexpr: compiling these square roots takes longer than the rest of the file; computing them takes 3
+/// ms once.
 ShadeTable ComputeShades() {
     ShadeTable shades;
     size_t entry = 0;
@@ -45,7 +46,7 @@ const ShadeTable& Shades() {
     return table;
 }
 
-/// Flat are both ends of the range: the plaster itself and the dark part.
+/// Both ends of the range are flat: the plaster itself and the dark part.
 SE_INLINE bool IsFlat(uint8_t height) {
     return height == 0 || height == kDark;
 }
@@ -56,8 +57,8 @@ SE_INLINE bool AllFlat(const uint8_t* row, ptrdiff_t count) {
     return slopes == 0;
 }
 
-/// Lights the slopes of a row, whose pixels and neighbours are 0 to kDark. Most of a picture is flat, and
-/// passed over in blocks.
+/// Lights the slopes of a row whose pixels and neighbours are 0 to kDark. Most of a picture is flat and
+/// skipped in blocks.
 SE_INLINE void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdiff_t width,
                          const uint8_t* shades) {
     constexpr ptrdiff_t kBlock = 64;

@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Draws a line of 45 degrees around `point`, rising or falling to the right as `rand` decides, up to the
-/// first pixel outside the page. Returns the number of pixels drawn.
+/// Draws a diagonal line around `point`, rising or falling to the right as `rand` decides, up to the edge of
+/// the page. Returns the number of pixels drawn.
 int32_t DrawStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t level) {
     const int32_t step = Rand() % 2 == 0 ? 1 : -1;
     const int32_t half = length / 2;
@@ -21,7 +21,7 @@ int32_t DrawStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t lev
 }
 
 /// Adds strokes of the grey `level` to a page until it counts as dark enough. Each stroke counts with its own
-/// grey, not with what it takes from the paper, so that a page ends brighter than its target says.
+/// grey, not with what it takes from the paper, so a page ends brighter than its target.
 void DrawTonePage(CPlane8u& page, int32_t level) {
     const int64_t target = std::min(level * 225 / 255 + 75, 255) * int64_t{page.width} * page.height;
     auto sum = static_cast<int64_t>(SumPixelsWide(page));
@@ -33,7 +33,7 @@ void DrawTonePage(CPlane8u& page, int32_t level) {
     if (level >= 101) SprinklePaper(page, 2, 1);
 }
 
-/// The tones of row `y` of a plane, with the strong edges on the darkest page.
+/// The tones of row `y` of a plane, with strong edges on the darkest page.
 SE_INLINE void InkEdges(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y, uint8_t* tones) {
     constexpr int32_t kStrongEdge = 250;
     const uint8_t* const row = luma + y * width;

@@ -14,14 +14,14 @@ constexpr uint8_t FirstTone(int32_t page) {
     return static_cast<uint8_t>((page * 256 + TonePages::kCount - 1) / TonePages::kCount);
 }
 
-/// Pixels of a page from some place on.
+/// Pixels of a page from some position on.
 struct PageView {
     const uint8_t* pixels;
     uint8_t brighterFrom;
 };
 
-/// Tones that are looked up together: selected from whole stretches of the pages that are needed, which costs
-/// a fraction of fetching pixel by pixel.
+/// Tones that are looked up together. Selecting from whole stretches of the needed pages costs a fraction of
+/// a load for each pixel.
 constexpr size_t kBlock = 128;
 
 SE_INLINE void ShadeBlock(uint8_t* SE_RESTRICT tones, const PageView* pages, size_t pageCount, size_t offset,

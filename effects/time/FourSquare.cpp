@@ -20,7 +20,7 @@ struct Rgb {
 
 using Table = std::array<uint8_t, 256>;
 
-/// Chroma by luma: the tint grows with the luma, exact black and white have colours of their own.
+/// Chroma by luma: the tint grows with the luma; exact black and white have colours of their own.
 constexpr Table ChromaTable(int32_t tint, uint8_t black, uint8_t white) {
     Table table{};
     for (int32_t i = 0; i < 256; ++i) {
@@ -31,7 +31,7 @@ constexpr Table ChromaTable(int32_t tint, uint8_t black, uint8_t white) {
     return table;
 }
 
-/// Differences below 2 are held back.
+/// Ignores differences below 2.
 SE_INLINE void HoldSmallChanges(uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT before, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const int difference = now[i] > before[i] ? now[i] - before[i] : before[i] - now[i];
@@ -41,7 +41,7 @@ SE_INLINE void HoldSmallChanges(uint8_t* SE_RESTRICT now, const uint8_t* SE_REST
 
 }  // namespace
 
-/// How one quadrant prints: luma of black and white, chroma of everything.
+/// The print of one quadrant: luma of black and white, chroma of all tones.
 struct CFourSquareSpecialEffectFilter::Print {
     uint8_t blackY, whiteY;
     Table TableU, TableV;

@@ -6,9 +6,9 @@
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
 
-/// A shrunken copy of high contrast, steadied against camera noise, is printed in each quadrant with a colour
-/// for its blacks, one for its whites and a tint for the tones between. At odd sizes the last column and row
-/// stay as they came.
+/// Each quadrant shows a shrunken, high-contrast copy, steadied against camera noise, with a colour for
+/// blacks, one for whites and a tint for the tones between. At odd sizes the last column and row are
+/// unchanged.
 class CFourSquareSpecialEffectFilter final : public PlanarEffect<CFourSquareSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Four Square";
@@ -27,7 +27,7 @@ class CFourSquareSpecialEffectFilter final : public PlanarEffect<CFourSquareSpec
     CPlane8u SmallChroma;  ///< quarter size
     CPlane8u Scratch;
     CPlane8u ChromaScratch;
-    CPlane8u Previous;  ///< the last frame's `Small` before the stretch
+    CPlane8u Previous;  ///< `Small` of the last frame, before the stretch
     CPlane8u TileY;
     CPlane8u TileU;
     CPlane8u TileV;

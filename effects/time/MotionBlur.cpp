@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The brightest of the three past frames counts three times.
+/// The brightest of the three past frames has a weight of three.
 SE_INLINE void BlendTrails(uint8_t* SE_RESTRICT y, const uint8_t* SE_RESTRICT a, const uint8_t* SE_RESTRICT b,
                            const uint8_t* SE_RESTRICT d, size_t count) {
     for (size_t i = 0; i < count; ++i) {
@@ -41,7 +41,7 @@ void CMotionBlurSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
 
     CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
     const int64_t c = FrameCount++;
-    const CPlane8u& a = History[c % 3];        // what frame c - 1 became
+    const CPlane8u& a = History[c % 3];        // the output of frame c - 1
     CPlane8u& b = History[(c + 1) % 3];        // frame c - 3, overwritten below
     const CPlane8u& d = History[(c + 2) % 3];  // frame c - 2
     if (c >= kFirstBlended) {

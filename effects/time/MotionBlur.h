@@ -5,13 +5,13 @@
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 
-/// The blend feeds back on itself: what enters the history is the processed frame. Chroma is untouched. The
-/// first four frames after `Configure` pass unchanged and fill the history.
+/// The processed frame enters the history, so the blend feeds back on itself. Chroma is unchanged. The first
+/// four frames after `Configure` pass unchanged and fill the history.
 class CMotionBlurSpecialEffectFilter final : public PlanarEffect<CMotionBlurSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Motion Blur - Ghost";
 
-    /// Mode 0 keeps bright trails, mode 1 weighs the frame before last most; another one changes nothing.
+    /// Mode 0 keeps bright trails, mode 1 weights the frame before last most; any other mode changes nothing.
     explicit CMotionBlurSpecialEffectFilter(int32_t mode) : Mode(mode) {}
 
     void Prepare();

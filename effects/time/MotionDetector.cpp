@@ -11,7 +11,7 @@ namespace {
 
 constexpr uint32_t kRed = 255;
 
-/// 1 where a pixel of the scene is more than 16 levels away from the background, otherwise 0.
+/// 1 where a pixel differs from the background by more than 16 levels, otherwise 0.
 SE_INLINE void MarkMotion(const uint8_t* SE_RESTRICT scene, const uint8_t* SE_RESTRICT background,
                           uint8_t* SE_RESTRICT moved, size_t count) {
     constexpr int kThreshold = 16;
@@ -71,7 +71,7 @@ void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     PrimUpdateMotionHistory8u32f(y.data, Width(), History.data(), historyStep, Width(), Height(), now,
                                  kDuration);
 
-    // The fade runs over one second, ending `delay` ago.
+    // The fade spans one second, from `now` - `delay`.
     const auto delay = static_cast<float>(BlurDelay * 1.8 / 100.0 + 0.1);
     const auto low = static_cast<float>(double{now} - delay);
     const auto high = static_cast<float>(low + 1.0);

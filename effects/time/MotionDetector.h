@@ -1,4 +1,4 @@
-// Motion Detector: what moves glows in one colour and fades; all else goes dark.
+// Motion Detector: what moves glows in one colour and fades; everything else is dark.
 #ifndef SPECIALEFFECTS_EFFECTS_TIME_MOTIONDETECTOR_H
 #define SPECIALEFFECTS_EFFECTS_TIME_MOTIONDETECTOR_H
 
@@ -7,9 +7,9 @@
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 
-/// Fades in real time, by the process clock, so that a trail lasts as long at any frame rate. Each
-/// `Configure` for planar frames resets both properties: "BlurDelay" to 50 and "BlurColor" to red, which is
-/// not the colour that the property table offers as its default. A host sets them afterwards.
+/// The fade follows the process clock, so a trail lasts equally long at any frame rate. Each `Configure` for
+/// planar frames resets both properties: "BlurDelay" to 50 and "BlurColor" to red, not to the default of the
+/// property table. A host sets them afterwards.
 class CMotionDetectorSpecialEffectFilter final : public PlanarEffect<CMotionDetectorSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Motion Detector";
@@ -23,7 +23,7 @@ class CMotionDetectorSpecialEffectFilter final : public PlanarEffect<CMotionDete
     CPlane8u Smoothed;
     CPlane8u Background;  ///< reference luma that follows the scene slowly
     bool FirstFrame = true;
-    std::vector<float> History;  ///< when each pixel moved last, in seconds; 0 for long ago
+    std::vector<float> History;  ///< time of each pixel's last motion in seconds; 0 for long ago
     int32_t BlurDelay = 50;
     uint32_t BlurColor = 192U << 16;
 };

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int16_t kFace = -10, kVerticalJoint = -20, kHorizontalJoint = -25;
-constexpr int32_t kTintedTiles = 10;  ///< from this size on chroma is tiled too
+constexpr int32_t kTintedTiles = 10;  ///< chroma is tiled too from this size on
 constexpr int32_t kReliefBias = 45;
 
 int32_t TileSizeFor(int32_t width) {
@@ -73,7 +73,7 @@ void CTiledUpSpecialEffectFilter::BuildGroutMap() {
         return GroutMap[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
     };
     std::fill(GroutMap.begin(), GroutMap.end(), kFace);
-    // Horizontal joints are hand-laid: each tile's piece lies on one of two rows.
+    // Horizontal joints are uneven: each tile's piece lies on one of two rows.
     for (int32_t y0 = 0; y0 < height - 2; y0 += tile) {
         int32_t line = y0;
         for (int32_t x = 0; x < width; ++x) {
@@ -89,8 +89,8 @@ void CTiledUpSpecialEffectFilter::BuildGroutMap() {
     }
 }
 
-/// One value a tile, from the picture scaled down to the grid. What is left beyond the last whole tile goes
-/// on with that tile's value.
+/// Fills each tile with its value from the picture scaled down to the grid. Pixels beyond the last whole tile
+/// take that tile's value.
 void CTiledUpSpecialEffectFilter::Pixelate(const FramePlane& plane, Grid& grid) const {
     if (grid.values.Empty()) return;
     const int32_t tile = TileSize, columns = grid.values.width, rows = grid.values.height;

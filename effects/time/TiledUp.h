@@ -8,9 +8,9 @@
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
 
-/// Each `Configure` for planar frames chooses "TileSize" from the width anew, whatever the property held; a
-/// host sets it afterwards. A change builds the grout at once, with fresh random numbers; before `Configure`,
-/// and after `Shutdown`, it is only stored. A plane narrower or lower than one tile is not tiled.
+/// Each `Configure` for planar frames overwrites "TileSize" with a value chosen from the width; a host sets
+/// it afterwards. Setting it rebuilds the grout at once, with new random numbers; before `Configure` and
+/// after `Shutdown` it is only stored. A plane smaller than one tile in either direction is not tiled.
 class CTiledUpSpecialEffectFilter final : public PlanarEffect<CTiledUpSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Tiled Up";
@@ -35,7 +35,7 @@ class CTiledUpSpecialEffectFilter final : public PlanarEffect<CTiledUpSpecialEff
 
     CPlane8u Shade;
     Grid LumaGrid, ChromaGrid;
-    std::vector<int16_t> GroutMap;  ///< what each pixel's luma gains, below 0 throughout
+    std::vector<int16_t> GroutMap;  ///< added to each pixel's luma, always negative
     int16_t TileSize = 16;
 };
 

@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr int kStill = 10;     ///< a difference up to this counts as no change
-constexpr size_t kBlock = 64;  ///< pixels that are skipped together when none of them has changed
+constexpr int kStill = 10;     ///< the largest difference that counts as no change
+constexpr size_t kBlock = 64;  ///< pixels that are skipped together if none has changed
 
 SE_INLINE void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT y, size_t count) {
     for (size_t i = 0; i < count; ++i) {
@@ -30,7 +30,7 @@ SE_INLINE uint8_t Differences(const uint8_t* SE_RESTRICT a, const uint8_t* SE_RE
     return largest;
 }
 
-/// Calls `reach(i, delay)` for every pixel that has changed, with the number of frames that it reaches back.
+/// Calls `reach(i, delay)` for every pixel that has changed; `delay` is how many frames it reaches back.
 template <class Reach>
 void ForEachChange(const CPlane8u& average, const CPlane8u& luma, Reach reach) {
     uint8_t difference[kBlock];
@@ -83,7 +83,7 @@ void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     }
     Shrink.Apply(y, SmallLuma);
     Shrink.Apply(Average, SmallAverage);
-    // Delays that are longer than the ring wrap round it.
+    // Delays longer than the ring wrap round it.
     const auto past = [now = FrameCount](uint32_t delay) { return (now - delay) % kRing; };
     ForEachChange(Average, y, [&](size_t i, uint32_t delay) { y.data[i] = HistoryY[past(delay)].data[i]; });
     ForEachChange(SmallAverage, SmallLuma, [&](size_t i, uint32_t delay) {

@@ -6,8 +6,8 @@
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
 
-/// A pixel that has changed is replaced by the same pixel of some frames ago; the stronger the change, the
-/// further back it reaches. The first 33 frames after `Configure` pass unchanged and fill the ring.
+/// A pixel that has changed is replaced by the same pixel of an earlier frame; the stronger the change, the
+/// further back. The first 33 frames after `Configure` pass unchanged and fill the ring.
 class CTimeDistortionSpecialEffectFilter final : public PlanarEffect<CTimeDistortionSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Time Distortion";
@@ -26,7 +26,7 @@ class CTimeDistortionSpecialEffectFilter final : public PlanarEffect<CTimeDistor
     CPlane8u HistoryY[kRing];
     CPlane8u HistoryU[kRing];
     CPlane8u HistoryV[kRing];
-    // Luma and its average at the chroma's size: colour decides its delays for itself.
+    // Luma and its average at the chroma size: chroma has delays of its own.
     CPlane8u SmallLuma;
     CPlane8u SmallAverage;
     ResizePlan Shrink;  ///< to them

@@ -42,7 +42,7 @@ class Bezier {
           c_(3 * (p[1] - p[0])),
           start_(p[0]) {}
 
-    /// The nearest pixel. The curve stays between its control points, and these are not below 0.
+    /// The nearest pixel. The curve stays between its control points, which are not negative.
     int32_t At(double t) const {
         return static_cast<int32_t>(b_ * (t * t) + a_ * (t * t * t) + c_ * t + start_ + 0.5);
     }
@@ -69,7 +69,7 @@ void DrawHair(CPlane8u& plane) {
 
 // ---- dust and scratches ----------------------------------------------------------------------------
 
-/// A bright vertical stroke of random length, of a different brightness in each row.
+/// A bright vertical stroke of random length, with a random brightness in each row.
 void DrawDust(CPlane8u& plane) {
     const int32_t x = Rand() % plane.width;
     const int32_t top = Rand() % plane.height;
@@ -87,7 +87,7 @@ void DrawScratch(CPlane8u& plane, int32_t x) {
 
 // ---- vignette --------------------------------------------------------------------------------------
 
-/// Darkens by the sum of the distances from the foci of the ellipse that fits into the frame.
+/// Darkens by the sum of the distances from the foci of the ellipse inscribed in the frame.
 void FillVignette(CPlane8u& plane) {
     const double w = plane.width, h = plane.height;
     const double cx = plane.width / 2, cy = plane.height / 2;
@@ -97,7 +97,7 @@ void FillVignette(CPlane8u& plane) {
     for (int32_t y = 0; y < plane.height; ++y) {
         uint8_t* const row = plane.Row(y);
         for (int32_t x = 0; x < plane.width; ++x) {
-            // Along and across the axis on which the foci lie.
+            // Along and across the axis of the foci.
             const double along = upright ? y - cy : x - cx, across = upright ? x - cx : y - cy;
             const double r1 = std::sqrt((along + c) * (along + c) + across * across);
             const double r2 = std::sqrt((along - c) * (along - c) + across * across);
@@ -159,7 +159,7 @@ void CAntiquatedMovieSpecialEffectFilter::DamageFilm(CPlane8u& luma) {
     DrawScratches(luma);
 }
 
-/// Five that shake in place, three that wander to the right.
+/// Five scratches that shake in place and three that drift to the right.
 void CAntiquatedMovieSpecialEffectFilter::DrawScratches(CPlane8u& luma) {
     const int32_t w = luma.width;
     DriftColumn = (DriftColumn + 1) % w;

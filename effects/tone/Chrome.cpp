@@ -12,7 +12,7 @@ namespace {
 
 using ToneCurve = std::array<uint8_t, 256>;
 
-/// A sine of a sine, as a curve from `lowest` up to `lowest + range`.
+/// A sine of a sine, as a curve from `lowest` to `lowest + range`.
 ToneCurve MakeToneCurve(int32_t lowest, double range) {
     constexpr double kPeriod = 0.098174770421875;  // 64 levels are a whole wave
     const auto wave = [](int32_t level) { return std::max((std::sin(level * kPeriod) + 1.0) * 0.5, 0.0); };
@@ -35,7 +35,7 @@ const ToneCurve& ChromeToneBright() {
     return curve;
 }
 
-/// Takes the pixels of `current` that differ from `steady` by 3 or more.
+/// Copies the pixels of `current` that differ from `steady` by 3 or more.
 SE_INLINE void Steady(const uint8_t* SE_RESTRICT current, uint8_t* SE_RESTRICT steady, size_t count) {
     constexpr uint8_t kDeadZone = 3;
     for (size_t i = 0; i < count; ++i) {
@@ -66,7 +66,7 @@ void CChromeSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     CPlane8u luma = CPlane8u::Over(frame.y.data, Width(), Height());
     FilterLowpass5(luma, SmoothPlane, FilterRing::kCopied);
     AtLevel<Steady>(SmoothPlane.data, PreviousPlane.data, PreviousPlane.Size());
-    FilterLowpass5(PreviousPlane, luma);  // the edge stays raw
+    FilterLowpass5(PreviousPlane, luma);  // the outermost pixels stay unfiltered
 
     const ToneCurve& curve = Variant == 1 ? ChromeToneDark() : ChromeToneBright();
     for (int32_t y = 0; y < luma.height; ++y) {

@@ -7,8 +7,8 @@
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 
-/// Variant 1 is the darker metal, any other the brighter one. A pixel of the smoothed luma that moves by less
-/// than 3 keeps its last value, so that the bands do not flicker on the camera's noise.
+/// Variant 1 is the darker metal, any other the brighter one. A pixel of the smoothed luma that changes by
+/// less than 3 keeps its last value, so that camera noise does not make the bands flicker.
 class CChromeSpecialEffectFilter final : public PlanarEffect<CChromeSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Chrome";
@@ -23,7 +23,7 @@ class CChromeSpecialEffectFilter final : public PlanarEffect<CChromeSpecialEffec
     uint32_t Variant;
     CPlane8u PreviousPlane;      ///< the smoothed luma, steadied; 0 before the first frame
     CPlane8u SmoothPlane;        ///< the smoothed luma of this frame
-    std::vector<uint8_t> Slant;  ///< what is added to column x before the curve
+    std::vector<uint8_t> Slant;  ///< added to column x before the curve
 };
 
 #endif

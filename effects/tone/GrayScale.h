@@ -1,11 +1,11 @@
-// Gray Scale: takes the colour away and leaves the luma alone.
+// Gray Scale: removes the colour and leaves the luma unchanged.
 #ifndef SPECIALEFFECTS_EFFECTS_TONE_GRAYSCALE_H
 #define SPECIALEFFECTS_EFFECTS_TONE_GRAYSCALE_H
 
 #include "framework/EffectBase.h"
 
-/// Keeps nothing and needs no workspace. The number of chroma bytes is the one that the frame tells, and the
-/// luma plane is never looked at: it may be null.
+/// Has no state and needs no workspace. The frame states the number of chroma bytes. The luma plane is never
+/// accessed and may be null.
 class CGrayScaleSpecialEffectFilter final : public PlanarEffect<CGrayScaleSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Gray Scale";

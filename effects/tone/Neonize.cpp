@@ -18,7 +18,7 @@ void PrepareKernel(CGaussKernel1D& kernel, const CPlane8u& plane) {
     static_cast<void>(kernel.Build(plane.width < 320 ? 0.8 : 1.5, 0));  // both exist
 }
 
-/// Smooths along the rows and then along the columns. What a pass does not reach it copies.
+/// Smooths along the rows, then along the columns. Pixels that a pass cannot filter are copied.
 void Smooth(CPlane8u& plane, CPlane8u& scratch, const CGaussKernel1D& kernel) {
     kernel.FilterRows(plane, scratch, FilterRing::kCopied);
     kernel.FilterColumns(scratch, plane, FilterRing::kCopied);
@@ -28,7 +28,7 @@ SE_INLINE int16_t Magnitude(int16_t dx, int16_t dy) {
     return static_cast<int16_t>(std::abs(dx) + std::abs(dy));
 }
 
-/// Weak edges stay dark, stronger ones rise four times as fast.
+/// Weak edges stay dark; stronger ones rise four times as fast.
 SE_INLINE void DrawLumaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
                              uint8_t* SE_RESTRICT dst, size_t count) {
     constexpr int16_t kWeak = 20;
@@ -39,7 +39,7 @@ SE_INLINE void DrawLumaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RE
     }
 }
 
-/// Edges go above or below the neutral 128 with their sign.
+/// Edges go above or below the neutral 128 by their sign.
 SE_INLINE void DrawChromaEdges(const int16_t* SE_RESTRICT dx, const int16_t* SE_RESTRICT dy,
                                uint8_t* SE_RESTRICT dst, size_t count) {
     for (size_t i = 0; i < count; ++i) {
@@ -54,7 +54,7 @@ PlaneSize SizeOf(const CPlane8u& plane) {
     return {plane.width, plane.height};
 }
 
-/// Scales `work` without its outermost `cut` pixels up to a whole plane.
+/// Scales `work` without its `cut` outermost pixels up to a whole plane.
 ResizePlan ShowInterior(const CPlane8u& work, int32_t cut, PlaneSize plane) {
     return {SizeOf(work), {cut, cut, work.width - 2 * cut, work.height - 2 * cut}, plane};
 }

@@ -8,9 +8,8 @@
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
 
-/// Frames wider than 512 are worked on at half size. The outermost pixels, for which the filters have no
-/// result, are cut away and the rest is scaled up to the full picture; a plane that is no larger than what is
-/// cut away stays as it is.
+/// Frames wider than 512 are processed at half size. The outermost pixels, which the filters cannot compute,
+/// are cut away, and the rest is scaled up to the full picture. A plane no larger than the cut is unchanged.
 class CNeonizeSpecialEffectFilter final : public PlanarEffect<CNeonizeSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Neonize";
@@ -28,10 +27,10 @@ class CNeonizeSpecialEffectFilter final : public PlanarEffect<CNeonizeSpecialEff
     CPlane8u LumaWork;
     CPlane8u ChromaWork;
     CPlane8u ChromaBlur;
-    CPlane8u LumaScratch;  ///< between the two passes of smoothing; for chroma `ChromaBlur` serves
+    CPlane8u LumaScratch;  ///< between the two smoothing passes; for chroma, `ChromaBlur` is used instead
     CGaussKernel1D LumaKernel;
     CGaussKernel1D ChromaKernel;
-    ResizePlan LumaIn, LumaOut;  ///< to the size that is worked on, and back
+    ResizePlan LumaIn, LumaOut;  ///< to the working size and back
     ResizePlan ChromaIn, ChromaOut;
 };
 

@@ -4,8 +4,8 @@
 
 #include "framework/EffectBase.h"
 
-/// Keeps nothing and needs no workspace. A null luma plane is left out, and the chroma is inverted all the
-/// same. Frames of a stream that `Configure` refused pass unchanged.
+/// Has no state and needs no workspace. A null luma plane is skipped; the chroma is still inverted. Frames of
+/// a stream that `Configure` refused pass unchanged.
 class CNightVisionSpecialEffectFilter final : public PlanarEffect<CNightVisionSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Polarize";

@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Rows give the first, second and third channel of the output; the offset of the third is meant, so that
-/// black comes out with one level of blue.
+/// Rows give the first, second and third channel of the output. The offset of the third is intentional: black
+/// becomes one level of blue.
 constexpr float ColorTwistMatrix[12] = {
     0.393F, 0.769F, 0.189F, 0.0F,  //
     0.349F, 0.686F, 0.168F, 0.0F,  //

@@ -15,7 +15,7 @@ class CSepiaSpecialEffectFilter final : public PlanarEffect<CSepiaSpecialEffectF
 
     void Prepare();
     void Release();
-    /// kInvalidArgument when a chroma plane is too small: see RoundedChroma.
+    /// Returns kInvalidArgument when a chroma plane is too small; see RoundedChroma.
     ResultCode ProcessPlanar(const PlanarFrame& frame);
     /// Needs no workspace. Frames of a stream that `Configure` refused pass unchanged.
     ResultCode ProcessPacked(uint8_t* pixels);

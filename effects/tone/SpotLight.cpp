@@ -8,13 +8,13 @@
 
 namespace {
 
-/// `level` without its fraction, in 0..255. A root of a negative number, which is none, is dark.
+/// `level` truncated and clamped to 0..255. NaN, the root of a negative number, is dark.
 uint8_t LightLevel(double level) {
     return level > 0.0 ? static_cast<uint8_t>(std::min(level, 255.0)) : uint8_t{0};
 }
 
-/// mask(x, y) = level(y, distance of x from the middle), in mirrored halves. The distance is at least 1, and
-/// at an odd width the column in the middle is as bright as its neighbours.
+/// mask(x, y) = level(y, distance of x from the middle), mirrored. The distance is at least 1; at an odd
+/// width the middle column is as bright as its neighbours.
 template <class Level>
 void FillMirrored(CPlane8u& mask, Level level) {
     const int32_t half = mask.width / 2;
@@ -50,7 +50,7 @@ void FillBeam(CPlane8u& mask) {
     });
 }
 
-/// Wider and brighter, and dark at once beyond its edge.
+/// Wider and brighter, with a sharp edge.
 void FillSteepBeam(CPlane8u& mask) {
     const int32_t h = mask.height, quarter = h / 4;
     const double k = h / 255.0;
@@ -62,7 +62,7 @@ void FillSteepBeam(CPlane8u& mask) {
     });
 }
 
-/// Light adds half of the mask, less 91; where there is none at all 127 levels are lost.
+/// Adds half of the mask less 91; without any light 127 levels are lost.
 SE_INLINE void LightLuma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT luma, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const auto change = static_cast<int16_t>(mask[i] == 0 ? -127 : (mask[i] >> 1) - 91);

@@ -5,8 +5,8 @@
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 
-/// The masks are made at `Configure` and follow from the frame size and the shape alone: 0 is a round light,
-/// 1 a beam from the top of the frame, any other a brighter beam with a steep edge.
+/// `Configure` makes the masks, from the frame size and the variant alone: 0 is a round light, 1 a beam from
+/// the top of the frame, any other a brighter beam with a sharp edge.
 class CSpotLightSpecialEffectFilter final : public PlanarEffect<CSpotLightSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Spot Light";
@@ -19,8 +19,8 @@ class CSpotLightSpecialEffectFilter final : public PlanarEffect<CSpotLightSpecia
 
   private:
     uint32_t Shape;
-    CPlane8u LumaMask;    ///< 0 where no light falls, 255 where all of it does
-    CPlane8u ChromaMask;  ///< the same at the size of the chroma planes
+    CPlane8u LumaMask;    ///< 0 without light, 255 in full light
+    CPlane8u ChromaMask;  ///< the same at the chroma size
 };
 
 #endif

@@ -26,8 +26,7 @@ SE_INLINE void SumColumns(const uint8_t* above, const uint8_t* row, const uint8_
     }
 }
 
-/// The negative of the mean of 3 by 3, which is that of the lowpass mask; column x reaches from sums[x] to
-/// sums[x + 2].
+/// The negative of the 3 by 3 mean, as of the lowpass mask; column x uses sums[x] to sums[x + 2].
 SE_INLINE void NegativeMeans(const uint16_t* SE_RESTRICT sums, uint8_t* SE_RESTRICT dst, ptrdiff_t width) {
     for (ptrdiff_t x = 0; x < width; ++x) {
         const auto sum = static_cast<uint16_t>(sums[x] + sums[x + 1] + sums[x + 2]);

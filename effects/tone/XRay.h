@@ -7,8 +7,8 @@
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 
-/// The blur repeats the picture's edge. The numbers of bytes that are replaced are those that the frame
-/// tells, of luma never more than the stream has; luma bytes beyond it are darkened only.
+/// The blur replicates the picture's edge. The frame states the numbers of bytes to replace, of luma no more
+/// than the stream has; luma bytes beyond are only darkened.
 class CXRaySpecialEffectFilter final : public PlanarEffect<CXRaySpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "X-Ray";
@@ -18,7 +18,7 @@ class CXRaySpecialEffectFilter final : public PlanarEffect<CXRaySpecialEffectFil
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    CPlane8u Workspace;                ///< the radiograph, until all of the frame has been read
+    CPlane8u Workspace;                ///< the radiograph, until the whole frame has been read
     std::vector<uint16_t> ColumnSums;  ///< a row of sums of three, with one more at either end
 };
 
