@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Makes scanf read numbers with a decimal point in this thread, whatever locale the process has set.
+/// Makes scanf in this thread read numbers with a decimal point, independent of the process's locale.
 class ClassicNumbers {
   public:
     ClassicNumbers(const ClassicNumbers&) = delete;
@@ -43,7 +43,7 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// True when all the numbers of the format were there.
+/// True if all numbers of the format were read.
 template <class... Numbers>
 bool Scan(std::FILE* file, const char* format, Numbers*... numbers) {
     return std::fscanf(file, format, numbers...) == static_cast<int>(sizeof...(numbers));
@@ -123,7 +123,7 @@ PrimStatus Cascade::PrepareCascade(int32_t border, double bias) {
         if (turned < 0 || turned > std::numeric_limits<int32_t>::max()) return kPrimSizeError;
         rect.y = static_cast<int32_t>(turned);
     }
-    // A cascade of empty stages only still needs arrays that are not null.
+    // A cascade with only empty stages still needs non-null arrays.
     rects.reserve(1);
     weights.reserve(1);
     classifierThreshold.reserve(1);

@@ -9,11 +9,11 @@
 
 namespace {
 
-/// The tables of a pass stay below this many pixels, whatever the cascade and the frame. Trained cascades
-/// need some ten thousand.
+/// Limit on the pixels of a pass's tables, for any cascade and frame. Trained cascades need about ten
+/// thousand.
 constexpr int64_t kLargestTable = int64_t{1} << 20;
 
-/// Places that a stage passes over in the time of one unit of work.
+/// Positions that a stage skips in the time of one unit of work.
 constexpr int64_t kPlacesPerWork = 4;
 constexpr size_t kUsualFaces = 64;
 
@@ -151,7 +151,7 @@ std::unique_ptr<resize::Plan> CFaceDetector::PlanScale(float scale) const {
     return plan;
 }
 
-/// The planned scales take no memory; another one, or another plane, is scaled with tables of its own.
+/// The planned scales allocate nothing; any other scale or plane size builds its own tables.
 bool CFaceDetector::ScalePicture(const CPlane8u& plane, float scale, CPlane8u& scaled) {
     const auto entry = std::find_if(scales.begin(), scales.end(),
                                     [=](const CScaleEntry& candidate) { return candidate.scale == scale; });
@@ -199,7 +199,7 @@ int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     uint8_t* const mask = candidateMask.data;
     const int32_t maskStep = candidateMask.width;
     if (PrimSet8uC1(kCandidate, mask, maskStep, placesX, placesY) != kPrimOk) return kFailed;
-    // Only windows whose corner lies on an edge are looked at; without an edge map all are.
+    // Only windows whose corner lies on an edge are tried; without an edge map, all are.
     if (MakeEdgeMask(scaled.data, width, mask, maskStep, placesX, placesY, 2) != kPrimOk) {
         PrimSet8uC1(kCandidate, mask, maskStep, placesX, placesY);
     }
@@ -272,8 +272,8 @@ PrimStatus CFaceDetector::MakeEdgeMask(const uint8_t* src, int32_t srcStep, uint
                           kHigh[gradientType], edgeBuffer.data());
 }
 
-/// Collects what is left in the mask: all of it, also what an earlier, larger pass of this frame left beyond
-/// the region of the present one.
+/// Collects every hit in the mask, including those of an earlier, larger pass of this frame outside the
+/// current region.
 void CFaceDetector::AddHits(float scale) {
     const int32_t halfWindow = cascade.windowWidth / 2;
     const auto size = static_cast<int32_t>(static_cast<float>(cascade.windowWidth) * scale);
@@ -308,7 +308,7 @@ void CFaceDetector::TrackFrame(CPlane8u& plane) {
 void CFaceDetector::MergeFaces(const CHitStore& store) {
     std::swap(faces, previousFaces);
     faces.clear();
-    // Clusters to groups, by the rule that made clusters of hits.
+    // Group the clusters by the same rule that clustered the hits.
     if (groupStore == nullptr) groupStore = std::make_unique<CHitStore>(mergeRadius, sizeRatio);
     groupStore->Clear();
     for (const CHitStore::Row& cluster : store.Rows()) {

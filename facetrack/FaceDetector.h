@@ -29,8 +29,8 @@ struct CScaleEntry {
 class CFaceDetector {
   public:
     static constexpr int32_t kFramesInCycle = 4;
-    /// How much the stages may do in a frame, so that no cascade stalls it: some 50 ms. A unit is a window
-    /// tried or a rectangle summed up in one. Trained cascades need a hundredth of it.
+    /// Limit on the work of the stages in a frame, about 50 ms, so that no cascade stalls it. A unit is a
+    /// window tried or a rectangle summed in one. Trained cascades need a hundredth of it.
     static constexpr int64_t kMostFrameWork = int64_t{1} << 24;
 
     /// The cascade that the next `Initialize` reads; an empty path means the data file haar.txt. Null is
@@ -42,7 +42,7 @@ class CFaceDetector {
     /// nothing.
     [[nodiscard]] bool Initialize(int32_t frameWidth, int32_t frameHeight);
 
-    /// Gives back what `Initialize` made, and forgets the faces.
+    /// Releases what `Initialize` allocated, and forgets the faces.
     void ReleaseCascade();
 
     /// One frame: looks for faces at a quarter of the scales and, after every fourth frame, renews the list.
@@ -50,8 +50,8 @@ class CFaceDetector {
     /// one is not searched.
     void TrackFrame(CPlane8u& plane);
 
-    /// The largest known face; of the last cycle's faces when the newest has none; all zero when there are
-    /// none either.
+    /// The largest face of the newest cycle, or of the cycle before if the newest has none; all zero if
+    /// neither has one.
     CFaceRect GetFace() const;
 
     /// Outlines every face in white, with all four sides clamped to the plane. A face wholly outside the
@@ -77,7 +77,7 @@ class CFaceDetector {
     const std::vector<CFaceRect>& PreviousFaces() const { return previousFaces; }
     const CHitStore* Hits() const { return hitStore.get(); }
     int32_t MinFaceSize() const { return minFaceSize; }
-    /// What the stages have done in the last frame, in the units of `kMostFrameWork`.
+    /// Work of the stages in the last frame, in units of `kMostFrameWork`.
     int64_t FrameWork() const { return frameWork; }
 
   private:

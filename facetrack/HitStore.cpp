@@ -35,12 +35,12 @@ size_t CHitStore::ListIndex(int64_t column, int64_t line) const {
     return (mixed ^ mixed >> 32) & (lists_.size() - 1);
 }
 
-/// The lowest row with a member that the hit belongs to; the number of rows if there is none.
+/// The lowest row with a member that the hit belongs to, or the number of rows if no row has one.
 uint32_t CHitStore::FindRow(const Hit& hit, int64_t column, int64_t line) {
     struct Offset {
         int32_t column, line;
     };
-    // The hit's own square first: it has the row most often, and all others are then left at once.
+    // Search the hit's own square first: it usually has the row, and the others then end at once.
     static constexpr std::array<Offset, 9> kSquares = {
         {{0, 0}, {-1, 0}, {1, 0}, {0, -1}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}}};
     const double reach = double{mergeRadius_} * mergeRadius_;
@@ -62,8 +62,8 @@ uint32_t CHitStore::FindRow(const Hit& hit, int64_t column, int64_t line) {
     return row;
 }
 
-/// Enters a member behind those of its row and of lower ones. Of a row and a place only the largest member is
-/// kept, and none where a lower row has one as large.
+/// Inserts a member after those of its row and of lower rows. Keeps only the largest member of a row at one
+/// place, and none if a lower row has one as large there.
 void CHitStore::Remember(const Hit& hit, uint32_t row, int64_t column, int64_t line) {
     Link& first = lists_[ListIndex(column, line)];
     Link before = kNone, behind = first;
@@ -97,7 +97,7 @@ size_t CHitStore::Add(const Hit& hit) {
     return row;
 }
 
-/// Twice as many lists. A list falls into two, and both keep its order.
+/// Doubles the number of lists. Each list splits into two that keep its order.
 void CHitStore::GrowLists() {
     const size_t half = lists_.size();
     lists_.resize(2 * half, kNone);

@@ -38,7 +38,7 @@ class CHitStore {
     void Clear();
 
     const std::vector<Row>& Rows() const { return rows_; }
-    /// How many members were looked at since the store was made: the work it has done.
+    /// Number of members examined since construction, as a measure of work.
     uint64_t Looks() const { return looks_; }
 
   private:

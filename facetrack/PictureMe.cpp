@@ -27,7 +27,7 @@ std::span<const Property<Effect>> Effect::Properties() {
             .Says("Speed at which a snapshot flies to its place."),
         IntegerProperty<&Effect::RotationSpeed>("Rotation Speed", "1", "1,5")
             .Says("Speed at which a snapshot turns on its way."),
-        // As many as fit, which the range text does not know.
+        // The upper bound is what fits the frame, not that of the range text.
         IntegerProperty<&Effect::TexturesNumber>("Textures Number", "3", "1,10")
             .Says("Number of thumbnails; limited to as many as fit the height of the frame.")
             .ClampedTo(1, std::numeric_limits<int32_t>::max())
@@ -104,7 +104,7 @@ void Effect::Layout(bool keepCount) {
     PlaceSlots();
 }
 
-/// New textures come last, superfluous ones go first.
+/// Appends new textures; removes surplus ones from the front.
 void Effect::SetTextureCount(int32_t count) {
     const auto wanted = static_cast<size_t>(std::max(count, 0));
     if (Textures.size() == wanted) return;
@@ -120,7 +120,7 @@ void Effect::SetTextureCount(int32_t count) {
     PlaceSlots();
 }
 
-/// A column from the lower right corner up. A picture on its way keeps its goal.
+/// A column from the lower right corner up. A moving picture keeps its target.
 void Effect::PlaceSlots() {
     constexpr int32_t kMargin = 2;
     for (size_t i = 0; i < Textures.size(); ++i) {
@@ -145,7 +145,7 @@ ResultCode Effect::ProcessFrame(FrameRecord* frame) {
 
 /// Where the tracker sees a face; all zero without one.
 RegionRect Effect::TrackFace(uint8_t* plane) {
-    // The cascade counts rows from the window's other end: it is shown the picture upside down.
+    // The cascade counts rows from the bottom of the window, so it gets the picture upside down.
     CPlane8u luma = CPlane8u::Over(plane, Stream.Width, Stream.Height);
     luma.Mirror(kPrimMirrorRows);
     try {
@@ -162,8 +162,9 @@ RegionRect Effect::TrackFace(uint8_t* plane) {
             Stream.Height - face.y - 1};
 }
 
-/// Squares the rectangle up: a multiple of 4, at least 24. At the right and lower edge it moves by as much as
-/// it would reach over, and loses as much again. False for one that lies far out of any frame.
+/// Makes the rectangle a square with a side that is a multiple of 4, at least 24. At the right and lower
+/// edges it moves back by its overhang and shrinks by as much. Returns false for a rectangle far outside any
+/// frame.
 bool Effect::AdjustRegion(RegionRect& rect) const {
     constexpr int64_t kSmallest = 24;
     const int64_t size = std::max((int64_t{rect.bottom} - rect.top) / 4 * 4, kSmallest);

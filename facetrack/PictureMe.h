@@ -10,10 +10,10 @@
 #include "facetrack/PictureTexture.h"
 #include "framework/EffectBase.h"
 
-/// One picture moves at a time; when it has landed the next starts at once if a face is still known, and the
-/// slots are reused in a ring. `Configure` reads the cascade of the data file haar.txt, and goes without
-/// faces if there is none or a bad one; `LoadSettings` reads one of the host's own and starts over.
-/// "Picture Size" takes hold with the next picture. Planar frames only, though the tracker looks at every
+/// One picture moves at a time; when it has landed, the next starts at once if a face is still known. Slots
+/// are reused in a ring. `Configure` reads the cascade from the data file haar.txt; if it is missing or
+/// invalid, no faces are found. `LoadSettings` reads the host's own cascade and starts over. "Picture Size"
+/// applies from the next picture on. Only planar frames are processed, though the tracker examines every
 /// frame first.
 class CPictureMeSpecialEffectFilter final
     : public EffectBase<CPictureMeSpecialEffectFilter, CROISpecialEffectFilter> {

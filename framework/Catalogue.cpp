@@ -320,7 +320,7 @@ constexpr CatalogueRow kRows[] = {
 };
 // clang-format on
 
-/// Listed last, and created by nothing: hosts have to expect one failure.
+/// Listed last but never created: hosts must expect one failure.
 constexpr EffectGuid kListedOnly = ParseGuid("{8AAE654A-D222-4D8A-968F-937591B1B696}");
 constexpr size_t kListedOnlyAt = 40;
 

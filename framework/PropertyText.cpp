@@ -11,7 +11,8 @@ char LowerAscii(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Reads a number at `text` and moves `text` behind it; false, with `text` where it was, when there is none.
+/// Reads a number at `text` and advances `text` past it. Returns false, with `text` unchanged, if there is no
+/// number.
 bool ReadInteger(const char*& text, int32_t& value) {
     char* end = nullptr;
     const long long number = std::strtoll(text, &end, 10);

@@ -18,8 +18,8 @@ class CSpecialEffectFactory final : public ISpecialEffectFactory {
     }
 
     uint32_t Release() override {
-        // One step, so that of several threads a single one takes the last reference. A count of 0 does not
-        // underflow: a host that never added a reference frees the factory just so.
+        // One atomic step, so that only one thread takes the last reference. A count of 0 does not underflow:
+        // a host that never added a reference frees the factory this way.
         uint32_t count = references_;
         while (count > 0 && !references_.compare_exchange_weak(count, count - 1)) continue;
         if (count <= 1) CSpecialEffectFactory::DeletingDestructor(1);

@@ -2,7 +2,7 @@
 
 #include <new>
 
-// The exported classes have no data: constructing sets the type, copying copies nothing.
+// The exported classes have no data: construction sets the table of virtual functions, copying does nothing.
 CSpecialEffectFilter::CSpecialEffectFilter() = default;
 CSpecialEffectFilter::CSpecialEffectFilter(const CSpecialEffectFilter&) {}
 CSpecialEffectFilter& CSpecialEffectFilter::operator=(const CSpecialEffectFilter&) {

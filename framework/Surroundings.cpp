@@ -6,10 +6,10 @@
 
 namespace {
 
-/// Null: those of the process.
+/// Null means the process's own surroundings.
 thread_local constinit Surroundings* scoped = nullptr;
 
-/// Never destroyed: a host may run effects until the very end of the process.
+/// Never destroyed: a host may run effects until the process exits.
 Surroundings& OfProcess() {
     static ProcessSurroundings& surroundings = *std::make_unique<ProcessSurroundings>().release();
     return surroundings;

@@ -13,8 +13,8 @@ constexpr bool IsLowSurrogate(char32_t unit) {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-/// The character at `text`, which moves behind it; 0 when `end` cuts the character. `text` is at neither
-/// `end` nor its terminator, and nothing from `end` on is read.
+/// Returns the character at `text` and advances `text` past it; 0 if `end` cuts the character. `text` must
+/// not be at `end` or at the terminator. Nothing from `end` on is read.
 char32_t NextCharacter(const WideChar*& text, const WideChar* end) {
     const char32_t unit = static_cast<char16_t>(*text++);
     if (IsHighSurrogate(unit)) {

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// The interior that a frame of half a mask leaves of a plane; its height is below 1 where there is none.
+/// The interior of a plane inside a margin of half a mask. Its height is below 1 if the plane has no
+/// interior.
 box::Region Interior(const CPlane8u& src, CPlane8u& dst, int32_t maskSize) {
     const int32_t r = maskSize / 2;
     return {src.Row(r) + r,     src.width, dst.Row(r) + r, dst.width, src.width - 2 * r,

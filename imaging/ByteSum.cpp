@@ -8,7 +8,7 @@ namespace {
 
 constexpr size_t kBlock = size_t{1} << 20;
 
-/// Sum of kBlock bytes at most, which fits 32 bits.
+/// Sum of at most kBlock bytes, which fits 32 bits.
 SE_INLINE uint32_t SumBlock(const uint8_t* data, size_t count) {
     uint32_t sum = 0;
     for (size_t i = 0; i < count; ++i) sum += data[i];

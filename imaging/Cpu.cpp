@@ -19,8 +19,8 @@ Processor Ask() {
     processor.Add(Level::kBaseline);
 #if defined(__x86_64__)
     __builtin_cpu_init();
-    // Each feature of x86-64-v3 and v4 that the compilers can name and use in loops; the operating system's
-    // support for the registers is part of the answer.
+    // Tests each feature of x86-64-v3 and v4 that compilers can name and use in loops, including the
+    // operating system's support for the registers.
     const bool avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
                       __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
     const bool avx512 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
@@ -49,7 +49,7 @@ namespace internal {
 constinit std::atomic<int> current{-1};
 
 int Detect() {
-    // A limit that another thread has just set stays.
+    // Keep a limit that another thread has just set.
     int level = -1;
     const int highest = static_cast<int>(Levels().back());
     return current.compare_exchange_strong(level, highest, std::memory_order_relaxed) ? highest : level;

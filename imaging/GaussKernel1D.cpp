@@ -11,7 +11,7 @@ namespace {
 constexpr int32_t kMaxSize = 32767;
 
 bool FitsInt32(double value) {
-    // False for what is not a number, too.
+    // False for NaN too.
     return value > -2147483649.0 && value < 2147483648.0;
 }
 
@@ -33,7 +33,7 @@ bool CGaussKernel1D::Build(double sigma, int32_t kernelSize) {
     if (kernelSize < 1 || kernelSize > kMaxSize) return false;
 
     const int32_t half = kernelSize / 2;
-    const double c = std::sqrt(6.2831852) * sigma;  // this value of twice pi, on purpose
+    const double c = std::sqrt(6.2831852) * sigma;  // exactly this value of 2 pi, on purpose
     const double d = sigma * (sigma + sigma);
     const auto bell = [c, d](int32_t x) { return std::exp(-(x * x / d)) / c; };
     const double wantedDivisor = 2.0 / bell(half);

@@ -5,13 +5,13 @@
 
 namespace {
 
-constexpr double kOffset = 4096.0;  // keeps coordinates positive, so that truncation is the floor
+constexpr double kOffset = 4096.0;  // keeps coordinates positive, so that truncation equals floor
 
 double DrawComponent(int32_t (*rand)()) {
     return (rand() % 512 - 256) / 256.0;
 }
 
-/// A direction; a draw that has none stays the zero vector.
+/// A unit vector; the zero vector if the draw has no direction.
 template <size_t n>
 void DrawUnitVector(std::array<double, n>& vector, int32_t (*rand)()) {
     double squares = 0.0;
@@ -25,7 +25,7 @@ void DrawUnitVector(std::array<double, n>& vector, int32_t (*rand)()) {
     }
 }
 
-/// Where a coordinate lies among the lattice lines: the two lines around it and the distances from them.
+/// The position of a coordinate in the lattice: the two lines around it and the distances from them.
 struct LatticeSpan {
     size_t line0, line1;
     double distance0, distance1;
@@ -54,7 +54,7 @@ double Mix(double weight, double a, double b) {
 GradientNoise::GradientNoise(int32_t (*rand)()) {
     for (size_t i = 0; i < kPeriod; ++i) {
         p[i] = static_cast<int32_t>(i);
-        DrawComponent(rand);  // a gradient of the one-dimensional field, which nothing reads; the draw counts
+        DrawComponent(rand);  // gradient of the unused one-dimensional field; only the draw matters
         DrawUnitVector(g2[i], rand);
         DrawUnitVector(g3[i], rand);
     }

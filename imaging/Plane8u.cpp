@@ -36,7 +36,7 @@ bool ReadExactly(std::ifstream& file, uint8_t* bytes, size_t size) {
 
 // ---- copies ----------------------------------------------------------------------------------------
 
-/// Copies `src` to (x, y) of `dst`, as far as it lies there.
+/// Copies `src` to (x, y) of `dst`, clipped to `dst`.
 void CopyClipped(const CPlane8u& src, CPlane8u& dst, int64_t x, int64_t y) {
     if (src.Empty() || dst.Empty()) return;
     const int64_t left = std::max<int64_t>(x, 0);
@@ -185,7 +185,7 @@ bool CPlane8u::LoadBmp(const char* path) {
     const size_t count = static_cast<size_t>(fileWidth) * static_cast<size_t>(fileHeight);
     if (fileSize < kFileHeaderSize + kInfoHeaderSize + kPaletteSize + count) return false;
 
-    // Read aside first: a read that fails after all must not have changed this plane.
+    // Read into a temporary first: a failed read must not change this plane.
     CPlane8u bottomUp = NewPlane(fileWidth, fileHeight);
     if (!ReadExactly(file, bottomUp.data, count)) return false;
     if (data == nullptr || width != fileWidth || height != fileHeight) {

@@ -1,4 +1,4 @@
-// The free functions on planes that stand on the primitives.
+// The free functions on planes that use the primitives.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -10,13 +10,13 @@
 
 namespace {
 
-/// Whether a frame of `r` pixels leaves an interior.
+/// Whether a margin of `r` pixels leaves an interior.
 bool HasInterior(const CPlane8u& plane, int32_t r) {
     return r <= (std::min(plane.width, plane.height) - 1) / 2;
 }
 
-/// Calls filter(src, srcStep, dst, dstStep, width, height) on the interior that a frame of `r` pixels leaves
-/// of `src`, at the same place in `dst`.
+/// Calls filter(src, srcStep, dst, dstStep, width, height) on the interior of `src` inside a margin of `r`
+/// pixels, and the same region of `dst`.
 template <class Filter>
 void FilterInterior(const CPlane8u& src, CPlane8u& dst, int32_t r, Filter filter) {
     if (src.Empty() || dst.Empty() || dst.width < src.width || dst.height < src.height) return;

@@ -1,7 +1,7 @@
-// What planes do with slopes: refraction and relief lighting.
+// Operations on slopes of planes: refraction and relief lighting.
 //
-// Both fetch each pixel from a place that its neighbourhood decides. The places of a stretch of pixels are
-// worked out first, in loops that the compiler vectorises, then the pixels are fetched one by one.
+// Both load each pixel from an offset that depends on its neighbourhood. The offsets of a stretch of pixels
+// are computed first, in loops that the compiler vectorises; then the pixels are loaded one by one.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -12,19 +12,19 @@
 
 namespace {
 
-constexpr ptrdiff_t kStretch = 256;  // pixels that are handled at once
+constexpr ptrdiff_t kStretch = 256;  // pixels that are processed together
 
 // ---- refraction ------------------------------------------------------------------------------------
 
-/// Part of a row of the bump plane, and where its row lies in the planes.
+/// Part of a row of the bump plane, and its position.
 struct BumpStretch {
     const uint8_t* here;  // the first pixel
     int32_t x, y;         // its place
     int32_t width, height;
 };
 
-/// Where the pixels of a stretch come from: offsets from the plane's first pixel. False when the ground is
-/// level all along, so that each pixel comes from its own place.
+/// Computes the source offsets of a stretch from the plane's first pixel. Returns false if the bump plane is
+/// level there, so that every pixel is its own source.
 SE_INLINE bool Refract(const BumpStretch& bump, ptrdiff_t count, int32_t* SE_RESTRICT sources) {
     const uint8_t* SE_RESTRICT const here = bump.here;
     const uint8_t* SE_RESTRICT const above = here - bump.width;
@@ -42,7 +42,7 @@ SE_INLINE bool Refract(const BumpStretch& bump, ptrdiff_t count, int32_t* SE_RES
     return slopes != 0;
 }
 
-/// out = fetched plus the slope to the right, saturated.
+/// out = loaded pixel + slope to the right, saturated.
 SE_INLINE void Brighten(const uint8_t* SE_RESTRICT fetched, const uint8_t* SE_RESTRICT bump, ptrdiff_t count,
                         uint8_t* SE_RESTRICT out) {
     for (ptrdiff_t i = 0; i < count; ++i) {
@@ -68,13 +68,13 @@ const std::array<uint8_t, kRim + 1>& BallShades() {
     return table;
 }
 
-/// Squared distances from the middle of the ball, kRim at most, for a stretch of pixels of one row.
-/// `level` is what a slope of 0 stands for.
+/// Squared distances from the middle of the ball, at most kRim, for a stretch of pixels of one row. `level`
+/// is the value of a slope of 0.
 SE_INLINE void Steepness(const uint8_t* here, ptrdiff_t width, int16_t level, ptrdiff_t count,
                          uint16_t* SE_RESTRICT distances) {
     const auto component = [level](uint8_t low, uint8_t high) {
         const auto g = static_cast<int16_t>(high - low + level);
-        // A slope off the scale counts as the steepest one downwards.
+        // A slope out of range counts as the steepest downward slope.
         return static_cast<int16_t>((g < 0 || g > 255 ? 0 : g) - 128);
     };
     for (ptrdiff_t i = 0; i < count; ++i) {
@@ -125,8 +125,7 @@ void ShadeByGradient(const CPlane8u& src, CPlane8u& dst, int32_t bias) {
     if (src.Empty() || dst.Empty() || !SameSize(src, dst) || width < 3 || height < 3) return;
 
     const auto& shades = BallShades();
-    // Every bias that takes all slopes off the scale gives the same result, so that the clamp changes
-    // nothing.
+    // Every bias that takes all slopes out of range gives the same result, so the clamp changes nothing.
     const auto level = static_cast<int16_t>(128 - std::clamp(bias, -1000, 1000));
     std::array<uint16_t, kStretch> distances;
     for (int32_t y = 1; y < height - 1; ++y) {

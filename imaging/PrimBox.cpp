@@ -44,7 +44,7 @@ struct Buffers {
 
     Sum* columnSums;  ///< after one 0
     Sum* windowSums;
-    /// Unfiltered rows that are overwritten and not yet left by the mask.
+    /// Copies of overwritten rows that the mask still covers.
     uint8_t* ring;
 
   private:
@@ -95,8 +95,8 @@ SE_INLINE void ForRows(const Region& region, const Buffers<Sum>& buffers, Means 
     }
 }
 
-/// Sums over the mask's width, from one column before the first on: each is the one before plus the column
-/// that enters, less the one that leaves.
+/// Sums over the mask's width, starting one column before the first: each is the previous sum plus the column
+/// that enters, minus the column that leaves.
 SE_INLINE void SumWindows(const uint32_t* SE_RESTRICT columnSums, ptrdiff_t maskWidth,
                           uint32_t* SE_RESTRICT windowSums, ptrdiff_t width) {
     uint32_t start = 0;
@@ -125,7 +125,7 @@ SE_INLINE void FilterBox(const Region& region, const Buffers<uint32_t>& buffers)
     });
 }
 
-/// For masks whose sums pass 32 bits.
+/// For masks whose sums exceed 32 bits.
 void FilterBoxWide(const Region& region, const Buffers<uint64_t>& buffers) {
     const auto area = static_cast<uint64_t>(region.Area());
     ForRows(region, buffers, [&](const uint64_t* columnSums, uint8_t* out) {

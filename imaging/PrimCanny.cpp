@@ -1,7 +1,7 @@
 // Edge map from two gradients: thinning across the edge, then hysteresis along it.
 //
-// All is done on squared magnitudes, which are whole numbers of up to 32 bits. Roots of two different ones
-// differ in double too, so comparing the squares is the same as comparing the magnitudes.
+// Works on squared magnitudes, which are integers of up to 32 bits. Different squares have different roots in
+// double precision, so comparing squares equals comparing magnitudes.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -24,7 +24,7 @@ using prim::Row;
 
 namespace {
 
-// What the pixels of the map are on the way. Weak ones become edges if they touch one.
+// Intermediate states of pixels. Weak pixels become edges if they touch one.
 constexpr uint8_t kNone = 0;
 constexpr uint8_t kWeak = 1;
 constexpr uint8_t kEdge = 255;
@@ -103,7 +103,7 @@ SE_INLINE void DropWeak(uint8_t* map, ptrdiff_t width) {
     }
 }
 
-/// Turns weak pixels into edges from edge to edge. The stack holds pixels as y * width + x.
+/// Propagates edges to weak neighbours. The stack holds pixels as y * width + x.
 void FollowEdges(uint8_t* map, ptrdiff_t step, uint32_t width, uint32_t height, uint32_t* stack,
                  size_t depth) {
     while (depth > 0) {

@@ -93,7 +93,7 @@ PrimStatus Scharr(Operator operator3x3, const uint8_t* src, int32_t srcStep, int
     return kPrimOk;
 }
 
-/// The operators keep their lines on the stack, so one byte does.
+/// The operators keep their lines on the stack, so one byte is enough.
 PrimStatus BufferSize(int32_t width, int32_t height, PrimStatus maskStatus, int32_t* size) {
     if (const PrimStatus status = FirstError(CheckPointers(size), CheckSize(width, height), maskStatus)) {
         return status;

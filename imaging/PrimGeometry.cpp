@@ -41,7 +41,8 @@ void FlipBoth(uint8_t* data, int32_t step, int32_t width, int32_t height) {
     if (height % 2 != 0) FlipColumns(Row(data, step, height / 2), step, width, 1);
 }
 
-/// Fills `left` bytes before and `right` bytes behind the pixels row[0] to row[width - 1] with the nearest.
+/// Fills `left` bytes before and `right` bytes after the pixels row[0] to row[width - 1] with the nearest
+/// pixel.
 void ExtendRow(uint8_t* row, int32_t width, int32_t left, int32_t right) {
     std::memset(row - left, row[0], static_cast<size_t>(left));
     std::memset(row + width, row[width - 1], static_cast<size_t>(right));

@@ -36,7 +36,7 @@ struct Region {
     ptrdiff_t height;
 };
 
-/// Taps and where they lie: tap k weighs the pixel at `first` - k * `distance` from the filtered one.
+/// Taps and their offsets: tap k weights the pixel at `first` - k * `distance` from the filtered one.
 struct Kernel {
     std::span<const int32_t> taps;
     ptrdiff_t first;
@@ -135,8 +135,8 @@ SE_TARGET_AVX2 inline __m256i LoadBlock(const uint8_t* from) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
 }
 
-/// The pixels of a pair of taps are interleaved and widened, so that one instruction weighs and adds two of
-/// them. The order of the sums that comes of it is undone by the packing at the end.
+/// Interleaves and widens the pixels of a pair of taps, so that one instruction multiplies and adds two of
+/// them. The final packing restores the order of the sums.
 SE_TARGET_AVX2 inline void FilterBlock(const uint8_t* src, uint8_t* dst, const TapPairs& pairs,
                                        __m256 reciprocal, __m256 bias) {
     const __m256i zero = _mm256_setzero_si256();
@@ -176,8 +176,8 @@ SE_TARGET_AVX2 void FilterWithAvx2(const Region& region, const TapPairs& pairs,
 
 #endif
 
-/// With small taps and a quotient in single precision. False where the kernel or the divisor does not allow
-/// it.
+/// For small taps and a quotient in single precision. Returns false if the kernel or the divisor does not
+/// allow it.
 bool FilterFast(const Region& region, const Kernel& kernel, int32_t divisor) {
     if (!FitIn16Bits(kernel.taps) || kernel.reach() > prim::SingleQuotient::kMaxSum) {
         return false;

@@ -1,5 +1,5 @@
-// Median of a window: by a network of minima and maxima for 5 by 5, by a sliding histogram for any other
-// size. What either does for a pixel does not depend on its value.
+// Median of a window: a network of minima and maxima for 5 by 5, a sliding histogram for any other size. The
+// work for a pixel does not depend on pixel values.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -64,7 +64,8 @@ SE_INLINE void Run(Values& values, std::index_sequence<i...>) {
     (Perform(kNetwork[i], values), ...);
 }
 
-/// `Values` is an array whose elements the compiler keeps apart: all its indices are constants.
+/// `Values` is an array with constant indices only, so that the compiler can treat its elements as separate
+/// variables.
 template <const auto& kNetwork, typename Values>
 SE_INLINE void Run(Values& values) {
     Run<kNetwork>(values, std::make_index_sequence<kNetwork.size()>());
@@ -116,7 +117,7 @@ class Histogram {
         coarse_[value / kRange] += times;
     }
 
-    /// The value that `rank` values are in front of when all are sorted.
+    /// The value with `rank` values before it in sorted order.
     uint8_t AtRank(int64_t rank) const {
         const size_t range = Find(coarse_.data(), rank);
         return static_cast<uint8_t>(range * kRange + Find(fine_.data() + range * kRange, rank));
@@ -125,8 +126,8 @@ class Histogram {
   private:
     static constexpr size_t kRange = 16;
 
-    /// The entry of 16 that `rank` falls in; takes what lies in the entries before off the rank. Looks at all
-    /// entries always.
+    /// The one of 16 entries that `rank` falls in; subtracts the entries before it from the rank. Always
+    /// reads all entries.
     static size_t Find(const int64_t* counts, int64_t& rank) {
         size_t entry = 0;
         int64_t end = 0;

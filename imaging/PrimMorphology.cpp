@@ -47,8 +47,8 @@ SE_INLINE void DilateInto(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, p
         [](const uint8_t* line) { return Max(line[0], Max(line[1], line[2])); });
 }
 
-/// A ring of three lines holds the maxima along the rows above, at and below y. The row below is still as it
-/// was when it enters the ring.
+/// A ring of three lines holds the maxima along the rows above, at and below y. The row below is still
+/// unfiltered when it enters the ring.
 SE_INLINE void Dilate(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
                       std::array<uint8_t*, 3> ring) {
     const auto enter = [&](ptrdiff_t y) {

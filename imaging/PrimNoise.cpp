@@ -20,23 +20,23 @@ using prim::FirstError;
 
 namespace {
 
-/// Points that are worked on at once.
+/// Points that are processed together.
 constexpr ptrdiff_t kPoints = 256;
 
 /// Points of the unit circle, without its middle.
 struct Points {
-    // One more than is kept: a point that is refused is overwritten by the next.
+    // One extra entry: the next point overwrites a rejected one.
     double u[kPoints + 1];
     double v[kPoints + 1];
 };
 
-/// A subtractive and a congruential generator added up. All arithmetic wraps at 32 bits.
+/// The sum of a subtractive and a congruential generator. All arithmetic wraps at 32 bits.
 class Generator {
   public:
     explicit Generator(uint32_t seed)
         : a_(seed), b_(a_ * 69069u + 1013904243u), c_(b_ * 69069u + 1013904243u) {}
 
-    /// Draws `count` points. What is refused is a matter of chance, so that there is no branch on it.
+    /// Draws `count` points. Rejection is random, so it takes no branch.
     void Draw(Points& points, ptrdiff_t count) {
         Generator self = *this;  // in registers
         for (ptrdiff_t i = 0; i < count;) {
@@ -78,8 +78,8 @@ struct Normal {
     double stdDev;
 };
 
-/// What a sample adds to a pixel: truncated, and no more than -256..256, where every pixel saturates. A
-/// sample that is not a number adds nothing.
+/// The value that a sample adds to a pixel: truncated and clamped to -256..256, where every pixel saturates.
+/// NaN adds nothing.
 int32_t Truncated(double sample) {
     const double below = sample < 256 ? sample : 256.0;
     return static_cast<int32_t>(sample != sample ? 0.0 : below > -256 ? below : -256.0);

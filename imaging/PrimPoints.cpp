@@ -1,4 +1,4 @@
-// Point operations: what becomes of a pixel depends on that pixel alone.
+// Point operations: the result of a pixel depends on that pixel alone.
 //
 // Each operation is one frame-sized loop, a few integer steps a pixel in 8 or 16 bits that the compiler turns
 // into vector code.
@@ -99,7 +99,7 @@ class EvenShift {
         return ShiftRight(static_cast<uint16_t>(v + belowHalf_ + odd));
     }
 
-    /// Values above it give at least 255, or there are none.
+    /// Values above it give at least 255, if there are any.
     uint16_t saturation() const { return saturation_; }
 
   private:
@@ -451,7 +451,7 @@ SE_INLINE void ScaleRow(const float* src, uint8_t* SE_RESTRICT dst, ptrdiff_t wi
     constexpr double kRound = 0x1.8p52;
     const auto [lo, hi, factor, offset] = range;
     for (ptrdiff_t x = 0; x < width; ++x) {
-        const float above = src[x] > lo ? src[x] : lo;  // also where it is not a number
+        const float above = src[x] > lo ? src[x] : lo;  // also if src[x] is NaN
         const float value = above < hi ? above : hi;
         const double raised = double{value} * factor + offset;
         dst[x] = static_cast<uint8_t>(std::bit_cast<uint64_t>(raised - 0.5 + kRound));
@@ -489,7 +489,7 @@ SE_TARGET_AVX2 ptrdiff_t ScaleRowAvx2(const float* src, uint8_t* dst, ptrdiff_t 
 
 #endif
 
-/// An infinite range has nothing between its ends.
+/// No value lies inside an infinite range.
 void ScaleRowInfinite(const float* src, uint8_t* dst, ptrdiff_t width, float hi) {
     for (ptrdiff_t x = 0; x < width; ++x) {
         dst[x] = src[x] >= hi ? 255 : 0;

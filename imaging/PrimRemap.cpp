@@ -25,15 +25,15 @@ struct Range {
     float low, high;
 };
 
-/// Where the pixels of a stretch come from.
+/// The sources of the pixels of a stretch.
 struct Places {
     std::array<int32_t, kStretch> offset;  // of the pixel (the upper left one of four) from that of the image
-    std::array<int32_t, kStretch> inside;  // 0 where the pixel is left as it is
+    std::array<int32_t, kStretch> inside;  // 0 where the pixel is unchanged
     std::array<float, kStretch> xFraction, yFraction;  // linear mode only
 };
 
-/// The nearest coordinate that lies in the range: the coordinate itself, or one that differs from it (as from
-/// what is not a number).
+/// The coordinate clamped to the range. A result that differs from the coordinate, as for NaN, means out of
+/// range.
 SE_INLINE float Clamp(float position, Range range) {
     const float notBelow = position > range.low ? position : range.low;
     return notBelow < range.high ? notBelow : range.high;
@@ -113,7 +113,7 @@ SE_INLINE void MixCorners(const Corners& SE_RESTRICT corners, const Places& SE_R
     }
 }
 
-/// Everything that the sampling of one image needs.
+/// The parameters of sampling one image.
 struct Warp {
     const uint8_t* src;
     int32_t srcStep;
@@ -192,7 +192,7 @@ void RemapLinear(const Warp& warp) {
     });
 }
 
-/// One pixel after another, in double precision: for images of unusual size and for the smallest regions.
+/// Pixel by pixel in double precision, for images of unusual size and the smallest regions.
 template <int channels>
 void RemapPlain(const Warp& warp, bool nearest) {
     const Roi& roi = warp.roi;

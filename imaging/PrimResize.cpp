@@ -1,7 +1,7 @@
 // Scaling of a region to another size: the checks, and the nearest mode.
 //
-// Both axes are treated alike and alone: where the samples of a destination row or column come from is worked
-// out once for the row and once for the column.
+// The axes are independent: the source positions are computed once for each destination row and once for each
+// column.
 #include <algorithm>
 #include <memory>
 

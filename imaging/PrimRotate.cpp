@@ -22,7 +22,7 @@ using prim::Row;
 
 constexpr double kPi = 3.14159265358979323846;
 
-/// The same direction, from 0 to 360.
+/// The same angle, reduced to 0 to 360 degrees.
 double ReduceAngle(double angle) {
     const double reduced = angle - std::trunc(angle / 360.0) * 360.0;
     return reduced < 0.0 ? reduced + 360.0 : reduced;
@@ -109,7 +109,7 @@ struct Trace {
 
 constexpr ptrdiff_t kStretch = 128;  // pixels that are handled at once
 
-/// Where the pixels of a stretch come from. Inner pixels have all their samples in the region.
+/// The sources of the pixels of a stretch. Inner pixels have all their samples in the region.
 struct Places {
     std::array<double, kStretch> x, y;
     std::array<int32_t, kStretch> column, row;  // the sample before the position
@@ -182,7 +182,7 @@ SE_INLINE void MixSamples(const Samples& SE_RESTRICT samples, const Places& SE_R
     }
 }
 
-/// One pixel near the edge of the region; samples past it repeat the edge.
+/// Mixes one pixel near the edge of the region; samples outside repeat the edge.
 template <class Kernel>
 uint8_t MixEdgePixel(const Trace& trace, const Places& places, size_t i) {
     const Roi& roi = trace.roi;
@@ -211,8 +211,8 @@ double EdgeWeight(const Trace& trace, double x, double y) {
 struct ColumnRange {
     double begin, end;
 
-    /// Leaves the columns d for which low <= offset + slope * d <= high, and a little more on either side:
-    /// whoever uses the range tests each pixel exactly.
+    /// Keeps the columns d with low <= offset + slope * d <= high, with a small margin on either side:
+    /// callers test each pixel exactly.
     void Narrow(double offset, double slope, double low, double high) {
         constexpr double kMargin = 2.0;
         if (std::fabs(slope) < 1e-9) return;

@@ -4,8 +4,8 @@
 // line is made once and kept in a ring while destination rows use it. Sums run over the samples in rising
 // order.
 //
-// Line buffers and tables are padded to whole blocks of columns; what the padding holds is computed and never
-// shown.
+// Line buffers and tables are padded to whole blocks of columns; values in the padding are computed but never
+// used.
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -102,7 +102,7 @@ class ColumnTable {
     }
 
 #if SE_AVX2
-    /// The same; columns that lie too far apart for two shuffles are left to the plain form.
+    /// The same with byte shuffles; the plain form scales columns that lie too far apart for two shuffles.
     SE_TARGET_AVX2 void ScaleAvx2(const uint8_t* row, float* line) {
         if (!shuffles_) {
             ScalePlain(row, line);
@@ -193,7 +193,7 @@ class LanczosPlan final : public Plan {
           stride_((static_cast<size_t>(x.count) + kBlock - 1) / kBlock * kBlock),
           padded_(kTapsBefore + length_ + kTapsBehind + 2 * kWindow),
           lines_(kTaps * stride_) {
-        // Behind the repeated edge the shuffles read on without use.
+        // The shuffles read past the repeated edge; the values are unused.
         if (padded_) std::memset(padded_.data(), 0, kTapsBefore + length_ + kTapsBehind + 2 * kWindow);
     }
 

@@ -3,8 +3,8 @@
 // Source rows are scaled along x into lines of 16-bit values with 6 fraction bits, and each destination row
 // is blended from two lines. A line is made once and kept while destination rows use it.
 //
-// Line buffers and tables are padded to whole blocks of columns; what the padding holds is computed and never
-// shown.
+// Line buffers and tables are padded to whole blocks of columns; values in the padding are computed but never
+// used.
 #include <array>
 #include <cstring>
 
@@ -98,7 +98,7 @@ class ShuffleRowScaler {
 
     explicit operator bool() const { return static_cast<bool>(blocks_); }
 
-    /// False for rows that are too short, and where the columns of a block lie too far apart.
+    /// False for rows that are too short and for blocks whose columns lie too far apart.
     bool Suitable() const { return suitable_; }
 
     static bool MaySuit(const Axis& axis) { return axis.length >= kWindow && axis.step < 4.0; }

@@ -123,7 +123,7 @@ void CAnimationFramework::ColorizeChroma(CPlane8u* u, CPlane8u* v) {
     FilterGauss3InPlace(*v, ChromaWork);
 }
 
-/// The mask at the chroma's size; valid until the next call.
+/// The mask at the chroma size; valid until the next call.
 const CPlane8u& CAnimationFramework::HalfMask(const CPlane8u& mask) {
     auto half = std::find_if(Halves.begin(), Halves.end(), [&](const HalfSize& entry) {
         return entry.of.width == mask.width && entry.of.height == mask.height;

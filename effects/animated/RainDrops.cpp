@@ -16,7 +16,7 @@ constexpr double kWet = 0.5;    ///< water that attracts a runner
 constexpr int32_t kLargestRadius = 16;
 constexpr int32_t kMostDrops = 10;  ///< of rain on a frame
 
-/// Water that a runner leaves behind on a cell.
+/// Water that a runner leaves on a cell.
 double Retained(double water, double stickiness) {
     const double m = 0.2 * stickiness;
     if (water < m) return water;
@@ -24,7 +24,7 @@ double Retained(double water, double stickiness) {
     return (water - m) * (stickiness * 0.8) + m;
 }
 
-/// Height of a dome by the square of its distance from the rim.
+/// Height of a dome by the squared distance from its rim.
 const auto& Dome() {
     static const auto table = [] {
         std::array<int32_t, kLargestRadius * kLargestRadius + 1> heights{};
@@ -65,7 +65,7 @@ void WaterGrid::AddRain() {
     StartRunner(x, y);
 }
 
-/// A new runner where the water is heavy and none stands yet.
+/// Starts a runner on a heavy cell that has none.
 bool WaterGrid::StartRunner(int32_t x, int32_t y) {
     if (!(At(x, y).Water > kHeavy) || RunnersAt(x, y) > 0) return false;
     Runners.push_back({x, y, 0.0, 1.0});
@@ -105,7 +105,8 @@ void WaterGrid::Step(Runner& runner) {
     ++RunnersAt(runner.CellX, runner.CellY);
 }
 
-/// Water follows water; on dry glass it follows what clings best, a little rather straight down.
+/// Runners follow water. On dry glass they follow the stickiest cell, with a slight preference for straight
+/// down.
 int32_t WaterGrid::ChooseDirection(int32_t x, int32_t y) const {
     const auto below = [&](int32_t step) -> const Cell* {
         return x + step >= 0 && x + step < GridWidth ? &At(x + step, y + 1) : nullptr;
@@ -173,7 +174,7 @@ void CRainDropsSpecialEffectFilter::DrawBumpMap() {
     Soften.ApplyInPlace(BumpMap);
 }
 
-/// Domes add up, modulo 256.
+/// Domes add up modulo 256.
 void CRainDropsSpecialEffectFilter::DrawDome(int32_t x, int32_t y, int32_t radius) {
     const auto& dome = Dome();
     const int32_t top = std::max(-radius, -y), bottom = std::min(radius, BumpMap.height - 1 - y);

@@ -98,7 +98,7 @@ SE_INLINE void SplitDark(const uint8_t* SE_RESTRICT src, uint8_t* SE_RESTRICT ds
     for (size_t i = 0; i < count; ++i) dst[i] = src[i] <= limit ? dark : 0;
 }
 
-/// Lays the dark part flat over the relief, with a rim where it reaches beyond its core.
+/// Lays the flat dark part over the relief, with a rim where it extends beyond its core.
 SE_INLINE void LayDark(const uint8_t* SE_RESTRICT mask, const uint8_t* SE_RESTRICT core,
                        uint8_t* SE_RESTRICT luma, size_t count) {
     constexpr uint8_t kCoreShade = 30, kRimShade = 50;
@@ -136,7 +136,7 @@ void CPlasterSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     luma.FillBorder(3, 0);
     Emboss(luma, Work);
     FilterLowpass5(Work, luma);
-    luma.FillBorder(2, kFlatShade);  // as it is in `Work`, where that filter does not reach
+    luma.FillBorder(2, kFlatShade);  // as in `Work`, which the filter leaves there
 
     Erode3(Mask, Core);
     AtLevel<LayDark>(Mask.data, Core.data, luma.data, luma.Size());

@@ -176,7 +176,7 @@ void CAntiquatedMovieSpecialEffectFilter::AddGrainAndSoften(CPlane8u& luma) {
     FilterGauss5InPlace(luma, SoftenPlane);
 }
 
-/// The picture moves up; the last rows keep what they show.
+/// The picture moves up; the last rows keep their content.
 void CAntiquatedMovieSpecialEffectFilter::JitterGate(CPlane8u& luma) {
     JitterRows = std::clamp(JitterRows + Rand() % 3 - 1, 0, 10);
     if (JitterRows == 0 || JitterRows >= luma.height) return;
@@ -184,7 +184,7 @@ void CAntiquatedMovieSpecialEffectFilter::JitterGate(CPlane8u& luma) {
                  luma.Size() - static_cast<size_t>(JitterRows) * static_cast<size_t>(luma.width));
 }
 
-/// The brighter the picture, the more blue is taken from it; the other chroma plane stays neutral.
+/// Takes away more blue where the picture is brighter; the other chroma plane stays neutral.
 void CAntiquatedMovieSpecialEffectFilter::Tint(CPlane8u& luma, const FramePlane& u) {
     ToneHalf.Apply(luma, ToneHalfPlane);
     LookupBytes(LutLuma.data(), luma.data, luma.Size());
