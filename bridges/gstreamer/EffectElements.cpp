@@ -1,6 +1,8 @@
-#include <algorithm>
 #include <cctype>
+#include <deque>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "Elements.h"
 #include "Filter.h"
@@ -36,19 +38,23 @@ std::string CamelCase(const char* id) {
 /// the type: for ever.
 GType ChoiceType(const sfx_effect_info& effect, const sfx_property_info& property) {
     const auto count = static_cast<gsize>(property.maximum - property.minimum + 1);
-    GEnumValue* const values = g_new0(GEnumValue, count + 1);
+    // GLib initializes one class at a time.
+    static auto& tables = *std::make_unique<std::deque<std::vector<GEnumValue>>>().release();
+    std::vector<GEnumValue>& values = tables.emplace_back(count + 1);
     for (size_t i = 0; i < property.choice_count; ++i) {
         const sfx_choice& choice = property.choices[i];
-        values[choice.value - property.minimum] = {choice.value, choice.description, choice.id};
+        values[static_cast<gsize>(choice.value - property.minimum)] = {choice.value, choice.description,
+                                                                       choice.id};
     }
     for (gsize i = 0; i < count; ++i) {
         if (values[i].value_nick == nullptr) {
             values[i].value = property.minimum + static_cast<int32_t>(i);
-            values[i].value_name = values[i].value_nick = g_strdup_printf("%d", values[i].value);
+            values[i].value_name = values[i].value_nick =
+                g_intern_string(std::to_string(values[i].value).c_str());
         }
     }
     const std::string name = "GstSfx" + CamelCase(effect.id) + CamelCase(property.id);
-    const GType type = g_enum_register_static(name.c_str(), values);
+    const GType type = g_enum_register_static(name.c_str(), values.data());
     gst_type_mark_as_plugin_api(type, static_cast<GstPluginAPIFlags>(0));
     return type;
 }

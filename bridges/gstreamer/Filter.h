@@ -1,5 +1,8 @@
 // What all elements have in common: frames through libsfx, and the properties "enabled", "seed" and
 // "data-folder".
+//
+// Functions that GLib calls are noexcept: where this code runs out of memory the process ends, as with GLib's
+// own allocations. libsfx reports a lack of memory, and that becomes a message on the bus.
 #ifndef SPECIALEFFECTS_BRIDGES_GSTREAMER_FILTER_H
 #define SPECIALEFFECTS_BRIDGES_GSTREAMER_FILTER_H
 

@@ -1,4 +1,7 @@
 // sfxchain: several effects as one text.
+#include <atomic>
+#include <thread>
+
 #include "Harness.h"
 
 namespace {
@@ -72,6 +75,26 @@ TEST(Chain, OtherEffectsStartAnew) {
     harness.ExpectSameFrames(first, 0, 5);
     SetText(harness, "rain+sepia");
     harness.ExpectSameFrames(second, 5, 5);
+}
+
+TEST(Chain, TextsComeFromOtherThreadsWhileFramesRun) {
+    Harness harness("sfxchain effect=rain");
+    harness.SetFormat(kI420, 64, 48);
+    std::atomic<bool> done = false;
+    std::thread other([&] {
+        constexpr const char* kTexts[] = {"rain:drop-size=9", "rain:drop-size=5", "quark+sepia", "",
+                                          "sepia+rain"};
+        for (size_t i = 0; !done; ++i) {
+            const std::string text = kTexts[i % std::size(kTexts)];
+            SetText(harness, text.c_str());
+            EXPECT_EQ(TextOf(harness), text.empty() ? "(none)" : text);
+        }
+    });
+    for (int frame = 0; frame < 300; ++frame) {
+        EXPECT_NE(harness.PushAndPull(harness.Input(frame)), nullptr);
+    }
+    done = true;
+    other.join();
 }
 
 TEST(Chain, KeepsItsEffectWhenATextIsWrong) {

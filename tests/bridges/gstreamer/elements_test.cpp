@@ -144,19 +144,19 @@ TEST_P(Elements, LeaveSharedBuffersAlone) {
     harness.SetFormat(kI420, 64, 48);
     for (int frame = 0; frame < 3; ++frame) {
         Picture wanted = Picture(kI420, 64, 48).Draw(frame);
-        const std::vector<uint8_t> before = wanted.bytes();
+        const Picture before = wanted;
         reference.Process(wanted, frame);
 
         const BufferHandle input = harness.Input(frame);
         const BufferHandle output = harness.PushAndPull(BufferHandle(gst_buffer_ref(input.get())));
-        EXPECT_TRUE(harness.PictureOf(input).bytes() == before);
+        EXPECT_TRUE(harness.PictureOf(input).bytes() == before.bytes());
         EXPECT_TRUE(harness.PictureOf(output).bytes() == wanted.bytes());
 
         // Another buffer with the same memory.
         BufferHandle copy(gst_buffer_copy(input.get()));
         ASSERT_EQ(gst_buffer_peek_memory(copy.get(), 0), gst_buffer_peek_memory(input.get(), 0));
         harness.PushAndPull(std::move(copy));
-        EXPECT_TRUE(harness.PictureOf(input).bytes() == before);
+        EXPECT_TRUE(harness.PictureOf(input).bytes() == before.bytes());
         reference.Process(Picture(kI420, 64, 48).Draw(frame), frame);
     }
 }

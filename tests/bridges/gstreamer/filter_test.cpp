@@ -189,9 +189,17 @@ TEST(Filter, EffectsWithoutAMemoryDoNotSeeLateFrames) {
     harness.ExpectSameFrames(reference, 7, 3);
 }
 
+/// Takes the cache folder away, where the tests' data files are.
+class NoCache {
+  public:
+    NoCache() { setenv("XDG_CACHE_HOME", "/dev/null/nowhere", 1); }
+    ~NoCache() { setenv("XDG_CACHE_HOME", SCRATCH_FOLDER "/cache", 1); }
+    NoCache(const NoCache&) = delete;
+    NoCache& operator=(const NoCache&) = delete;
+};
+
 TEST(Filter, WarnsOnceWhenADataFileIsMissing) {
-    const std::string cache = std::getenv("XDG_CACHE_HOME");
-    setenv("XDG_CACHE_HOME", "/dev/null/nowhere", 1);
+    const NoCache none;
     {
         Harness harness("sfx-clouds");
         harness.SetFormat(kI420, 64, 48);
@@ -202,14 +210,12 @@ TEST(Filter, WarnsOnceWhenADataFileIsMissing) {
         ASSERT_EQ(warnings.size(), 1u);
         EXPECT_NE(warnings[0].find("perlin.dat"), std::string::npos);
     }
-    setenv("XDG_CACHE_HOME", cache.c_str(), 1);
 }
 
 TEST(Filter, MakesDataFilesInTheDataFolder) {
     gchar* const folder = g_dir_make_tmp("gstreamer_tests_XXXXXX", nullptr);
     const std::string file = std::string(folder) + "/perlin.dat";
-    const std::string cache = std::getenv("XDG_CACHE_HOME");
-    setenv("XDG_CACHE_HOME", "/dev/null/nowhere", 1);
+    const NoCache none;
     {
         // Once it is started, before any frame.
         Harness harness(std::string("sfx-clouds data-folder=") + folder);
@@ -220,7 +226,6 @@ TEST(Filter, MakesDataFilesInTheDataFolder) {
         g_free(text);
         EXPECT_EQ(harness.Messages(GST_MESSAGE_WARNING), std::vector<std::string>());
     }
-    setenv("XDG_CACHE_HOME", cache.c_str(), 1);
     std::remove(file.c_str());
     EXPECT_EQ(std::remove(folder), 0);
     g_free(folder);

@@ -48,59 +48,53 @@ TEST(Formats, MeanTheSameToBoth) {
 }
 
 TEST(Formats, AreChangedInPlaceWhereRowsAreTight) {
-    Harness harness("sfx-polarize");
-    harness.SetFormat(kI420, 64, 48);
-    BufferHandle input = harness.Input(0);
-    const GstBuffer* const buffer = input.get();
-    const GstMemory* const memory = gst_buffer_peek_memory(input.get(), 0);
-    const BufferHandle output = harness.PushAndPull(std::move(input));
-    EXPECT_EQ(output.get(), buffer);
-    EXPECT_EQ(gst_buffer_peek_memory(output.get(), 0), memory);
+    for (const char* const name : {"sfx-polarize", "sfx-motion-blur-1", "sfxchain effect=rain+quark"}) {
+        Harness harness(name);
+        harness.SetFormat(kI420, 64, 48);
+        for (int frame = 0; frame < 3; ++frame) {
+            BufferHandle input = harness.Input(frame);
+            const GstBuffer* const buffer = input.get();
+            const GstMemory* const memory = gst_buffer_peek_memory(input.get(), 0);
+            const BufferHandle output = harness.PushAndPull(std::move(input));
+            EXPECT_EQ(output.get(), buffer);
+            EXPECT_EQ(gst_buffer_peek_memory(output.get(), 0), memory);
+        }
+    }
 }
 
 /// A buffer whose planes lie as the test wants it, in memory full of a guard byte.
-class LaidOut {
-  public:
-    static constexpr uint8_t kGuard = 0xA7;
-
-    LaidOut(const NamedFormat& format, const Picture& picture, ptrdiff_t extraStride, bool oneMemoryEach)
-        : format_(format), width_(picture.record().width), height_(picture.record().height) {
-        const GstVideoInfo info = InfoOf(format, width_, height_);
-        gint strides[GST_VIDEO_MAX_PLANES] = {};
-        gsize offsets[GST_VIDEO_MAX_PLANES] = {}, end = 0;
-        buffer_.reset(gst_buffer_new());
-        for (guint plane = 0; plane < GST_VIDEO_INFO_N_PLANES(&info); ++plane) {
-            strides[plane] = GST_VIDEO_INFO_PLANE_STRIDE(&info, plane) + static_cast<gint>(extraStride);
-            offsets[plane] = end + (oneMemoryEach ? 0 : 24);
-            const gsize size =
-                offsets[plane] - end +
-                static_cast<gsize>(strides[plane]) *
-                    static_cast<gsize>(sfx_plane_rows(format.format, static_cast<int>(plane), height_));
-            end += size;
-            if (oneMemoryEach) {
-                gst_buffer_append_memory(buffer_.get(), gst_allocator_alloc(nullptr, size, nullptr));
-            }
+BufferHandle LayOut(const NamedFormat& format, const Picture& picture, int extraStride, bool oneMemoryEach) {
+    constexpr uint8_t kGuard = 0xA7;
+    constexpr gsize kGap = 24;
+    const sfx_picture& record = picture.record();
+    const GstVideoInfo info = InfoOf(format, record.width, record.height);
+    const gsize gap = oneMemoryEach ? 0 : kGap;
+    gint strides[GST_VIDEO_MAX_PLANES] = {};
+    gsize offsets[GST_VIDEO_MAX_PLANES] = {}, end = 0;
+    BufferHandle buffer(gst_buffer_new());
+    for (guint plane = 0; plane < GST_VIDEO_INFO_N_PLANES(&info); ++plane) {
+        strides[plane] = GST_VIDEO_INFO_PLANE_STRIDE(&info, plane) + extraStride;
+        offsets[plane] = end + gap;
+        const int32_t rows = sfx_plane_rows(format.format, static_cast<int32_t>(plane), record.height);
+        const gsize size = static_cast<gsize>(strides[plane]) * static_cast<gsize>(rows);
+        end = offsets[plane] + size;
+        if (oneMemoryEach) {
+            gst_buffer_append_memory(buffer.get(), gst_allocator_alloc(nullptr, size, nullptr));
         }
-        if (!oneMemoryEach) {
-            gst_buffer_append_memory(buffer_.get(), gst_allocator_alloc(nullptr, end + 24, nullptr));
-        }
-        gst_buffer_memset(buffer_.get(), 0, kGuard, gst_buffer_get_size(buffer_.get()));
-        gst_buffer_add_video_meta_full(buffer_.get(), GST_VIDEO_FRAME_FLAG_NONE, GST_VIDEO_INFO_FORMAT(&info),
-                                       static_cast<guint>(width_), static_cast<guint>(height_),
-                                       GST_VIDEO_INFO_N_PLANES(&info), offsets, strides);
-        GstVideoFrame frame;
-        EXPECT_TRUE(gst_video_frame_map(&frame, &info, buffer_.get(), GST_MAP_WRITE));
-        picture.CopyTo(frame);
-        gst_video_frame_unmap(&frame);
     }
-
-    BufferHandle Take() { return std::move(buffer_); }
-
-  private:
-    NamedFormat format_;
-    int32_t width_, height_;
-    BufferHandle buffer_;
-};
+    if (!oneMemoryEach) {
+        gst_buffer_append_memory(buffer.get(), gst_allocator_alloc(nullptr, end + gap, nullptr));
+    }
+    gst_buffer_memset(buffer.get(), 0, kGuard, gst_buffer_get_size(buffer.get()));
+    gst_buffer_add_video_meta_full(buffer.get(), GST_VIDEO_FRAME_FLAG_NONE, GST_VIDEO_INFO_FORMAT(&info),
+                                   static_cast<guint>(record.width), static_cast<guint>(record.height),
+                                   GST_VIDEO_INFO_N_PLANES(&info), offsets, strides);
+    GstVideoFrame frame;
+    EXPECT_TRUE(gst_video_frame_map(&frame, &info, buffer.get(), GST_MAP_WRITE));
+    picture.CopyTo(frame);
+    gst_video_frame_unmap(&frame);
+    return buffer;
+}
 
 /// The bytes of a buffer outside the picture's rows.
 std::vector<uint8_t> Outside(GstBuffer* buffer, const NamedFormat& format, int32_t width, int32_t height) {
@@ -120,14 +114,14 @@ TEST(Formats, LieAsTheBufferSays) {
     for (const NamedFormat& format : kNamedFormats) {
         SCOPED_TRACE(format.name);
         for (const auto& [width, height] : std::vector<std::pair<int32_t, int32_t>>{{64, 48}, {35, 17}}) {
-            for (const ptrdiff_t extraStride : {0, 16, 52}) {
+            for (const int extraStride : {0, 16, 52}) {
                 for (const bool oneMemoryEach : {false, true}) {
                     Harness harness("sfx-liquefy-1");
                     Reference reference("liquefy-1");
                     harness.SetFormat(format, width, height);
                     for (int i = 0; i < 3; ++i) {
                         Picture wanted = Picture(format, width, height).Draw(i);
-                        BufferHandle input = LaidOut(format, wanted, extraStride, oneMemoryEach).Take();
+                        BufferHandle input = LayOut(format, wanted, extraStride, oneMemoryEach);
                         reference.Process(wanted, i);
                         const std::vector<uint8_t> outside = Outside(input.get(), format, width, height);
                         GST_BUFFER_PTS(input.get()) = static_cast<GstClockTime>(i) * GST_SECOND / 25;
