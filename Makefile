@@ -27,7 +27,7 @@ install-gstreamer: install
 	cmake --preset release -DSE_BUILD_GSTREAMER=ON
 	cmake --build --preset release --target gstspecialeffects
 	cmake --install $(RELEASE) --component gstreamer
-	cat $(RELEASE)/install_manifest_gstreamer.txt >> $(INSTALLED)
+	awk 1 $(RELEASE)/install_manifest.txt $(RELEASE)/install_manifest_gstreamer.txt > $(INSTALLED)
 
 ## install-frei0r  the same and the frei0r plugins
 install-frei0r: install
