@@ -34,16 +34,26 @@ void CheckOptions(const ApplyOptions& options, OutputKind output) {
     }
 }
 
+// A picture of the sequence that is written must not be one that is read.
+void CheckMembers(const std::string& output, const std::string& input) {
+    constexpr int64_t kMostMembers = 10'000;
+    const bool both = IsSequenceInput(input);
+    for (int64_t i = 1; i <= kMostMembers; ++i) {
+        CheckNotInput(SequenceMember(output, i), both ? SequenceMember(input, i) : input);
+    }
+}
+
 // Before anything is opened: what is to be written must not be there, and must not be read.
 void CheckFiles(const ApplyOptions& options, OutputKind output) {
-    const std::optional<std::string> input = FileOfInput(options.input);
     if (output == OutputKind::Pipe || output == OutputKind::Device) return;
-    if (input && output != OutputKind::Sequence) CheckNotInput(options.output, *input);
-    if (input && output == OutputKind::Sequence && *input == options.output) {
-        throw UsageError("{} is read and would be overwritten; write to other files", options.output);
+    const std::optional<std::string> input = FileOfInput(options.input);
+    if (output == OutputKind::Sequence) {
+        if (input) CheckMembers(options.output, *input);
+        return;
     }
+    if (input) CheckNotInput(options.output, *input);
     if (options.settings) CheckNotInput(options.output, *options.settings);
-    if (output != OutputKind::Sequence) CheckOverwriting(options.output, options.to.overwrite);
+    CheckOverwriting(options.output, options.to.overwrite);
 }
 
 PipelineLimits LimitsOf(const ApplyOptions& options, OutputKind output, const StreamInfo& stream) {

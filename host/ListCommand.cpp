@@ -47,7 +47,7 @@ void PrintHeading(std::string_view text) {
 }
 
 void PrintRow(std::string_view id, std::string_view description) {
-    Print("  {:<18} {}\n", id, description);
+    Print("  {:<22} {}\n", id, description);
 }
 
 void PrintPresets(bool json) {

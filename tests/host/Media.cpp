@@ -1,6 +1,7 @@
 #include "Media.h"
 
 #include <cstdlib>
+#include <sstream>
 
 Outcome MediaTest::Shell(const std::string& line) const {
     return Child({"/bin/bash", "-c", "P='" SE_PROGRAM "'; " + line}, directory_).Wait();
@@ -40,15 +41,14 @@ int MediaTest::CountFrames(const std::string& name) const {
     return std::atoi(outcome.out.c_str());
 }
 
-std::vector<int> MediaTest::MiddlePixel(const std::string& name) const {
+void MediaTest::ExpectMiddlePixel(const std::string& name, const std::vector<int>& expected,
+                                  int tolerance) const {
     const Outcome outcome = Shell("ffmpeg -v error -nostdin -i " + name +
                                   " -frames:v 1 -vf crop=2:2,format=rgb24 -f rawvideo - | od -An -tu1 -N3");
-    std::vector<int> pixel(3);
-    const char* text = outcome.out.c_str();
-    char* next = nullptr;
-    for (int& part : pixel) {
-        part = static_cast<int>(std::strtol(text, &next, 10));
-        text = next;
+    std::istringstream parts(outcome.out);
+    for (const int part : expected) {
+        int shown = -1;
+        parts >> shown;
+        EXPECT_NEAR(shown, part, tolerance) << name << ": " << outcome.out;
     }
-    return pixel;
 }

@@ -26,8 +26,8 @@ class MediaTest : public ProgramTest {
     /// Frames that can be decoded.
     int CountFrames(const std::string& name) const;
 
-    /// Red, green and blue of the pixel in the middle of the first frame, as ffmpeg shows it on a screen.
-    std::vector<int> MiddlePixel(const std::string& name) const;
+    /// Compares red, green and blue of the pixel in the middle of the first frame, as ffmpeg shows it.
+    void ExpectMiddlePixel(const std::string& name, const std::vector<int>& expected, int tolerance) const;
 };
 
 #endif

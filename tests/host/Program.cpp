@@ -7,12 +7,14 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 #include "Libav.h"
 
@@ -108,6 +110,14 @@ void ProgramTest::TearDown() {
 Outcome ProgramTest::Run(std::vector<std::string> arguments, const RunOptions& options) const {
     arguments.insert(arguments.begin(), SE_PROGRAM);
     return Child(arguments, directory_, options).Wait();
+}
+
+bool ProgramTest::Started(const std::string& name) const {
+    for (int i = 0; i < 600; ++i) {
+        if (Exists(name)) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return false;
 }
 
 std::string ProgramTest::Read(const std::string& name) const {

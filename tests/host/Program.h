@@ -56,6 +56,8 @@ class ProgramTest : public testing::Test {
 
     std::string Path(const std::string& name) const { return (directory_ / name).string(); }
     bool Exists(const std::string& name) const { return std::filesystem::exists(directory_ / name); }
+    /// Waits until a program has made the file. False when it never does.
+    bool Started(const std::string& name) const;
     std::string Read(const std::string& name) const;
     void Write(const std::string& name, const std::string& content) const;
 

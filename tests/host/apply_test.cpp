@@ -243,14 +243,6 @@ TEST_F(ApplyTest, EndsSoundWithTheVideo) {
 
 class InterruptTest : public ApplyTest {
   protected:
-    /// Waits until the program has opened the file. False when it never does.
-    bool Started(const std::string& name) const {
-        for (int i = 0; i < 600; ++i) {
-            if (Exists(name)) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return false;
-    }
     static std::vector<std::string> Command(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), SE_PROGRAM);
         return arguments;

@@ -69,10 +69,7 @@ TEST_F(ColorTest, RgbIsConvertedByTheMatrixOfItsHeight) {
         // An effect that leaves a flat picture alone: what comes out shows the conversions there and back.
         ASSERT_EQ(Shell("$P apply -y -e fish-eye in.mkv out.mp4").exitCode, 0);
         EXPECT_EQ(Probe("out.mp4", "stream=color_space"), each.matrix);
-        const std::vector<int> pixel = MiddlePixel("out.mp4");
-        EXPECT_NEAR(pixel[0], 0x20, 6);
-        EXPECT_NEAR(pixel[1], 0xe0, 6);
-        EXPECT_NEAR(pixel[2], 0x40, 6);
+        ExpectMiddlePixel("out.mp4", {0x20, 0xe0, 0x40}, 6);
     }
 }
 
@@ -81,10 +78,7 @@ TEST_F(ColorTest, PicturesUseTheMatrixOfTheVideo) {
         "-f lavfi -i color=0x20e040:s=320x240:d=0.2,format=gbrp,scale=out_color_matrix=bt709,format=yuv444p "
         "-colorspace bt709 -c:v ffv1 in.mkv");
     ASSERT_EQ(Shell("$P apply -e fish-eye in.mkv --frame 1 out.png").exitCode, 0);
-    const std::vector<int> pixel = MiddlePixel("out.png");
-    EXPECT_NEAR(pixel[0], 0x20, 4);
-    EXPECT_NEAR(pixel[1], 0xe0, 4);
-    EXPECT_NEAR(pixel[2], 0x40, 4);
+    ExpectMiddlePixel("out.png", {0x20, 0xe0, 0x40}, 4);
 }
 
 TEST_F(ColorTest, AnUnstatedMatrixIsStatedWhenTheSizeWouldChangeIt) {

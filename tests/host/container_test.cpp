@@ -43,10 +43,7 @@ TEST_F(ContainerTest, GifKeepsTimeAndColours) {
     Make("-f lavfi -i color=0x20e040:s=96x64:r=25:d=1,format=gbrp -c:v ffv1 -pix_fmt gbrp in.mkv");
     ASSERT_EQ(Shell("$P apply -e fish-eye in.mkv a.gif").exitCode, 0);
     EXPECT_EQ(ProbeFormat("a.gif", "format=duration"), "1.000000\n");
-    const std::vector<int> pixel = MiddlePixel("a.gif");
-    EXPECT_NEAR(pixel[0], 0x20, 8);
-    EXPECT_NEAR(pixel[1], 0xe0, 8);
-    EXPECT_NEAR(pixel[2], 0x40, 8);
+    ExpectMiddlePixel("a.gif", {0x20, 0xe0, 0x40}, 8);
 }
 
 TEST_F(ContainerTest, SequencesGoBothWays) {

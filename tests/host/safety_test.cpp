@@ -23,14 +23,6 @@ class SafetyTest : public MediaTest {
         Make("-f lavfi -i testsrc2=s=64x48:r=25:d=400 -pix_fmt yuv420p -c:v mpeg4 long.mkv");
     }
 
-    bool Started(const std::string& name) const {
-        for (int i = 0; i < 600; ++i) {
-            if (Exists(name)) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return false;
-    }
-
     static std::vector<std::string> Command(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {SE_PROGRAM, "apply", "-e", "graphic-pen-1"});
         return arguments;
@@ -65,7 +57,11 @@ TEST_F(SafetyTest, AnInputIsNeverTheOutput) {
     EXPECT_EQ(Read("in.mp4"), before);
     fs::copy(SE_SOURCE_DIR "/demo/portrait.jpg", Path("me.jpg"));
     ExpectError(Shell("$P apply -y -e gray-scale still:me.jpg me.jpg"), 2, "me.jpg is read");
-    ExpectError(Shell("$P apply -y -e gray-scale shot%03d.png shot%03d.png"), 2, "shot%03d.png is read");
+    Make("-f lavfi -i testsrc=s=32x32:d=0.2 shot%03d.png");
+    for (const std::string input : {"shot%03d.png", "./shot%03d.png", "shot003.png"}) {
+        ExpectError(Shell("$P apply -y -e gray-scale " + input + " shot%03d.png"), 2,
+                    "is read and would be overwritten");
+    }
     Write("color.png", "1 2 3\n");
     ExpectError(Shell("$P apply -y -e line-art-1 --settings color.png test: color.png"), 2,
                 "color.png is read");

@@ -290,7 +290,7 @@ TEST_F(TerminalTest, AcknowledgesAnInterruptAtOnce) {
     Child child({SE_PROGRAM, "apply", "-e", "gray-scale", "test:", "out.mkv", "--frames", "1000000", "--size",
                  "96x64"},
                 directory_, {.error = terminal.Name(), .environment = {"TERM=xterm"}});
-    for (int i = 0; i < 500 && !Exists("out.mkv.part"); ++i) usleep(20'000);
+    ASSERT_TRUE(Started("out.mkv.part"));
     usleep(200'000);
     child.Send(SIGINT);
     ExpectSuccess(child.Wait());

@@ -7,7 +7,8 @@ scratch=$PWD/build/make_install
 rm -rf "$scratch"
 export PREFIX=/usr/local DESTDIR="$scratch" INSTALLED="$scratch.txt"
 make install
-for file in bin/specialeffects include/specialeffects/framework/SpecialEffectFilter.h include/sfx/sfx.h; do
+for file in bin/specialeffects include/specialeffects/framework/SpecialEffectFilter.h include/sfx/sfx.h \
+    share/man/man1/specialeffects.1 share/bash-completion/completions/specialeffects; do
     [ -f "$scratch/usr/local/$file" ] || { echo "not installed: $file" >&2; exit 1; }
 done
 "$scratch/usr/local/bin/specialeffects" info sepia
