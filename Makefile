@@ -35,7 +35,7 @@ install-frei0r: install
 	cmake --preset release -DSE_BUILD_FREI0R=ON
 	cmake --build --preset release --target frei0r_plugins
 	cmake --install $(RELEASE) --component frei0r
-	cat $(RELEASE)/install_manifest_frei0r.txt >> $(INSTALLED)
+	awk 1 $(RELEASE)/install_manifest.txt $(RELEASE)/install_manifest_frei0r.txt > $(INSTALLED)
 
 ## uninstall  what the last `make install` installed, with the same DESTDIR
 uninstall:
