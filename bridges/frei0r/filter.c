@@ -15,8 +15,7 @@
 
 extern const char sfx_frei0r_effect[];
 
-// ---- what the plugin is
-// ------------------------------------------------------------------------------------
+// ---- what the plugin is -------------------------------------------------------------------------------
 
 enum { kMostProperties = 16, kExplanationSize = 512 };
 
@@ -24,13 +23,14 @@ enum { kMostProperties = 16, kExplanationSize = 512 };
 static char choice_explanations[kMostProperties][kExplanationSize];
 static pthread_once_t explained = PTHREAD_ONCE_INIT;
 
+// Null where the libsfx that runs is older than the plugin and does not have the effect.
 static const sfx_effect_info* Info(void) {
     return sfx_find(sfx_frei0r_effect);
 }
 
 static const sfx_property_info* PropertyAt(int index) {
     const sfx_effect_info* const info = Info();
-    if (index < 0 || (size_t)index >= info->property_count) return NULL;
+    if (info == NULL || index < 0 || (size_t)index >= info->property_count) return NULL;
     return info->properties[index];
 }
 
@@ -61,21 +61,22 @@ static void ExplainChoices(void) {
 }
 
 int f0r_init(void) {
-    return 1;
+    return Info() != NULL;
 }
 void f0r_deinit(void) {}
 
 void f0r_get_plugin_info(f0r_plugin_info_t* plugin) {
     const sfx_effect_info* const info = Info();
-    plugin->name = info->title;
+    plugin->name = info != NULL ? info->title : sfx_frei0r_effect;
     plugin->author = "The specialeffects project";
     plugin->plugin_type = F0R_PLUGIN_TYPE_FILTER;
     plugin->color_model = F0R_COLOR_MODEL_RGBA8888;
     plugin->frei0r_version = FREI0R_MAJOR_VERSION;
     plugin->major_version = SFX_VERSION_MAJOR;
     plugin->minor_version = SFX_VERSION_MINOR;
-    plugin->num_params = (int)info->property_count;
-    plugin->explanation = info->description;
+    plugin->num_params = info != NULL ? (int)info->property_count : 0;
+    plugin->explanation =
+        info != NULL ? info->description : "The installed libsfx does not have this effect.";
 }
 
 void f0r_get_param_info(f0r_param_info_t* param, int index) {
@@ -101,8 +102,7 @@ void f0r_get_param_info(f0r_param_info_t* param, int index) {
     }
 }
 
-// ---- an instance
-// -------------------------------------------------------------------------------------------
+// ---- an instance --------------------------------------------------------------------------------------
 
 typedef struct {
     sfx_effect* effect;

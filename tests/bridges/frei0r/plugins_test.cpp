@@ -25,10 +25,9 @@ std::string ServiceOf(const sfx_effect_info& info) {
 
 class Plugin {
   public:
-    explicit Plugin(const sfx_effect_info& info)
-        : library_(dlopen((std::string(FREI0R_FOLDER "/") + ServiceOf(info) + ".so").c_str(),
-                          RTLD_NOW | RTLD_LOCAL),
-                   dlclose) {
+    explicit Plugin(const sfx_effect_info& info) : Plugin(FREI0R_FOLDER "/" + ServiceOf(info) + ".so") {}
+    explicit Plugin(const std::string& path)
+        : library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL), dlclose) {
         EXPECT_NE(library_, nullptr) << dlerror();
         if (library_ == nullptr) return;
         Find(init, "f0r_init");
@@ -281,6 +280,21 @@ TEST(Frei0rSizes, OutOfRangeAreRefused) {
     EXPECT_EQ(plugin.construct(0xFFFFFFFFU, 10), nullptr);
     plugin.destruct(nullptr);
     plugin.update(nullptr, 0, nullptr, nullptr);
+}
+
+// As after an update of the plugins alone. Hosts ask every plugin that they find what it is.
+TEST(Frei0rFolder, MayHavePluginsForEffectsThatTheLibraryDoesNotHave) {
+    const Plugin plugin(UNKNOWN_PLUGIN);
+    ASSERT_TRUE(plugin.Loaded());
+    const f0r_plugin_info_t info = plugin.Info();
+    EXPECT_STREQ(info.name, "no-such-effect");
+    EXPECT_EQ(info.num_params, 0);
+    EXPECT_EQ(plugin.init(), 0);
+    f0r_param_info_t param = {};
+    plugin.paramInfo(&param, 0);
+    EXPECT_EQ(param.name, nullptr);
+    EXPECT_EQ(plugin.construct(64, 48), nullptr);
+    plugin.deinit();
 }
 
 TEST(Frei0rFolder, HoldsOnePluginAnEffectAndLittleElse) {
