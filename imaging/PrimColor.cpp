@@ -1,17 +1,21 @@
 // Colour twist and the conversions between packed pixels and planar YUV 4:2:0.
 //
-// Each operation has a plain form and one in AVX2 that gives the same bytes. The AVX2 forms of the
+// Each operation has a plain form for odd columns and short rows, one over blocks of pixels that the compiler
+// turns into vector code of the baseline, and one in AVX2; all give the same bytes. The vector forms of the
 // conversions keep the arithmetic in 16 bits: x * c >> 16 is the high half of a product, and a factor too
 // large for one splits off whole multiples of 2^16.
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 
 #include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
 #include "imaging/Simd.h"
+#include "imaging/Vector128.h"
 
 using prim::CheckPointers;
 using prim::CheckSize;
@@ -88,9 +92,9 @@ Twist MakeTwist(const float* matrix) {
             return twist;
         }
         if (!SumsAreExact(row, bound)) {
-            // Three roundings, by 2^-24 of the bound at most each; the rest is room for the roundings of the
+            // Six roundings, by 2^-24 of the bound at most each; the rest is room for the roundings of the
             // double sum, of the bound and of the limit.
-            error = std::max(error, 5 * 0x1p-24 * bound);
+            error = std::max(error, 8 * 0x1p-24 * bound);
         }
     }
     twist.single = true;
@@ -116,6 +120,60 @@ void TwistPixels(uint8_t* row, ptrdiff_t count, const Twist& twist) {
         row[1] = RoundHalfToEven(m[4] * p0 + m[5] * p1 + m[6] * p2 + m[7]);
         row[2] = RoundHalfToEven(m[8] * p0 + m[9] * p1 + m[10] * p2 + m[11]);
     }
+}
+
+/// One output of 16 pixels in 16 bits, in single precision; whether a sum lies so near a half that its error
+/// could tip it.
+SE_INLINE bool TwistChannel(const float* m, const float* p0, const float* p1, const float* p2, float limit,
+                            uint8_t* out) {
+    // Added to a sum, it leaves no bits below 1: the number is rounded to even, and is the low half of the
+    // float's bits.
+    constexpr float kRounder = 0x1.8p23f;
+    const float m0 = m[0];
+    const float m1 = m[1];
+    const float m2 = m[2];
+    const float m3 = m[3];
+    int16_t words[16];
+    int32_t doubtful = 0;
+#pragma GCC unroll 1  // or GCC unrolls all of it and vectorises little
+    for (int i = 0; i < 16; ++i) {
+        const float sum = m0 * p0[i] + (m1 * p1[i] + (m2 * p2[i] + m3));
+        const float raised = sum + kRounder;
+        doubtful |= static_cast<int32_t>(std::fabs(sum - (raised - kRounder)) >= limit);
+        words[i] = static_cast<int16_t>(std::bit_cast<int32_t>(raised));
+    }
+#pragma GCC unroll 1  // or GCC unrolls all of it and vectorises little
+    for (int i = 0; i < 16; ++i) {
+        out[i] = static_cast<uint8_t>(std::clamp<int16_t>(words[i], 0, 255));
+    }
+    return doubtful != 0;
+}
+
+/// 16 pixels at a time in single precision; those with a sum in doubt are done again in double.
+void TwistRow(uint8_t* row, ptrdiff_t width, const Twist& twist) {
+    ptrdiff_t x = 0;
+    for (; x + 16 <= width; x += 16, row += 48) {
+        alignas(16) uint8_t bytes[3][16];
+        float p[3][16];
+        vector128::SplitPixels(row, bytes[0], bytes[1], bytes[2]);
+        for (int channel = 0; channel < 3; ++channel) {
+#pragma GCC unroll 1  // or GCC unrolls all of it and vectorises little
+            for (int i = 0; i < 16; ++i) {
+                p[channel][i] = static_cast<float>(bytes[channel][i]);
+            }
+        }
+        bool doubtful = false;
+        for (int channel = 0; channel < 3; ++channel) {
+            doubtful |=
+                TwistChannel(twist.rough.data() + 4 * channel, p[0], p[1], p[2], twist.limit, bytes[channel]);
+        }
+        if (doubtful) [[unlikely]] {
+            TwistPixels(row, 16, twist);
+        } else {
+            vector128::JoinPixels(bytes[0], bytes[1], bytes[2], row);
+        }
+    }
+    TwistPixels(row, width - x, twist);
 }
 
 #if SE_AVX2
@@ -197,7 +255,7 @@ PrimStatus PrimColorTwist8uC3(uint8_t* data, int32_t step, int32_t width, int32_
     }
 #endif
     for (int32_t y = 0; y < height; ++y, data += step) {
-        TwistPixels(data, width, twist);
+        (twist.single ? TwistRow : TwistPixels)(data, width, twist);
     }
     return kPrimOk;
 }
@@ -256,6 +314,76 @@ void RgbToYuvBlocks(const PackedRows& p, ptrdiff_t begin, ptrdiff_t width) {
             StoreChroma(sum, 0, twoRows || twoColumns ? 17 : 16, p.u + x / 2, p.v + x / 2);
         }
     }
+}
+
+/// (19595 * d0 + 7471 * d2 + bias) >> 16 for the differences of a first and a third channel to the second,
+/// which luma consists of: 19595 + 38470 + 7471 = 2^16.
+SE_INLINE int16_t LumaPart(int16_t d0, int16_t d2, int32_t bias) {
+    return static_cast<int16_t>((d0 * int16_t{19595} + d2 * int16_t{7471} + bias) >> 16);
+}
+
+/// v * factor >> 16.
+SE_INLINE int16_t HighProduct(int16_t v, int16_t factor) {
+    return static_cast<int16_t>((v * factor) >> 16);
+}
+
+/// The sums of the horizontal pairs of 32 bytes.
+SE_INLINE void AddPairs(const uint8_t* bytes, uint16_t* sums) {
+    for (int i = 0; i < 16; ++i) {
+        uint16_t pair = 0;
+        std::memcpy(&pair, bytes + 2 * i, 2);
+        sums[i] = static_cast<uint16_t>(sums[i] + (pair & 255) + (pair >> 8));
+    }
+}
+
+/// 32 columns of two rows.
+SE_INLINE void RgbToYuv32Plain(const PackedRows& p, ptrdiff_t x) {
+    uint16_t sums[3][16] = {};
+    for (int row = 0; row < 2; ++row) {
+        const uint8_t* const src = p.rows[row] + 3 * x;
+        alignas(16) uint8_t c[3][32];
+        vector128::SplitPixels(src, c[0], c[1], c[2]);
+        vector128::SplitPixels(src + 48, c[0] + 16, c[1] + 16, c[2] + 16);
+        alignas(16) uint8_t luma[32];
+        for (int i = 0; i < 32; ++i) {
+            const auto d0 = static_cast<int16_t>(c[0][i] - c[1][i]);
+            const auto d2 = static_cast<int16_t>(c[2][i] - c[1][i]);
+            luma[i] = static_cast<uint8_t>(c[1][i] + LumaPart(d0, d2, 0));
+        }
+        std::memcpy(p.luma[row] + x, luma, 32);
+        for (int channel = 0; channel < 3; ++channel) {
+            AddPairs(c[channel], sums[channel]);
+        }
+    }
+    alignas(16) uint8_t u[16];
+    alignas(16) uint8_t v[16];
+    for (int i = 0; i < 16; ++i) {
+        const auto d0 = static_cast<int16_t>(sums[0][i] - sums[1][i]);
+        const auto d2 = static_cast<int16_t>(sums[2][i] - sums[1][i]);
+        // With the sign of both terms turned, the shift rounds as it does in the plain form.
+        const int16_t part = LumaPart(static_cast<int16_t>(-d0), static_cast<int16_t>(-d2), 0x1ffff);
+        const auto difference0 = static_cast<int16_t>(d0 + part);
+        const auto difference2 = static_cast<int16_t>(d2 + part);
+        // 57475 = 2^16 - 8061.
+        const auto scaled0 =
+            static_cast<int16_t>(static_cast<int16_t>(difference0 + HighProduct(difference0, -8061)) >> 2);
+        u[i] = static_cast<uint8_t>((HighProduct(difference2, 32244) >> 2) - 128);
+        v[i] = static_cast<uint8_t>(std::clamp<int16_t>(static_cast<int16_t>(scaled0 + 128), 0, 255));
+    }
+    std::memcpy(p.u + x / 2, u, 16);
+    std::memcpy(p.v + x / 2, v, 16);
+}
+
+/// Both rows must be there. Returns how many columns were done.
+ptrdiff_t RgbToYuvRows(const PackedRows& p, ptrdiff_t width) {
+    if (width < 32) {
+        return 0;
+    }
+    const ptrdiff_t evenWidth = width & ~ptrdiff_t{1};
+    for (ptrdiff_t begin = 0; begin < evenWidth; begin += 32) {
+        RgbToYuv32Plain(p, std::min(begin, evenWidth - 32));  // the last piece may overlap the one before
+    }
+    return evenWidth;
 }
 
 #if SE_AVX2
@@ -398,11 +526,13 @@ PrimStatus PrimRgbToYuv420(const uint8_t* src, uint8_t* const planes[3], int32_t
                            planes[1] + y / 2 * chromaStep,
                            planes[2] + y / 2 * chromaStep};
         ptrdiff_t done = 0;
+        if (twoRows) {
 #if SE_AVX2
-        if (twoRows && simd::HasAvx2()) {
-            done = RgbToYuvRowsAvx2(p, width);
-        }
+            done = (simd::HasAvx2() ? RgbToYuvRowsAvx2 : RgbToYuvRows)(p, width);
+#else
+            done = RgbToYuvRows(p, width);
 #endif
+        }
         RgbToYuvBlocks(p, done, width);
     }
     return kPrimOk;
@@ -422,6 +552,62 @@ void YuvToRgbPixels(const uint8_t* luma, const uint8_t* uRow, const uint8_t* vRo
         dst[1] = Saturate((scaled - 38076 * v - 25821 * u) >> 16);
         dst[2] = Saturate((scaled + 133169 * u) >> 16);
     }
+}
+
+/// What chroma adds to luma in the three channels, for 32 pixels, a number for two of them: since luma is
+/// shifted by whole 16 bits, the floor of the sum is luma plus the floor of the rest.
+struct PlainChromaTerms {
+    int16_t channel[3][16];
+};
+
+SE_INLINE PlainChromaTerms MakePlainChromaTerms(const uint8_t* uRow, const uint8_t* vRow) {
+    PlainChromaTerms terms;
+    for (int i = 0; i < 16; ++i) {
+        const auto u = static_cast<int16_t>(uRow[i] - 128);
+        const auto v = static_cast<int16_t>(vRow[i] - 128);
+        // 74711 = 2^16 + 9175, 133169 = 2 * 2^16 + 2097 and -38076 = -2^16 + 27460.
+        terms.channel[0][i] = static_cast<int16_t>(v + HighProduct(v, 9175));
+        terms.channel[1][i] = static_cast<int16_t>(((v * int16_t{27460} + u * int16_t{-25821}) >> 16) - v);
+        terms.channel[2][i] = static_cast<int16_t>(u + u + HighProduct(u, 2097));
+    }
+    return terms;
+}
+
+SE_INLINE void YuvToRgb32Plain(const uint8_t* luma, const PlainChromaTerms& terms, uint8_t* dst) {
+    alignas(16) uint8_t c[3][32];
+    uint16_t pairs[16];
+    std::memcpy(pairs, luma, 32);
+    for (int channel = 0; channel < 3; ++channel) {
+        uint16_t out[16];
+        for (int i = 0; i < 16; ++i) {
+            const int16_t term = terms.channel[channel][i];
+            const auto low = static_cast<int16_t>((pairs[i] & 255) + term);
+            const auto high = static_cast<int16_t>((pairs[i] >> 8) + term);
+            out[i] = static_cast<uint16_t>(std::clamp<int16_t>(low, 0, 255) |
+                                           std::clamp<int16_t>(high, 0, 255) << 8);
+        }
+        std::memcpy(c[channel], out, 32);
+    }
+    vector128::JoinPixels(c[0], c[1], c[2], dst);
+    vector128::JoinPixels(c[0] + 16, c[1] + 16, c[2] + 16, dst + 48);
+}
+
+/// Two rows, or the last one with a null second pointer. Returns how many columns were done.
+ptrdiff_t YuvToRgbRows(const uint8_t* const luma[2], const uint8_t* u, const uint8_t* v,
+                       uint8_t* const dst[2], ptrdiff_t width) {
+    if (width < 32) {
+        return 0;
+    }
+    const ptrdiff_t evenWidth = width & ~ptrdiff_t{1};
+    for (ptrdiff_t begin = 0; begin < evenWidth; begin += 32) {
+        const ptrdiff_t x = std::min(begin, evenWidth - 32);  // the last piece may overlap the one before
+        const PlainChromaTerms terms = MakePlainChromaTerms(u + x / 2, v + x / 2);
+        YuvToRgb32Plain(luma[0] + x, terms, dst[0] + 3 * x);
+        if (luma[1] != nullptr) {
+            YuvToRgb32Plain(luma[1] + x, terms, dst[1] + 3 * x);
+        }
+    }
+    return evenWidth;
 }
 
 #if SE_AVX2
@@ -539,11 +725,10 @@ PrimStatus PrimYuv420ToRgb(const uint8_t* const planes[3], uint8_t* dst, int32_t
         const uint8_t* const luma[2] = {planes[0] + y * width,
                                         twoRows ? planes[0] + (y + 1) * width : nullptr};
         uint8_t* const rows[2] = {dst + y * dstStep, twoRows ? dst + (y + 1) * dstStep : nullptr};
-        ptrdiff_t done = 0;
 #if SE_AVX2
-        if (simd::HasAvx2()) {
-            done = YuvToRgbRowsAvx2(luma, u, v, rows, width);
-        }
+        const ptrdiff_t done = (simd::HasAvx2() ? YuvToRgbRowsAvx2 : YuvToRgbRows)(luma, u, v, rows, width);
+#else
+        const ptrdiff_t done = YuvToRgbRows(luma, u, v, rows, width);
 #endif
         for (size_t i = 0; i < (twoRows ? 2 : 1); ++i) {
             YuvToRgbPixels(luma[i] + done, u + done / 2, v + done / 2, rows[i] + 3 * done, width - done);

@@ -1,4 +1,4 @@
-// The colour operations: edge cases, and all inputs that can occur.
+// The colour operations: edge cases, and all inputs that can occur, at every processor level.
 //
 // Under sanitizers the exhaustive tests take only some of the inputs, spread over all of them.
 #include <gtest/gtest.h>
@@ -8,8 +8,10 @@
 #include <limits>
 #include <vector>
 
+#include "imaging/Cpu.h"
 #include "imaging/Prim.h"
 #include "tests/imaging/models/ColorModels.h"
+#include "tests/support/LevelLimit.h"
 
 namespace {
 
@@ -24,6 +26,20 @@ constexpr uint32_t kStride = 1;
 #else
 constexpr uint32_t kStride = 1;
 #endif
+
+class AtLevel : public testing::TestWithParam<cpu::Level> {
+    const LevelLimit limit_{GetParam()};
+};
+
+class ColorTwist : public AtLevel {};
+class YuvToRgb : public AtLevel {};
+class RgbToYuv : public AtLevel {};
+
+const auto kLevels = testing::ValuesIn(cpu::Levels().begin(), cpu::Levels().end());
+const auto kLevelName = [](const testing::TestParamInfo<cpu::Level>& info) { return cpu::Name(info.param); };
+INSTANTIATE_TEST_SUITE_P(Levels, ColorTwist, kLevels, kLevelName);
+INSTANTIATE_TEST_SUITE_P(Levels, YuvToRgb, kLevels, kLevelName);
+INSTANTIATE_TEST_SUITE_P(Levels, RgbToYuv, kLevels, kLevelName);
 
 using Bytes = std::vector<uint8_t>;
 using Matrix = std::array<float, 12>;
@@ -67,7 +83,7 @@ Bytes PackedBand(uint32_t first) {
 /// One pixel, surrounded by others so that all forms of the loop come to it.
 std::array<uint8_t, 3> Twisted(std::array<uint8_t, 3> pixel, const Matrix& matrix) {
     std::array<uint8_t, 3> result{};
-    for (const size_t count : {1u, 8u, 19u}) {
+    for (const size_t count : {1u, 8u, 35u}) {
         Bytes row(3 * count);
         for (size_t i = 0; i < row.size(); ++i) {
             row[i] = pixel[i % 3];
@@ -87,7 +103,7 @@ std::array<uint8_t, 3> Twisted(std::array<uint8_t, 3> pixel, const Matrix& matri
 
 using Pixel = std::array<uint8_t, 3>;
 
-TEST(ColorTwist, TiesGoToEvenAndTheEndsSaturate) {
+TEST_P(ColorTwist, TiesGoToEvenAndTheEndsSaturate) {
     const auto constants = [](float a, float b, float c) {
         return Matrix{0, 0, 0, a, 0, 0, 0, b, 0, 0, 0, c};
     };
@@ -99,25 +115,25 @@ TEST(ColorTwist, TiesGoToEvenAndTheEndsSaturate) {
               (Pixel{0, 1, 0}));
 }
 
-TEST(ColorTwist, ATieOfASum) {
+TEST_P(ColorTwist, ATieOfASum) {
     // 0.5 * 255 + 0.5 * 254 = 254.5
     EXPECT_EQ(Twisted({255, 254, 0}, {0.5f, 0.5f, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0.5f}), (Pixel{254, 255, 254}));
 }
 
-TEST(ColorTwist, TermsAreAddedInOrder) {
+TEST_P(ColorTwist, TermsAreAddedInOrder) {
     // The sum from the left loses the small term, from the right it would not.
     const float big = 1e20f;
     EXPECT_EQ(Twisted({1, 1, 1}, {big, -big, 3, 0, big, 3, -big, 0, 3, big, -big, 0}), (Pixel{3, 0, 0}));
 }
 
-TEST(ColorTwist, WhatIsNotANumberIsBlack) {
+TEST_P(ColorTwist, WhatIsNotANumberIsBlack) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float infinity = std::numeric_limits<float>::infinity();
     EXPECT_EQ(Twisted({9, 9, 9}, {nan, 0, 0, 0, infinity, 0, 0, 0, infinity, -infinity, 0, 0}),
               (Pixel{0, 255, 0}));
 }
 
-TEST(ColorTwist, EveryColourThroughTheSepiaMatrix) {
+TEST_P(ColorTwist, EveryColourThroughTheSepiaMatrix) {
     ForAllColours([](uint32_t first) {
         Bytes fast = PackedBand(first);
         Bytes plain = fast;
@@ -127,7 +143,7 @@ TEST(ColorTwist, EveryColourThroughTheSepiaMatrix) {
     });
 }
 
-TEST(ColorTwist, ManyMatricesWhoseSumsComeNearHalves) {
+TEST_P(ColorTwist, ManyMatricesWhoseSumsComeNearHalves) {
     // Terms of few bits make sums that are ties or miss one by little; a last term moves them off by less
     // than single precision can tell.
     uint32_t state = 7;
@@ -173,7 +189,7 @@ struct Planes {
     Bytes v;
 };
 
-TEST(YuvToRgb, NeutralChromaGivesGrey) {
+TEST_P(YuvToRgb, NeutralChromaGivesGrey) {
     for (const int32_t width : {1, 2, 33, 256}) {
         Planes planes(width, 3);
         for (size_t i = 0; i < planes.y.size(); ++i) {
@@ -189,7 +205,7 @@ TEST(YuvToRgb, NeutralChromaGivesGrey) {
     }
 }
 
-TEST(YuvToRgb, EveryColour) {
+TEST_P(YuvToRgb, EveryColour) {
     // Chroma stays the same over a 2 by 2 block: all luma values for one pair of chroma, four at a time.
     constexpr int32_t kWidth = 128;
     Planes planes(kWidth, 2);
@@ -209,7 +225,7 @@ TEST(YuvToRgb, EveryColour) {
 
 // ---- packed pixels to planes --------------------------------------------------------------------
 
-TEST(RgbToYuv, ALonePixelGivesOneSampleInEachPlane) {
+TEST_P(RgbToYuv, ALonePixelGivesOneSampleInEachPlane) {
     const uint8_t pixel[3] = {200, 100, 50};
     uint8_t y[2] = {7, 7};
     uint8_t u[2] = {7, 7};
@@ -225,7 +241,7 @@ TEST(RgbToYuv, ALonePixelGivesOneSampleInEachPlane) {
     EXPECT_EQ(v[1], 7);
 }
 
-TEST(RgbToYuv, GreyHasNeutralChroma) {
+TEST_P(RgbToYuv, GreyHasNeutralChroma) {
     const Bytes packed(3 * 40 * 5, 90);
     Planes planes(40, 5);
     ASSERT_EQ(PrimRgbToYuv420(packed.data(), planes.pointers().data(), 40, 5), kPrimOk);
@@ -236,7 +252,7 @@ TEST(RgbToYuv, GreyHasNeutralChroma) {
     EXPECT_EQ(planes.v, Bytes(60, 128));
 }
 
-TEST(RgbToYuv, EveryColourInFlatBlocksAndAlone) {
+TEST_P(RgbToYuv, EveryColourInFlatBlocksAndAlone) {
     ForAllColours([](uint32_t first) {
         const Bytes band = PackedBand(first);
         // Alone: a column of single pixels makes pairs, and so does a row; luma is the same everywhere.
@@ -266,7 +282,7 @@ TEST(RgbToYuv, EveryColourInFlatBlocksAndAlone) {
     });
 }
 
-TEST(RgbToYuv, BlockSumsOverTheWholeRange) {
+TEST_P(RgbToYuv, BlockSumsOverTheWholeRange) {
     // Chroma depends on the three sums of a block, 0..1020 each: a grid of them, with its neighbours.
     std::vector<int32_t> sums;
     for (int32_t s = 0; s <= 1020; s += kStride == 1 ? 20 : 102) {

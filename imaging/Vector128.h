@@ -1,0 +1,130 @@
+// Vectors of 16 bytes, for steps that no plain loop expresses: changing the order of bytes.
+//
+// They are the compilers' generic vectors and need nothing beyond the baseline of any architecture with
+// 128-bit vectors. Only orders that such a baseline has instructions for are here: x86-64's interleaves two
+// vectors, but has no free permutation of bytes. Arithmetic stays in plain loops, over arrays of a fixed
+// size: those the compiler vectorises by itself.
+#ifndef SPECIALEFFECTS_IMAGING_VECTOR128_H
+#define SPECIALEFFECTS_IMAGING_VECTOR128_H
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "imaging/PerLevel.h"
+
+namespace vector128 {
+
+using Bytes = uint8_t __attribute__((vector_size(16)));
+using Words = uint16_t __attribute__((vector_size(16)));
+using Ints = int32_t __attribute__((vector_size(16)));
+using Longs = uint64_t __attribute__((vector_size(16)));
+using Floats = float __attribute__((vector_size(16)));
+
+SE_INLINE Bytes Load(const uint8_t* p) {
+    Bytes v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+/// Eight bytes; the upper half is 0.
+SE_INLINE Bytes LoadHalf(const uint8_t* p) {
+    uint64_t half = 0;
+    std::memcpy(&half, p, sizeof half);
+    return reinterpret_cast<Bytes>(Longs{half, 0});
+}
+
+SE_INLINE Floats LoadFloats(const float* p) {
+    Floats v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+SE_INLINE void StoreFloats(float* p, Floats v) {
+    std::memcpy(p, &v, sizeof v);
+}
+
+SE_INLINE void Store(uint8_t* p, Bytes v) {
+    std::memcpy(p, &v, sizeof v);
+}
+
+/// The lower halves of two vectors: a0 b0 a1 b1 and so on.
+SE_INLINE Bytes InterleaveLow(Bytes a, Bytes b) {
+    return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+SE_INLINE Words InterleaveLow(Words a, Words b) {
+    return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+
+/// The upper halves.
+SE_INLINE Bytes InterleaveHigh(Bytes a, Bytes b) {
+    return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+}
+SE_INLINE Words InterleaveHigh(Words a, Words b) {
+    return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
+}
+
+/// The upper half, twice.
+SE_INLINE Bytes Upper(Bytes v) {
+    const auto halves = reinterpret_cast<Longs>(v);
+    return reinterpret_cast<Bytes>(__builtin_shufflevector(halves, halves, 1, 1));
+}
+
+/// Numbers from 0 to 65535 as floats.
+SE_INLINE Floats LowToFloats(Words v) {
+    return __builtin_convertvector(reinterpret_cast<Ints>(InterleaveLow(v, Words{})), Floats);
+}
+SE_INLINE Floats HighToFloats(Words v) {
+    return __builtin_convertvector(reinterpret_cast<Ints>(InterleaveHigh(v, Words{})), Floats);
+}
+
+/// The channels of 16 packed pixels of three bytes each.
+SE_INLINE void SplitPixels(const uint8_t* src, uint8_t* c0, uint8_t* c1, uint8_t* c2) {
+    Bytes a = Load(src);
+    Bytes b = Load(src + 16);
+    Bytes c = Load(src + 32);
+    // Interleaving the halves of the 48 bytes moves byte p to 2p modulo 47. Done four times that is 16p,
+    // which is i for the first channel's byte 3i, 16 + i for the second's and 32 + i for the third's.
+    for (int round = 0; round < 4; ++round) {
+        const Bytes low = InterleaveLow(a, Upper(b));
+        const Bytes middle = InterleaveLow(Upper(a), c);
+        c = InterleaveLow(b, Upper(c));
+        a = low;
+        b = middle;
+    }
+    Store(c0, a);
+    Store(c1, b);
+    Store(c2, c);
+}
+
+/// Four pixels of four bytes, the last one 0, to 12 bytes; `spare` tells that 14 may be written.
+SE_INLINE void StorePixels(uint8_t* dst, Words pixels, bool spare) {
+    static_assert(std::endian::native == std::endian::little);
+    const Longs pairs = reinterpret_cast<Longs>(pixels);
+    const Longs joined = (pairs & 0xffffff) | (pairs >> 8 & 0xffffff000000);
+    const uint64_t first = joined[0];
+    const uint64_t second = joined[1];
+    std::memcpy(dst, &first, 8);
+    std::memcpy(dst + 6, &second, spare ? 8 : 6);
+}
+
+/// Packs the channels of 16 pixels to 48 bytes.
+SE_INLINE void JoinPixels(const uint8_t* c0, const uint8_t* c1, const uint8_t* c2, uint8_t* dst) {
+    const Bytes a = Load(c0);
+    const Bytes b = Load(c1);
+    const Bytes c = Load(c2);
+    const Bytes zero{};
+    const auto lowAB = reinterpret_cast<Words>(InterleaveLow(a, b));
+    const auto highAB = reinterpret_cast<Words>(InterleaveHigh(a, b));
+    const auto lowC = reinterpret_cast<Words>(InterleaveLow(c, zero));
+    const auto highC = reinterpret_cast<Words>(InterleaveHigh(c, zero));
+    StorePixels(dst, InterleaveLow(lowAB, lowC), true);
+    StorePixels(dst + 12, InterleaveHigh(lowAB, lowC), true);
+    StorePixels(dst + 24, InterleaveLow(highAB, highC), true);
+    StorePixels(dst + 36, InterleaveHigh(highAB, highC), false);
+}
+
+}  // namespace vector128
+
+#endif
