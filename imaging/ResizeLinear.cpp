@@ -6,6 +6,7 @@
 // Line buffers and tables are padded to whole blocks of columns; values in the padding are computed but never
 // used.
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "imaging/PerLevel.h"
@@ -29,45 +30,76 @@ constexpr size_t RoundUp(size_t count, size_t multiple) {
     return (count + multiple - 1) / multiple * multiple;
 }
 
-/// Scales a row one column after another.
+/// The two neighbours of each column, the left one in the low byte.
+void FetchPairs(const uint8_t* row, const int32_t* SE_RESTRICT places, int32_t count,
+                uint16_t* SE_RESTRICT pairs) {
+    static_assert(std::endian::native == std::endian::little);
+#pragma GCC unroll 4  // or the speed depends on where the linker puts the loop
+    for (int32_t k = 0; k < count; ++k) {
+        std::memcpy(&pairs[k], row + places[k], 2);
+    }
+}
+
+/// Turns pairs of bytes into weighted sums; `weights` are of the right neighbours. The sum is the left byte
+/// times 64 plus (difference * weight + 128) >> 8, put together from the two halves of the product, so that
+/// vector code never changes its width.
+SE_INLINE void WeighPairs(const int16_t* SE_RESTRICT weights, int32_t count, uint16_t* SE_RESTRICT line) {
+    for (int32_t k = 0; k < count; ++k) {
+        const uint16_t left = line[k] & 255;
+        const auto difference = static_cast<int16_t>((line[k] >> 8) - left);
+        const int32_t product = difference * weights[k];
+        const auto high = static_cast<uint16_t>(product >> 16);
+        const auto low = static_cast<uint16_t>(product);
+        const auto shifted = static_cast<uint16_t>(high << 8 | low >> 8);
+        const uint16_t half = (low >> 7) & 1;
+        line[k] = static_cast<uint16_t>(left * 64 + shifted + half);
+    }
+}
+
+/// Fetches the neighbours of all columns of a row, then weighs them.
 class PlainRowScaler {
   public:
     explicit PlainRowScaler(const Axis& axis)
-        : count_(axis.count), columns_(static_cast<size_t>(axis.count)) {
-        if (!columns_) return;
+        : count_(axis.count),
+          single_(axis.length == 1),
+          places_(static_cast<size_t>(axis.count)),
+          weights_(static_cast<size_t>(axis.count)) {
+        if (!*this) return;
         for (int32_t k = 0; k < count_; ++k) {
             const auto [sample, fraction] = axis.Interpolated(k);
-            columns_[static_cast<size_t>(k)] = {sample, std::min(sample + 1, axis.length - 1),
-                                                Weight(fraction)};
+            // The last sample is its own right neighbour. As the right one of the sample before, it is read
+            // within the row.
+            const bool last = sample == axis.length - 1;
+            places_[static_cast<size_t>(k)] = last && !single_ ? sample - 1 : sample;
+            weights_[static_cast<size_t>(k)] = static_cast<int16_t>(last ? kOne : Weight(fraction));
         }
     }
 
-    explicit operator bool() const { return static_cast<bool>(columns_); }
+    explicit operator bool() const { return places_ && weights_; }
 
     void Scale(const uint8_t* row, uint16_t* line) {
-        const Column* SE_RESTRICT const columns = columns_.data();
-        for (int32_t k = 0; k < count_; ++k) {
-            const Column column = columns[k];
-            const int32_t sum =
-                (kOne - column.weight) * row[column.first] + column.weight * row[column.second];
-            line[k] = static_cast<uint16_t>((sum + 128) >> 8);
-        }
+        const std::array<uint8_t, 2> twice{row[0], row[0]};
+        FetchPairs(single_ ? twice.data() : row, places_.data(), count_, line);
+        AtLevel<WeighPairs>(weights_.data(), count_, line);
     }
 
   private:
-    struct Column {
-        int32_t first, second;
-        int32_t weight;  // of the second sample
-    };
     int32_t count_;
-    Buffer<Column> columns_;
+    bool single_;  // rows of one sample, which has no neighbour
+    Buffer<int32_t> places_;
+    Buffer<int16_t> weights_;
 };
 
-/// Blends two lines into a destination row.
+/// Blends two lines into a destination row. All factors fit 16 bits with a sign, for which every processor
+/// has products.
 SE_INLINE void BlendPlain(const uint16_t* SE_RESTRICT upper, const uint16_t* SE_RESTRICT lower,
                           int32_t weight, uint8_t* SE_RESTRICT out, int32_t count) {
+    const auto upperWeight = static_cast<int16_t>(kOne - weight);
+    const auto lowerWeight = static_cast<int16_t>(weight);
     for (int32_t k = 0; k < count; ++k) {
-        out[k] = static_cast<uint8_t>((lower[k] * weight + upper[k] * (kOne - weight) + 0x80000) >> 20);
+        const auto u = static_cast<int16_t>(upper[k]);
+        const auto l = static_cast<int16_t>(lower[k]);
+        out[k] = static_cast<uint8_t>((l * lowerWeight + u * upperWeight + 0x80000) >> 20);
     }
 }
 
