@@ -16,10 +16,14 @@ build:
 	cmake --preset release -DCMAKE_INSTALL_PREFIX=$(PREFIX)
 	cmake --build --preset release --target product
 
+# Adds a list of installed files to the one that `make uninstall` reads.
+remember = touch $(INSTALLED) && awk '!seen[$$0]++' $(INSTALLED) $(RELEASE)/$(1) > $(INSTALLED).new && \
+    mv $(INSTALLED).new $(INSTALLED)
+
 ## install    into PREFIX (/usr/local); DESTDIR=FOLDER puts that folder in front of it
 install: build
 	cmake --install $(RELEASE)
-	cp $(RELEASE)/install_manifest.txt $(INSTALLED)
+	$(call remember,install_manifest.txt)
 
 ## install-gstreamer  the same and the GStreamer plugin
 install-gstreamer: install
@@ -27,7 +31,7 @@ install-gstreamer: install
 	cmake --preset release -DSE_BUILD_GSTREAMER=ON
 	cmake --build --preset release --target gstspecialeffects
 	cmake --install $(RELEASE) --component gstreamer
-	awk 1 $(RELEASE)/install_manifest.txt $(RELEASE)/install_manifest_gstreamer.txt > $(INSTALLED)
+	$(call remember,install_manifest_gstreamer.txt)
 
 ## install-frei0r  the same and the frei0r plugins
 install-frei0r: install
@@ -35,7 +39,7 @@ install-frei0r: install
 	cmake --preset release -DSE_BUILD_FREI0R=ON
 	cmake --build --preset release --target frei0r_plugins
 	cmake --install $(RELEASE) --component frei0r
-	awk 1 $(RELEASE)/install_manifest.txt $(RELEASE)/install_manifest_frei0r.txt > $(INSTALLED)
+	$(call remember,install_manifest_frei0r.txt)
 
 ## uninstall  what the last `make install` installed, with the same DESTDIR
 uninstall:
