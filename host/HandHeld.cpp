@@ -91,7 +91,7 @@ HandHeld::HandHeld(const std::string& file, const InputOptions& options, const N
     if (options.rate) stream_.frameRate = *options.rate;
     stream_.timeBase = av_inv_q(stream_.frameRate);
     picture_ = FirstFrame(source);
-    // A camera gives luma from 16 to 235, whatever the picture's file has.
+    // A camera gives luma from 16 to 235, even for a full-range picture file.
     if (IsFullRange(picture_.Picture())) {
         stream_.color.range = AVCOL_RANGE_MPEG;
         Frame limited(picture_.Width(), picture_.Height());

@@ -265,7 +265,7 @@ Frame MediaInput::TakePicture() {
     const int64_t expected = lastTime_ < 0 ? 0 : lastTime_ + stream_.TicksPerFrame();
     const bool untimed =
         picture->best_effort_timestamp == AV_NOPTS_VALUE || stream_.kind == InputKind::Picture;
-    // Times rise from frame to frame, whatever the input says.
+    // Times rise from frame to frame, even where those of the input do not.
     const int64_t time = untimed ? expected : std::max(TimeOf(*picture), lastTime_ + 1);
     Frame frame = intake_->Take(std::move(picture));
     frame.SetTime(time);

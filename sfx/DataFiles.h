@@ -16,8 +16,8 @@ std::vector<std::string> DataFolders(const std::string& callersFolder);
 std::string FindDataFile(const std::string& name, const std::string& callersFolder);
 
 /// Like FindDataFile, but makes the file first where it is missing and `make(path)` can make it: in the
-/// caller's folder, or else in the cache. The file appears whole or not at all, whatever other threads and
-/// processes do. `make` may write nothing; a path says nothing of whether it did.
+/// caller's folder, or else in the cache. The file appears whole or not at all, also when several
+/// threads or processes make it at once. `make` may write nothing.
 std::string FindOrMakeDataFile(const std::string& name, const std::string& callersFolder,
                                const std::function<void(const std::string& path)>& make);
 

@@ -68,7 +68,7 @@ class LinkSurroundings final : public Surroundings {
         }
         return path;
     }
-    /// An object of its own makes the file, so that it is the same whatever the seed; nothing is left to do.
+    /// A separate object makes the file, so that it is the same for every seed.
     std::string NewDataFile(const std::string& name) override {
         FindOrMakeDataFile(name, dataFolder_, [this](const std::string& path) {
             constexpr int32_t kSmall = 16;

@@ -6,8 +6,8 @@
 
 namespace sfx {
 
-/// Writes the message of this thread as printf does, as UTF-8 whatever its arguments are, and returns the
-/// status:
+/// Writes the message of this thread as printf does, and returns the status. Bytes that are not UTF-8 are
+/// replaced:
 ///
 ///     return Tell(SFX_ERROR_ARGUMENT, "there is no link %zu", link);
 #if defined(__GNUC__)

@@ -10,7 +10,7 @@
 namespace sfx {
 namespace {
 
-// Unaligned words of pixels, little-endian whatever the processor's order.
+// Unaligned words of pixels, little-endian on every processor.
 template <class Word>
 SE_INLINE Word LoadWord(const uint8_t* bytes) {
     Word word = 0;

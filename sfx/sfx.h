@@ -24,7 +24,7 @@
  * lock of its own, which a call holds until it returns. A setting may therefore be changed on one thread
  * while another processes frames; it takes effect from the next frame on. Only sfx_destroy must not run
  * beside another call for the same effect. Nothing is shared between effects: the same calls give the same
- * frames, whatever other effects do.
+ * frames, independent of other effects.
  *
  * Versions.  Structures have a size as their first member and may grow at their end in later versions of
  * this major version. Read the structures of the lists through the pointers that the library gives, and set

@@ -1,4 +1,4 @@
-// Frames through sfx_process: the module's own, in every format, whatever happens around them.
+// Frames through sfx_process equal the module's own, in every format.
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -44,7 +44,7 @@ TEST(List, HasAllThatCanBeCreated) {
     EXPECT_EQ(listed, 39U);  // of 41 entries, one comes twice and one cannot be created
 }
 
-// What GetProperty answers on a configured new object, whatever the table says.
+// GetProperty's answer on a configured new object, not the table's default text.
 TEST(List, TellsTheValuesThatEffectsStartWith) {
     const Home home;
     size_t properties = 0;

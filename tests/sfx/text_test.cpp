@@ -357,7 +357,7 @@ TEST(Data, OfCloudsIsMadeOnceInTheCache) {
     for (size_t i = 0; i < sums.size(); ++i) {
         threads.emplace_back([&, i] {
             const EffectHandle effect = Create("clouds");
-            // The file is the same whatever the seed.
+            // The file is the same for every seed.
             EXPECT_EQ(sfx_set_seed(effect.get(), static_cast<uint32_t>(i * 1000)), SFX_OK);
             EXPECT_EQ(sfx_prepare(effect.get(), 64, 48), SFX_OK) << sfx_message();
             TestFrame frame(64, 48);

@@ -82,7 +82,7 @@ TEST(Filter, ANewSeedStartsAnewAndTheSameSeedDoesNot) {
 }
 
 TEST(Filter, TimeStampsDriveTheClock) {
-    // What moved fades within a time, whatever the number of frames.
+    // Motion fades within a time, independent of the number of frames.
     for (const GstClockTime interval : {kFrame, 5 * kFrame, 50 * kFrame}) {
         Harness harness("sfx-motion-detector");
         Reference reference("motion-detector");

@@ -19,7 +19,7 @@ std::array<int, 4> PixelOf(GstBuffer* buffer, const NamedFormat& format, int32_t
     return {pixel[0], pixel[1], pixel[2], pixel[3]};
 }
 
-// A colour that libsfx paints is that colour for GStreamer, whatever the format.
+// A colour that libsfx paints is that colour for GStreamer in every format.
 TEST(Formats, MeanTheSameToBoth) {
     for (const NamedFormat& format : kNamedFormats) {
         SCOPED_TRACE(format.name);
