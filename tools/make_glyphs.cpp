@@ -33,9 +33,8 @@ int main(int argc, char** argv) {
         "// Written by tools/make_glyphs from %s %s: do not edit.\n"
         "//\n"
         "// Copyright (c) 2003 by Bitstream, Inc.; the changes of the DejaVu project are in the public "
-        "domain. The "
-        "licence,\n"
-        "// which has to go with every copy, is in GlyphTable.license.txt.\n"
+        "domain. The\n"
+        "// licence, which has to go with every copy, is in GlyphTable.license.txt.\n"
         "#include \"effects/animated/GlyphTable.h\"\n\n"
         "// clang-format off\n"
         "const uint8_t kGlyphs[kGlyphCount][kGlyphWidth * kGlyphHeight] = {\n",

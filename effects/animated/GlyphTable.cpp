@@ -1,7 +1,7 @@
 // Written by tools/make_glyphs from DejaVu Sans Mono Bold: do not edit.
 //
-// Copyright (c) 2003 by Bitstream, Inc.; the changes of the DejaVu project are in the public domain. The licence,
-// which has to go with every copy, is in GlyphTable.license.txt.
+// Copyright (c) 2003 by Bitstream, Inc.; the changes of the DejaVu project are in the public domain. The
+// licence, which has to go with every copy, is in GlyphTable.license.txt.
 #include "effects/animated/GlyphTable.h"
 
 // clang-format off
