@@ -8,7 +8,7 @@ INSTALLED ?= build/installed.txt
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
 PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python
 
-.PHONY: build install install-gstreamer install-frei0r uninstall demo check check-all bench docs lint help clean $(PARTS:%=check-%)
+.PHONY: build install install-gstreamer install-frei0r uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
 ## build      the library and the program, in build/release
 build:
@@ -44,6 +44,16 @@ install-frei0r: install
 ## uninstall  what the last `make install` installed, with the same DESTDIR
 uninstall:
 	@tools/uninstall.sh $(INSTALLED)
+
+## packages   the Debian packages, in build/packages
+packages:
+	@tools/setup.sh build gstreamer frei0r packages
+	tools/make_packages.sh build/packages
+
+## dist       the sources as a tarball that builds on its own, in build
+dist:
+	@tools/setup.sh dist
+	tools/make_dist.sh build
 
 ## demo       every effect over a clip: pictures, clips, a showreel and build/demo/index.html
 demo: build
@@ -155,7 +165,7 @@ lint:
 	@tools/setup.sh build lint
 	cmake --preset clang -DSE_BUILD_TESTS=ON -DSE_BUILD_BENCH=ON
 	git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
-	git ls-files '*.sh' .ci/run | xargs shellcheck -x -P SCRIPTDIR
+	git ls-files '*.sh' .ci/run | xargs shellcheck
 	run-clang-tidy -quiet -p build/clang -j $(JOBS) "$(CURDIR)/.*" > build/clang-tidy.txt 2> /dev/null || \
 	    { grep -A3 'error:' build/clang-tidy.txt; false; }
 	cppcheck --std=c++20 --library=googletest --enable=warning,performance,portability --quiet -I . -j $(JOBS) \

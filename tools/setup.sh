@@ -15,6 +15,8 @@ slow         qemu-user
 gstreamer    libgstreamer-plugins-base1.0-dev
 check-gstreamer gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-pipewire
 check-gstreamer gir1.2-gstreamer-1.0 python3-gi pipewire wireplumber dbus
+dist         git
+packages     debhelper dh-python fakeroot lintian
 python       python3 python3-numpy python3-pip python3-setuptools python3-wheel python3-pytest python3-opencv
 python       python3-matplotlib mypy
 demo         ffmpeg imagemagick
