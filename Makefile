@@ -165,7 +165,7 @@ lint:
 	@tools/setup.sh build lint
 	cmake --preset clang -DSE_BUILD_TESTS=ON -DSE_BUILD_BENCH=ON
 	git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
-	git ls-files '*.sh' .ci/run | xargs shellcheck
+	git ls-files '*.sh' .ci/run | xargs shellcheck -x -P SCRIPTDIR
 	run-clang-tidy -quiet -p build/clang -j $(JOBS) "$(CURDIR)/.*" > build/clang-tidy.txt 2> /dev/null || \
 	    { grep -A3 'error:' build/clang-tidy.txt; false; }
 	cppcheck --std=c++20 --library=googletest --enable=warning,performance,portability --quiet -I . -j $(JOBS) \
