@@ -70,7 +70,6 @@ TEST_P(EveryEffect, GivesTheModulesOwnFrames) {
 TEST_P(EveryEffect, RepeatsItselfAfterAReset) {
     const Home home;
     const EffectHandle effect = Create(Info().id);
-    sfx_set_data_folder(effect.get(), SE_BINARY_DIR "/share/specialeffects");
     sfx_set_seed(effect.get(), 7);
     const std::vector<TestFrame> scene = Scene(96, 64);
     std::vector<uint64_t> first;
