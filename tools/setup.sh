@@ -21,7 +21,7 @@ python       python3 python3-numpy python3-pip python3-setuptools python3-wheel 
 python       python3-matplotlib mypy
 demo         ffmpeg imagemagick
 frei0r       frei0r-plugins-dev
-check-frei0r ffmpeg melt libxml2-utils
+check-frei0r ffmpeg melt libxml2-utils qtdeclarative5-dev-tools
 bench        libopencv-dev
 lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
 '

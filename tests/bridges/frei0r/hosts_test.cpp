@@ -104,11 +104,20 @@ TEST(Frei0rInMelt, Renders) {
 TEST(Frei0rInKdenlive, HasAWellFormedDescriptionForEveryEffect) {
     for (size_t i = 0; i < sfx_effect_count(); ++i) {
         const sfx_effect_info& info = *sfx_effect_at(i);
-        const std::string file = KDENLIVE_FOLDER "/frei0r_" + ServiceOf(info) + ".xml";
+        const std::string file = EDITOR_FOLDER "/kdenlive/frei0r_" + ServiceOf(info) + ".xml";
         ASSERT_TRUE(std::filesystem::exists(file)) << file;
         const std::string names =
             Output("xmllint --xpath 'concat(/effect/@tag, \" \", count(/effect/parameter))' " + file);
         EXPECT_EQ(names, "frei0r." + ServiceOf(info) + " " + std::to_string(info.property_count) + "\n");
+    }
+}
+
+TEST(Frei0rInShotcut, HasAPanelThatParsesForEveryEffect) {
+    for (size_t i = 0; i < sfx_effect_count(); ++i) {
+        const sfx_effect_info& info = *sfx_effect_at(i);
+        const std::filesystem::path folder = EDITOR_FOLDER "/shotcut/" + ServiceOf(info);
+        EXPECT_EQ(std::system(("qmllint " + (folder / "meta.qml").string()).c_str()), 0);
+        EXPECT_EQ(std::system(("qmllint " + (folder / "ui.qml").string()).c_str()), 0);
     }
 }
 
