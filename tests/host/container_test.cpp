@@ -1,6 +1,5 @@
 // Containers, codecs, and what goes along with the video.
 #include <filesystem>
-#include <regex>
 
 #include "Clips.h"
 #include "Media.h"
@@ -182,8 +181,9 @@ TEST_F(CompanyTest, IsCarried) {
         const std::string text =
             Shell(std::string("ffmpeg -v error -nostdin -i ") + each.file + " -map 0:s:0 -f srt -").out;
         // The first packet of the sound, which nobody hears, shifts it by some milliseconds.
-        EXPECT_TRUE(std::regex_search(text, std::regex("00:00:00,2[0-9]+ --> 00:00:00,8[0-9]+\nHello")))
-            << text;
+        EXPECT_NE(text.find("00:00:00,2"), std::string::npos) << text;
+        EXPECT_NE(text.find(" --> 00:00:00,8"), std::string::npos) << text;
+        EXPECT_NE(text.find("\nHello"), std::string::npos) << text;
         EXPECT_EQ(ProbeFormat(each.file, "format_tags=title,artist"), "A talk\nSomebody\n");
         EXPECT_EQ(Shell(std::string("ffprobe -v error -show_chapters -of csv=p=0 ") + each.file +
                         " | cut -d, -f4,6-")
