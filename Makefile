@@ -137,7 +137,7 @@ check-python:
 	@tools/setup.sh build check python
 	cmake --preset release -DSE_BUILD_PYTHON=ON
 	cmake --build --preset release --target product python_wheel
-	LD_LIBRARY_PATH=$(RELEASE) PYTHONPATH=$(CURDIR)/bridges/python PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 -m pytest \
+	LD_LIBRARY_PATH=$(CURDIR)/$(RELEASE) PYTHONPATH=$(CURDIR)/bridges/python PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 -m pytest \
 	    -c bridges/python/pyproject.toml --rootdir tests/bridges/python tests/bridges/python
 
 ## bench      times of every primitive and effect, as tables and in build/*.csv
