@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <vector>
 
-#include "MediaInput.h"
 #include "PictureInput.h"
 #include "PixelNoise.h"
 #include "Scaler.h"
@@ -83,14 +83,14 @@ void SeePlane(const Frame& picture, const View& view, int64_t frame, int plane, 
 }  // namespace
 
 HandHeld::HandHeld(const std::string& file, const InputOptions& options, const Notes& notes) {
-    MediaInput source(file, {}, notes);
-    if (source.Stream().kind != InputKind::Picture)
+    const auto source = OpenMedia(file, {}, notes);
+    if (source->Stream().kind != InputKind::Picture)
         throw Failure("{} is a video; still: takes a picture", file);
-    stream_ = source.Stream();
+    stream_ = source->Stream();
     stream_.kind = InputKind::Scene;
     if (options.rate) stream_.frameRate = *options.rate;
     stream_.timeBase = av_inv_q(stream_.frameRate);
-    picture_ = FirstFrame(source);
+    picture_ = FirstFrame(*source);
     // A camera gives luma from 16 to 235, even for a full-range picture file.
     if (IsFullRange(picture_.Picture())) {
         stream_.color.range = AVCOL_RANGE_MPEG;

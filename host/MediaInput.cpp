@@ -124,12 +124,7 @@ void MediaInput::Describe(const InputOptions& options, const Notes& notes) {
     if (native.width < 1 || native.height < 1) {
         throw Failure("{} has no pictures that can be decoded", source_.Name());
     }
-    stream_.size = options.size.value_or(native);
-    if (options.evenSides) stream_.size = EvenSize(stream_.size, notes);
-    if (std::max(stream_.size.width, stream_.size.height) > kLargestSide) {
-        throw Failure("{} is {}x{}; effects take sides up to {}; --size scales it", source_.Name(),
-                      native.width, native.height, kLargestSide);
-    }
+    stream_.size = FrameSize(source_.Name(), native, options, notes);
     if (aspect.num > 0 && aspect.den > 0 && !options.size) stream_.pixelAspect = aspect;
     stream_.color = ColorAsFrame(*picture_, stream_.size.height);
     intake_.emplace(stream_.size.width, stream_.size.height, quarterTurns_, stream_.color);

@@ -9,6 +9,7 @@
 #include "MediaInput.h"
 #include "PictureInput.h"
 #include "TestScene.h"
+#include "WebpAnimation.h"
 
 extern "C" {
 #include <libavutil/avutil.h>
@@ -32,6 +33,16 @@ Size EvenSize(Size wanted, const Notes& notes) {
     if (size != wanted) {
         notes.Add("{}x{} becomes {}x{}: sides have to be even", wanted.width, wanted.height, size.width,
                   size.height);
+    }
+    return size;
+}
+
+Size FrameSize(const std::string& name, Size native, const InputOptions& options, const Notes& notes) {
+    Size size = options.size.value_or(native);
+    if (options.evenSides) size = EvenSize(size, notes);
+    if (std::max(size.width, size.height) > kLargestSide) {
+        throw Failure("{} is {}x{}; effects take sides up to {}; --size scales it", name, native.width,
+                      native.height, kLargestSide);
     }
     return size;
 }
@@ -65,6 +76,12 @@ std::optional<std::string> FileOfInput(const std::string& name) {
     return name;
 }
 
+std::unique_ptr<VideoInput> OpenMedia(const std::string& name, const InputOptions& options,
+                                      const Notes& notes) {
+    if (IsWebpAnimation(name)) return std::make_unique<WebpAnimation>(name, options, notes);
+    return std::make_unique<MediaInput>(name, options, notes);
+}
+
 std::unique_ptr<VideoInput> OpenInput(const std::string& name, const InputOptions& options,
                                       const Notes& notes) {
     const auto needsVideo = [&] {
@@ -78,7 +95,7 @@ std::unique_ptr<VideoInput> OpenInput(const std::string& name, const InputOption
         needsVideo();
         return std::make_unique<HandHeld>(name.substr(kStill.size()), options, notes);
     }
-    auto media = std::make_unique<MediaInput>(name, options, notes);
+    auto media = OpenMedia(name, options, notes);
     if (media->Stream().kind == InputKind::Picture) return std::make_unique<PictureInput>(*media, options);
     return media;
 }

@@ -97,11 +97,19 @@ struct InputOptions {
 std::unique_ptr<VideoInput> OpenInput(const std::string& name, const InputOptions& options,
                                       const Notes& notes);
 
+/// The same without "test:" and "still:".
+std::unique_ptr<VideoInput> OpenMedia(const std::string& name, const InputOptions& options,
+                                      const Notes& notes);
+
 /// The file that `name` reads, or nothing.
 std::optional<std::string> FileOfInput(const std::string& name);
 
 /// The even size nearest below, at least 2x2, with a note when that is another one.
 Size EvenSize(Size wanted, const Notes& notes);
+
+/// The size of the frames from an input whose pictures have the size `native`. Throws Failure when it is too
+/// large.
+Size FrameSize(const std::string& name, Size native, const InputOptions& options, const Notes& notes);
 
 /// Whether `path` is a character device.
 bool IsDevice(const std::string& path);

@@ -8,7 +8,8 @@ set -eu
 
 groups='
 build        build-essential cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev
-build        libavformat-dev libavcodec-dev libavdevice-dev libavfilter-dev libavutil-dev libswscale-dev libpugixml-dev opencv-data
+build        libavformat-dev libavcodec-dev libavdevice-dev libavfilter-dev libavutil-dev libswscale-dev libwebp-dev
+build        libpugixml-dev opencv-data
 check        ccache libgtest-dev ffmpeg
 clang        clang libclang-rt-dev
 slow         qemu-user
