@@ -1,5 +1,6 @@
 """Every effect gives the bytes that the program gives."""
 
+import shutil
 import subprocess
 
 import pytest
@@ -9,7 +10,6 @@ from conftest import BUILD, planes
 
 PROGRAM = BUILD / "host" / "specialeffects"
 HEIGHT, WIDTH, COUNT, SEED = 48, 64, 12, 7
-DATA = BUILD / "share" / "specialeffects"
 HEADER = b"YUV4MPEG2 W%d H%d F30:1 Ip A1:1 C420jpeg\n" % (WIDTH, HEIGHT)
 
 
@@ -21,17 +21,24 @@ def clip(tmp_path_factory):
     return path
 
 
+@pytest.fixture(scope="module")
+def data(tmp_path_factory):
+    """A copy of the build's data folder: the noise file of Clouds is made in it."""
+    folder = tmp_path_factory.mktemp("data") / "specialeffects"
+    return shutil.copytree(BUILD / "share" / "specialeffects", folder)
+
+
 @pytest.mark.parametrize("text", [*(info.id for info in specialeffects.effects()), "sepia+rain:drop-size=9"])
-def test_gives_the_frames_of_the_program(text, clip, tmp_path):
+def test_gives_the_frames_of_the_program(text, clip, data, tmp_path):
     out = tmp_path / "out.y4m"
-    command = [PROGRAM, "apply", "-e", text, "--data", DATA, "--seed", str(SEED), clip, out]
+    command = [PROGRAM, "apply", "-e", text, "--data", data, "--seed", str(SEED), clip, out]
     subprocess.run(command, check=True, capture_output=True, timeout=100)
     head, *frames = out.read_bytes().split(b"FRAME\n", 1)
     size = HEIGHT * WIDTH * 3 // 2
     written = out.read_bytes()[len(head):]
     assert len(written) == COUNT * (6 + size)
 
-    effect = specialeffects.Effect(text, seed=SEED, data_folder=DATA)
+    effect = specialeffects.Effect(text, seed=SEED, data_folder=data)
     for i in range(COUNT):
         frame = planes(HEIGHT, WIDTH, i)
         effect(frame, time=i / 30)
