@@ -17,6 +17,11 @@ Muxer::Muxer(const std::string& path, const Container& container, bool overwrite
 }
 
 Muxer::~Muxer() {
+    // The muxers of animated pictures keep the last packet, and free it with the trailer only.
+    const std::string_view name = context_->oformat->name;
+    if (hasHeader_ && (name == "gif" || name == "apng" || name == "webp")) {
+        av_write_trailer(context_.get());
+    }
     avio_closep(&context_->pb);
 }
 
@@ -34,6 +39,7 @@ void Muxer::Start() {
     if (muxer == "apng") settings.Set("plays", "0");  // for ever
     if (muxer == "webp") settings.Set("loop", "0");
     Check(avformat_write_header(context_.get(), settings.Address()));
+    hasHeader_ = true;
     lastTimes_.assign(context_->nb_streams, AV_NOPTS_VALUE);
 }
 
@@ -62,6 +68,7 @@ void Muxer::WriteEncoded(AVCodecContext& encoder, const AVStream& stream, int64_
 }
 
 void Muxer::Finish() {
+    hasHeader_ = false;
     Check(av_write_trailer(context_.get()));
     avio_flush(context_->pb);
     Check(context_->pb->error);

@@ -42,6 +42,7 @@ class Muxer {
     const Container& container_;
     OutputFile file_;
     OutputContextPtr context_;
+    bool hasHeader_ = false;          // and no trailer yet
     std::vector<int64_t> lastTimes_;  // of each stream
 };
 
