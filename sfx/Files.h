@@ -28,7 +28,7 @@ std::string JoinPath(const std::string& folder, const std::string& name);
 
 /// Where data files can have been installed, beginning with the places next to this library.
 const std::vector<std::string>& InstalledFolders();
-/// The user's, by the XDG base directory specification; empty without a home.
+/// The user's, by the XDG base directories; empty without a home.
 std::string CacheFolder();
 std::string ConfigFolder();
 
