@@ -29,7 +29,7 @@ std::unique_ptr<Track> MakeTrack(const AVStream& input, Muxer& muxer, Sound soun
 /// Hands packets on as they are.
 std::unique_ptr<Track> CopyTrack(const AVStream& input, Muxer& muxer);
 
-/// Decodes sound and encodes it with the first of the encoders that there is; null when there is none, or
+/// Decodes sound and encodes it with the first available encoder; null without one, or
 /// when the sound cannot be decoded.
 std::unique_ptr<Track> EncodeSound(const AVStream& input, Muxer& muxer,
                                    std::span<const char* const> encoders);

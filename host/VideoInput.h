@@ -67,7 +67,7 @@ class VideoInput {
     /// Makes a wait for input on another thread come to an end.
     void Cancel() { cancelled_ = true; }
 
-    /// The container, for its other streams, chapters and tags; null when there is none.
+    /// The container, for its other streams, chapters and tags; null without one.
     virtual const AVFormatContext* Container() const { return nullptr; }
     /// The stream of the container that gives the frames.
     virtual int VideoIndex() const { return -1; }

@@ -12,7 +12,7 @@
 
 namespace host {
 
-/// Whether a regular file of this name begins as an animated WebP. A still WebP is none.
+/// Whether a regular file of this name begins as an animated WebP. False for a still WebP.
 bool IsWebpAnimation(const std::string& path);
 
 /// Its frames, once: the loop count is ignored. The colour under alpha is taken as it is. A duration of 0

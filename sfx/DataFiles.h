@@ -12,7 +12,7 @@ namespace sfx {
 /// installation, the user's cache.
 std::vector<std::string> DataFolders(const std::string& callersFolder);
 
-/// The path of a data file, or "" where there is none.
+/// The path of a data file, or "" if it is not found.
 std::string FindDataFile(const std::string& name, const std::string& callersFolder);
 
 /// Like FindDataFile, but makes the file first where it is missing and `make(path)` can make it: in the

@@ -41,16 +41,16 @@ struct EffectEntry {
     std::vector<PropertyEntry> properties;
 
     Filter Create() const { return create(index); }
-    /// The place of a property by its id or the module's name for it; properties.size() where there is none.
+    /// The place of a property by its id or the module's name for it; properties.size() if unknown.
     size_t FindProperty(std::string_view name) const;
-    /// The same; throws Failure where there is none.
+    /// The same; throws Failure if unknown.
     size_t RequireProperty(std::string_view name) const;
 };
 
 /// Made at the first call and kept. Throws std::bad_alloc.
 std::span<const EffectEntry> Effects();
 
-/// By id, GUID, title or name. Null, with a message, where there is none.
+/// By id, GUID, title or name. Null, with a message, if unknown.
 const EffectEntry* FindEffect(std::string_view text);
 
 }  // namespace sfx

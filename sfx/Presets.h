@@ -17,7 +17,7 @@ extern const char kShippedPresets[];
 size_t PresetCount();
 const sfx_preset_info* PresetAt(size_t index);
 
-/// The effect's text of a preset. Throws Failure where there is none.
+/// The effect's text of a preset. Throws Failure if unknown.
 std::string_view RequirePreset(std::string_view id);
 
 /// Adds the presets of a text in the form of the file; nothing of it when a line is wrong, which throws

@@ -14,8 +14,8 @@ namespace {
 constexpr int32_t kBlurSize = 10;
 constexpr int32_t kMargin = kBlurSize / 2;
 
-/// The next number of a settings file. 0 if there is none, which ends the reading; the nearest bound if it
-/// overflows an integer.
+/// The next number of a settings file. 0 if the file has no more, which ends the reading; the nearest bound
+/// if it overflows an integer.
 int32_t ReadNumber(std::istream& file) {
     int32_t number = 0;
     file >> number;

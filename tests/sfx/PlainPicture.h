@@ -30,7 +30,7 @@ class PlainPicture {
     bool GuardsIntact() const;
 
     /// Where the sample of a pixel lies: 0, 1, 2 for Y, U, V or for red, green, blue; 3 for alpha. Null for
-    /// alpha where there is none. Several pixels share a chroma sample.
+    /// alpha in formats without it. Several pixels share a chroma sample.
     uint8_t* Sample(int component, int32_t x, int32_t y) const;
 
     /// Chroma samples stand for `ChromaWidth()` by `ChromaHeight()` pixels; 1 for RGB.
