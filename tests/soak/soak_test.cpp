@@ -1,12 +1,11 @@
 // Every effect for a long time: born and destroyed over and over, fed thousands of frames, and all of them at
 // once on many threads. How long is set where the test program is built (SE_SOAK_...).
 #include <gtest/gtest.h>
-#include <unistd.h>
+#include <malloc.h>
 
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -62,20 +61,19 @@ class SoakDirectory {
     TemporaryDirectory directory_;
 };
 
-/// Memory of the process that is present, in bytes.
-int64_t ResidentSize() {
-    int64_t total = 0, resident = 0;
-    std::ifstream("/proc/self/statm") >> total >> resident;
-    return resident * sysconf(_SC_PAGESIZE);
+/// Bytes of the heap that are in use, the allocator's caches included.
+int64_t HeapInUse() {
+    const struct mallinfo2 heap = mallinfo2();
+    return static_cast<int64_t>(heap.uordblks + heap.hblkhd);
 }
 
 /// Memory may settle at the start of a run, and grows no more then.
 class LevelMemory {
   public:
-    void Settled() { settled_ = ResidentSize(); }
+    void Settled() { settled_ = HeapInUse(); }
     void ExpectLevel() const {
         if (!SE_SOAK_MEMORY_COUNTS) return;
-        EXPECT_LT(ResidentSize() - settled_, int64_t{1} << 20);
+        EXPECT_LT(HeapInUse() - settled_, 16384);
     }
 
   private:
