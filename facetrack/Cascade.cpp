@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
-#include <filesystem>
 #include <limits>
-#include <system_error>
+
+#include "imaging/Files.h"
 
 namespace {
 
@@ -27,6 +27,8 @@ class ClassicNumbers {
   private:
     int mode_;
     std::string former_ = "C";
+#elif defined(__wasm__)
+    ClassicNumbers() {}  // the only locale there is
 #else
     ClassicNumbers() : classic_(newlocale(LC_ALL_MASK, "C", locale_t{})), former_(uselocale(classic_)) {}
     ~ClassicNumbers() {
@@ -37,10 +39,6 @@ class ClassicNumbers {
   private:
     locale_t classic_, former_;
 #endif
-};
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 /// True if all numbers of the format were read.
@@ -60,10 +58,7 @@ int32_t Cascade::LoadCascade(const std::string& path) {
 
 bool Cascade::Read(const std::string& path) {
     constexpr int32_t kSmallestWindow = 3;
-    // Only a regular file: opening a pipe could block for ever.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return false;
-    const std::unique_ptr<std::FILE, CloseFile> opened(std::fopen(path.c_str(), "r"));
+    const files::File opened = files::OpenToRead(path.c_str());
     std::FILE* const file = opened.get();
     if (file == nullptr) return false;
     const ClassicNumbers classic;

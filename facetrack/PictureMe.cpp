@@ -1,11 +1,11 @@
 #include "facetrack/PictureMe.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <limits>
 #include <new>
 
 #include "framework/Surroundings.h"
+#include "imaging/Files.h"
 #include "imaging/ReleaseMemory.h"
 
 using Effect = CPictureMeSpecialEffectFilter;
@@ -51,8 +51,7 @@ ResultCode Effect::Configure(StreamDescription* description) {
         DetectorHeight = Stream.Height;
         try {
             const std::string cascade = CurrentSurroundings().DataFile(CascadePath);
-            std::error_code error;
-            if (std::filesystem::exists(cascade, error)) StartDetector(cascade.c_str());
+            if (files::Exists(cascade.c_str())) StartDetector(cascade.c_str());
         } catch (const std::bad_alloc&) {
             ReleaseWorkspace();
             throw;

@@ -16,8 +16,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
+
+#include "framework/Mutex.h"
 
 class Surroundings {
   public:
@@ -53,7 +54,7 @@ class Surroundings {
     }
 
   private:
-    std::mutex sharedMutex_;
+    Mutex sharedMutex_;
     std::map<const void*, std::shared_ptr<void>> shared_;
 };
 

@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <limits>
 #include <new>
-#include <system_error>
+#include <optional>
 #include <utility>
 
+#include "imaging/Files.h"
 #include "imaging/Prim.h"
 
 namespace {
@@ -27,11 +26,6 @@ uint32_t LittleEndian(const uint8_t* bytes, int count) {
     uint32_t value = 0;
     for (int i = 0; i < count; ++i) value |= static_cast<uint32_t>(bytes[i]) << (8 * i);
     return value;
-}
-
-/// Reads exactly `size` bytes.
-bool ReadExactly(std::ifstream& file, uint8_t* bytes, size_t size) {
-    return static_cast<bool>(file.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(size)));
 }
 
 // ---- copies ----------------------------------------------------------------------------------------
@@ -162,20 +156,17 @@ void CPlane8u::Mirror(int32_t axis) {
 }
 
 bool CPlane8u::LoadBmp(const char* path) {
-    // Only a regular file: opening a pipe or a device could block for ever.
-    std::error_code error;
-    if (path == nullptr || !std::filesystem::is_regular_file(path, error)) return false;
-    const uintmax_t fileSize = std::filesystem::file_size(path, error);
-    if (error) return false;
-    std::ifstream file(path, std::ios::binary);
+    if (path == nullptr) return false;
+    const std::optional<uint64_t> fileSize = files::RegularFileSize(path);
+    const files::File file = files::OpenToRead(path);
     std::array<uint8_t, kFileHeaderSize> fileHeader{};
     std::array<uint8_t, kInfoHeaderSize> info{};
     std::array<uint8_t, kPaletteSize> palette{};
-    if (!ReadExactly(file, fileHeader.data(), fileHeader.size())) return false;
+    if (!files::Read(file, fileHeader.data(), fileHeader.size())) return false;
     if (LittleEndian(fileHeader.data(), 2) != 19778) return false;  // "BM"
-    if (!ReadExactly(file, info.data(), info.size())) return false;
+    if (!files::Read(file, info.data(), info.size())) return false;
     if (LittleEndian(&info[14], 2) != 8) return false;  // bits a pixel
-    if (!ReadExactly(file, palette.data(), palette.size())) return false;
+    if (!files::Read(file, palette.data(), palette.size())) return false;
 
     const auto fileWidth = static_cast<int32_t>(LittleEndian(&info[4], 4));
     const auto fileHeight = static_cast<int32_t>(LittleEndian(&info[8], 4));
@@ -183,11 +174,11 @@ bool CPlane8u::LoadBmp(const char* path) {
         return false;
     }
     const size_t count = static_cast<size_t>(fileWidth) * static_cast<size_t>(fileHeight);
-    if (fileSize < kFileHeaderSize + kInfoHeaderSize + kPaletteSize + count) return false;
+    if (!fileSize || *fileSize < kFileHeaderSize + kInfoHeaderSize + kPaletteSize + count) return false;
 
     // Read into a temporary first: a failed read must not change this plane.
     CPlane8u bottomUp = NewPlane(fileWidth, fileHeight);
-    if (!ReadExactly(file, bottomUp.data, count)) return false;
+    if (!files::Read(file, bottomUp.data, count)) return false;
     if (data == nullptr || width != fileWidth || height != fileHeight) {
         *this = NewPlane(fileWidth, fileHeight);
     }

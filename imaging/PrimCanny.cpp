@@ -111,7 +111,7 @@ void FollowEdges(uint8_t* map, ptrdiff_t step, uint32_t width, uint32_t height, 
         const uint32_t x = pixel % width;
         const uint32_t y = pixel / width;
         for (uint32_t ny = y - (y > 0 ? 1 : 0); ny <= y + 1 && ny < height; ++ny) {
-            uint8_t* const row = Row(map, step, ny);
+            uint8_t* const row = Row(map, step, static_cast<ptrdiff_t>(ny));
             for (uint32_t nx = x - (x > 0 ? 1 : 0); nx <= x + 1 && nx < width; ++nx) {
                 if (row[nx] == kWeak) {
                     row[nx] = kEdge;

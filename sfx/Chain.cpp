@@ -12,7 +12,7 @@ using sfx::LinkText;
 using sfx::PropertyEntry;
 using sfx::Tell;
 
-using Lock = std::lock_guard<std::mutex>;
+using Lock = std::lock_guard<Mutex>;
 
 sfx_effect::sfx_effect(std::vector<LinkText> texts) {
     links_.reserve(texts.size());

@@ -2,11 +2,11 @@
 #ifndef SPECIALEFFECTS_SFX_CHAIN_H
 #define SPECIALEFFECTS_SFX_CHAIN_H
 
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "framework/Mutex.h"
 #include "sfx/Link.h"
 #include "sfx/WorkFrame.h"
 
@@ -47,7 +47,7 @@ struct sfx_effect {
     void Stop();
     void Advance(int64_t time);
 
-    mutable std::mutex mutex_;
+    mutable Mutex mutex_;
     std::vector<sfx::Link> links_;
     uint32_t seed_ = SFX_DEFAULT_SEED;
     std::string dataFolder_;

@@ -1,8 +1,9 @@
 #include "sfx/DataFiles.h"
 
-#include <mutex>
 #include <random>
 
+#include "framework/Mutex.h"
+#include "imaging/Files.h"
 #include "sfx/Files.h"
 
 namespace sfx {
@@ -23,14 +24,14 @@ bool MakeIn(const std::string& folder, const std::string& name,
     try {
         make(temporary);
     } catch (...) {
-        RemoveFile(temporary);
+        files::Remove(temporary.c_str());
         throw;
     }
-    if (!IsRegularFile(temporary)) {
+    if (!files::RegularFileSize(temporary.c_str())) {
         return false;
     }
-    const bool made = RenameFile(temporary, JoinPath(folder, name));
-    RemoveFile(temporary);
+    const bool made = files::Rename(temporary.c_str(), JoinPath(folder, name).c_str());
+    files::Remove(temporary.c_str());
     return made;
 }
 
@@ -51,7 +52,7 @@ std::vector<std::string> DataFolders(const std::string& callersFolder) {
 std::string FindDataFile(const std::string& name, const std::string& callersFolder) {
     for (const std::string& folder : DataFolders(callersFolder)) {
         std::string path = JoinPath(folder, name);
-        if (IsRegularFile(path)) {
+        if (files::RegularFileSize(path.c_str())) {
             return path;
         }
     }
@@ -61,7 +62,7 @@ std::string FindDataFile(const std::string& name, const std::string& callersFold
 std::string FindOrMakeDataFile(const std::string& name, const std::string& callersFolder,
                                const std::function<void(const std::string& path)>& make) {
     // One thread makes it, the others find it.
-    static std::mutex making;
+    static Mutex making;
     const std::lock_guard lock(making);
     std::string path = FindDataFile(name, callersFolder);
     if (path.empty() && (MakeIn(callersFolder, name, make) || MakeIn(CacheFolder(), name, make))) {

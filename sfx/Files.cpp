@@ -1,40 +1,45 @@
 #include "sfx/Files.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <system_error>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#if !defined(_WIN32) && !defined(__wasm__)
+#include <cstdlib>
+#include <memory>
+
+#include "imaging/Files.h"
+
+#if !defined(__wasm__)
 #include <dlfcn.h>
 #endif
 
 namespace sfx {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr const char* kFolderName = "specialeffects";
 
-// Paths are UTF-8 here.
-fs::path PathOf(const std::string& text) {
-    return fs::path(reinterpret_cast<const char8_t*>(text.c_str()));
+struct Free {
+    void operator()(char* text) const { std::free(text); }
+};
+using Text = std::unique_ptr<char, Free>;
+
+bool IsAbsolute(const std::string& path) {
+    return path.starts_with('/');
 }
-std::string TextOf(const fs::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
+
+bool IsFolder(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 /// The folder of this library; empty where it cannot be told.
-fs::path LibraryFolder() {
-#if !defined(_WIN32) && !defined(__wasm__)
+std::string LibraryFolder() {
+#if !defined(__wasm__)
     Dl_info info{};
     static const char inThisLibrary = 0;
     if (dladdr(&inThisLibrary, &info) != 0 && info.dli_fname != nullptr) {
-        std::error_code error;
-        const fs::path library = fs::canonical(info.dli_fname, error);
-        return error ? fs::path() : library.parent_path();
+        const Text library(realpath(info.dli_fname, nullptr));
+        const std::string path = library != nullptr ? library.get() : "";
+        return path.substr(0, path.find_last_of('/') + 1);
     }
 #endif
     return {};
@@ -44,74 +49,59 @@ fs::path LibraryFolder() {
 /// home.
 std::string UserFolder(const char* variable, const char* inHome) {
     const char* const stated = std::getenv(variable);
-    if (stated != nullptr && fs::path(stated).is_absolute()) {
-        return TextOf(fs::path(stated) / kFolderName);
+    if (stated != nullptr && IsAbsolute(stated)) {
+        return JoinPath(stated, kFolderName);
     }
     const char* const home = std::getenv("HOME");
-    if (home != nullptr && fs::path(home).is_absolute()) {
-        return TextOf(fs::path(home) / inHome / kFolderName);
+    if (home != nullptr && IsAbsolute(home)) {
+        return JoinPath(JoinPath(home, inHome), kFolderName);
     }
     return {};
 }
 
 }  // namespace
 
-bool IsRegularFile(const std::string& path) {
-    std::error_code error;
-    return !path.empty() && fs::is_regular_file(PathOf(path), error);
-}
-
 std::optional<std::string> ReadTextFile(const std::string& path) {
-    constexpr uintmax_t kLargest = 1 << 24;
-    std::error_code error;
-    if (!IsRegularFile(path) || fs::file_size(PathOf(path), error) > kLargest || error) {
+    constexpr uint64_t kLargest = 1 << 24;
+    const std::optional<uint64_t> size = files::RegularFileSize(path.c_str());
+    const files::File file = files::OpenToRead(path.c_str());
+    if (!size || *size > kLargest || file == nullptr) {
         return std::nullopt;
     }
-    std::ifstream file(PathOf(path), std::ios::binary);
-    if (!file) {
-        return std::nullopt;
-    }
-    std::string text(std::istreambuf_iterator<char>(file), {});
-    return file.bad() ? std::nullopt : std::optional(std::move(text));
+    std::string text(static_cast<size_t>(*size), '\0');
+    return files::Read(file, text.data(), text.size()) ? std::optional(std::move(text)) : std::nullopt;
 }
 
 bool MakeFolder(const std::string& path) {
-    std::error_code error;
-    fs::create_directories(PathOf(path), error);
-    return fs::is_directory(PathOf(path), error);
-}
-
-bool RenameFile(const std::string& from, const std::string& to) {
-    std::error_code error;
-    fs::rename(PathOf(from), PathOf(to), error);
-    return !error;
-}
-
-void RemoveFile(const std::string& path) {
-    std::error_code error;
-    fs::remove(PathOf(path), error);
+    for (size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
+        mkdir(path.substr(0, end).c_str(), 0777);
+    }
+    mkdir(path.c_str(), 0777);
+    return IsFolder(path);
 }
 
 std::string AbsolutePath(const std::string& path) {
-    std::error_code error;
-    const fs::path absolute = path.empty() ? fs::path() : fs::absolute(PathOf(path), error);
-    return error ? path : TextOf(absolute);
+    if (path.empty() || IsAbsolute(path)) {
+        return path;
+    }
+    const Text current(getcwd(nullptr, 0));
+    return current != nullptr ? JoinPath(current.get(), path) : path;
 }
 
 std::string JoinPath(const std::string& folder, const std::string& name) {
-    return TextOf(PathOf(folder) / PathOf(name));
+    return folder.empty() || folder.ends_with('/') ? folder + name : folder + "/" + name;
 }
 
 const std::vector<std::string>& InstalledFolders() {
     static const std::vector<std::string> folders = [] {
         std::vector<std::string> found;
-        const fs::path library = LibraryFolder();
+        const std::string library = LibraryFolder();
         if (!library.empty()) {
             // Of a build tree; of an installed copy, also where libraries lie in a folder of the
             // architecture.
-            found.push_back(TextOf(library / "share" / kFolderName));
-            found.push_back(TextOf(library / ".." / "share" / kFolderName));
-            found.push_back(TextOf(library / ".." / ".." / "share" / kFolderName));
+            for (const char* const beside : {"share", "../share", "../../share"}) {
+                found.push_back(JoinPath(JoinPath(library, beside), kFolderName));
+            }
         }
         found.emplace_back(SFX_DATA_FOLDER);
         return found;

@@ -1,5 +1,5 @@
-// The file system and the environment, as far as the library needs them. Nothing here throws but
-// std::bad_alloc.
+// Folders and the environment, as far as the library needs them; imaging/Files.h has files. Nothing here
+// throws but std::bad_alloc.
 #ifndef SPECIALEFFECTS_SFX_FILES_H
 #define SPECIALEFFECTS_SFX_FILES_H
 
@@ -9,17 +9,11 @@
 
 namespace sfx {
 
-/// Only such files are opened: a pipe could block for ever.
-bool IsRegularFile(const std::string& path);
-
 /// The whole of a regular file of at most 16 MB; nothing where it cannot be read.
 std::optional<std::string> ReadTextFile(const std::string& path);
 
 /// Makes a folder and those above it; false where that fails.
 bool MakeFolder(const std::string& path);
-
-bool RenameFile(const std::string& from, const std::string& to);
-void RemoveFile(const std::string& path);
 
 /// The same place from wherever the current directory is later; an empty path stays empty.
 std::string AbsolutePath(const std::string& path);

@@ -5,8 +5,8 @@
 
 #include "framework/AdditiveRandom.h"
 #include "framework/Surroundings.h"
+#include "imaging/Files.h"
 #include "sfx/DataFiles.h"
-#include "sfx/Files.h"
 #include "sfx/Guard.h"
 
 namespace sfx {
@@ -20,7 +20,9 @@ class MakerSurroundings final : public Surroundings {
     int64_t Milliseconds() override { return 0; }
     int32_t Rand() override { return random_.Next(); }
     void Srand(uint32_t seed) override { random_.Seed(seed); }
-    std::string DataFile(const std::string&) override { return IsRegularFile(path_) ? path_ : std::string(); }
+    std::string DataFile(const std::string&) override {
+        return files::RegularFileSize(path_.c_str()) ? path_ : std::string();
+    }
     std::string NewDataFile(const std::string&) override { return path_; }
 
   private:

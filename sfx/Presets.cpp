@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <vector>
 
+#include "framework/Mutex.h"
 #include "sfx/EffectText.h"
 #include "sfx/Files.h"
 #include "sfx/Guard.h"
@@ -214,7 +214,7 @@ class Store {
             [this](const std::string& folder) { return AddFile(JoinPath(folder, kFile), false); });
     }
 
-    std::mutex mutex_;
+    Mutex mutex_;
     std::deque<Preset> kept_;  // replaced ones as well
     std::vector<const Preset*> listed_;
 };

@@ -4,13 +4,12 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <system_error>
+#include <utility>
 
 #include "framework/Surroundings.h"
 #include "imaging/ExactDivision.h"
+#include "imaging/Files.h"
 #include "imaging/GradientNoise.h"
 #include "imaging/Lookup.h"
 #include "imaging/PerLevel.h"
@@ -49,11 +48,8 @@ void DrawPicture(CPlane8u& picture, const GradientNoise& noise, double t) {
 
 /// A temporary file; the destructor removes it if it still exists.
 struct TemporaryFile {
-    const std::filesystem::path path;
-    ~TemporaryFile() {
-        std::error_code ignored;
-        std::filesystem::remove(path, ignored);
-    }
+    const std::string path;
+    ~TemporaryFile() { files::Remove(path.c_str()); }
 };
 
 /// Writes the file of the pictures completely or not at all. Writes nothing for an empty path.
@@ -64,16 +60,13 @@ void WritePictures(const std::string& path, int count) {
     CPlane8u picture = NewPlane(kPictureWidth, kPictureHeight);
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
     const TemporaryFile temporary{path + "." + std::to_string(now) + ".tmp"};
-    const std::filesystem::path whole(path);
-    std::ofstream file(temporary.path, std::ios::binary);
-    if (!file) return;
+    files::File file = files::OpenToWrite(temporary.path.c_str());
+    if (file == nullptr) return;
     for (int i = 0; i < count; ++i) {
         DrawPicture(picture, noise, static_cast<double>(i) / count);
-        file.write(reinterpret_cast<const char*>(picture.data), static_cast<std::streamsize>(picture.Size()));
+        files::Write(file, picture.data, picture.Size());
     }
-    file.close();
-    std::error_code ignored;
-    if (file) std::filesystem::rename(temporary.path, whole, ignored);
+    if (files::CloseWritten(std::move(file))) files::Rename(temporary.path.c_str(), path.c_str());
 }
 
 SE_INLINE void BlendPictures(const uint8_t* SE_RESTRICT now, const uint8_t* SE_RESTRICT next, int32_t weight,
@@ -115,25 +108,19 @@ std::span<const Property<CCloudsSpecialEffectFilter>> CCloudsSpecialEffectFilter
 }
 
 void CCloudsSpecialEffectFilter::Prepare() {
-    // Leave anything but a regular file alone: reading from a pipe could block for ever.
-    std::error_code error;
     Surroundings& surroundings = CurrentSurroundings();
     const std::string path = surroundings.DataFile(kFile);
-    const auto status = std::filesystem::status(path, error);
-    std::ifstream file;
-    if (std::filesystem::is_regular_file(status) || !std::filesystem::exists(status)) {
-        file.open(path, std::ios::binary);
-        if (!file) {
-            WritePictures(surroundings.NewDataFile(kFile), kPictures);
-            file.clear();
-            file.open(surroundings.DataFile(kFile), std::ios::binary);
-        }
+    files::File file = files::OpenToRead(path.c_str());
+    // What is there and is no regular file is left alone.
+    if (file == nullptr && (!files::Exists(path.c_str()) || files::RegularFileSize(path.c_str()))) {
+        WritePictures(surroundings.NewDataFile(kFile), kPictures);
+        file = files::OpenToRead(surroundings.DataFile(kFile).c_str());
     }
     CPlane8u scratch = NewPlane(kPictureWidth, kPictureHeight);
     ResizePlan fit({kPictureWidth, kPictureHeight}, {Width(), Height()});
     for (CPlane8u& picture : NoiseFrames) {
         picture = NewPlane(Width(), Height());
-        file.read(reinterpret_cast<char*>(scratch.data), static_cast<std::streamsize>(scratch.Size()));
+        static_cast<void>(files::Read(file, scratch.data, scratch.Size()));
         fit.Apply(scratch, picture);
     }
     Mask = NewPlane(Width(), Height());

@@ -1,12 +1,12 @@
 #include "effects/drawing/LineArt.h"
 
-#include <filesystem>
-#include <fstream>
-#include <locale>
-#include <new>
-#include <system_error>
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <optional>
 
 #include "effects/drawing/Edges.h"
+#include "imaging/Files.h"
 #include "imaging/ScalarColor.h"
 
 namespace {
@@ -14,13 +14,41 @@ namespace {
 constexpr int32_t kBlurSize = 10;
 constexpr int32_t kMargin = kBlurSize / 2;
 
-/// The next number of a settings file. 0 if the file has no more, which ends the reading; the nearest bound
-/// if it overflows an integer.
-int32_t ReadNumber(std::istream& file) {
-    int32_t number = 0;
-    file >> number;
-    if (number != 0) file.clear(file.rdstate() & ~std::ios::failbit);  // overflow is not a failure
-    return number;
+bool IsSpace(int character) {
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+bool IsDigit(int character) {
+    return character >= '0' && character <= '9';
+}
+
+/// The next whole number of a settings file; the nearest bound if it overflows an integer. Nothing if
+/// something else comes first.
+std::optional<int32_t> ReadNumber(std::FILE* file) {
+    int character = std::getc(file);
+    while (IsSpace(character)) character = std::getc(file);
+    const bool negative = character == '-';
+    if (negative || character == '+') character = std::getc(file);
+    if (!IsDigit(character)) return std::nullopt;
+    int64_t number = 0;
+    for (; IsDigit(character); character = std::getc(file)) {
+        const int64_t digit = character - '0';
+        number =
+            std::clamp<int64_t>(10 * number + (negative ? -digit : digit),
+                                std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max());
+    }
+    std::ungetc(character, file);
+    return static_cast<int32_t>(number);
+}
+
+/// Three numbers, the channels of a packed colour; 0 for those after the first that cannot be read.
+uint32_t ReadColor(std::FILE* file) {
+    uint32_t color = 0;
+    for (uint32_t channel = 0; channel < 3; ++channel) {
+        const std::optional<int32_t> number = ReadNumber(file);
+        if (!number) break;
+        color |= static_cast<uint32_t>(std::clamp(*number, 0, 255)) << (8 * channel);
+    }
+    return color;
 }
 
 SE_INLINE void DrawLines(const uint8_t* source, ptrdiff_t sourceStep, uint8_t* luma, ptrdiff_t width,
@@ -46,26 +74,9 @@ std::span<const Property<CLineArtSpecialEffectFilter>> CLineArtSpecialEffectFilt
 
 ResultCode CLineArtSpecialEffectFilter::LoadSettings(SettingsRecord* settings) {
     if (settings == nullptr || settings->Path == nullptr) return kFailure;
-    try {
-        return ReadBackgroundColor(settings->Path);
-    } catch (const std::bad_alloc&) {
-        return kOutOfMemory;
-    }
-}
-
-ResultCode CLineArtSpecialEffectFilter::ReadBackgroundColor(const char* path) {
-    // Only a regular file: opening a pipe could block for ever.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return kFailure;
-    std::ifstream file(path);
-    if (!file.is_open()) return kFailure;
-    file.imbue(std::locale::classic());
-
-    uint32_t color = 0;
-    for (uint32_t channel = 0; channel < 3; ++channel) {
-        color |= static_cast<uint32_t>(std::clamp(ReadNumber(file), 0, 255)) << (8 * channel);
-    }
-    BackgroundColor = color;
+    const files::File file = files::OpenToRead(settings->Path);
+    if (file == nullptr) return kFailure;
+    BackgroundColor = ReadColor(file.get());
     return kSuccess;
 }
 

@@ -18,7 +18,7 @@ class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEff
     /// Reads the background colour from the text file that `settings` names: red, green and blue in decimal,
     /// separated by white space. Each is clamped to 0..255; a missing number and all after it are 0. Returns
     /// kFailure for a null record or path, for anything but a regular file and for a file that cannot be
-    /// opened, and kOutOfMemory when memory runs out; the colour is then unchanged.
+    /// opened; the colour is then unchanged.
     ResultCode LoadSettings(SettingsRecord* settings) override;
     using PlanarEffect::LoadSettings;
 
@@ -27,8 +27,6 @@ class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEff
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    ResultCode ReadBackgroundColor(const char* path);
-
     uint32_t BackgroundColor = 0xFF8000;
     int32_t EdgeThreshold = 25;
     CGaussKernel1D Blur;
