@@ -27,14 +27,14 @@ function typeOf(property) {
     const names = property.choices.map((choice) => quote(choice.id)).join(' | ');
     return property.type === 'boolean' ? `boolean | ${names}` : `${names} | number`;
   }
-  return { integer: 'number', boolean: 'boolean', color: 'string | number' }[property.type];
+  return { integer: 'number', boolean: 'boolean', color: 'string' }[property.type];
 }
 
 function rangeOf(property) {
   const values = property.choices.map((choice) => `\`${choice.id}\` (${choice.value}): ${choice.description}`);
   if (values.length > 0) return `${values.join('; ')}.`;
   if (property.type === 'integer') return `${property.minimum} to ${property.maximum}.`;
-  return property.type === 'color' ? '`"#rrggbb"` or 0xRRGGBB.' : '';
+  return property.type === 'color' ? '`"#rrggbb"`.' : '';
 }
 
 function member(property) {

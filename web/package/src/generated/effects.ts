@@ -138,19 +138,19 @@ export interface EffectProperties {
   'line-art-1': {
     /**
      * Background colour, which also tints the lines.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#0080ff"`.
      */
-    'background-color'?: string | number;
+    'background-color'?: string;
   };
   /** Line Art 2: Draws the edges of the scene as bright lines on one flat colour; the same as line-art-1. */
   'line-art-2': {
     /**
      * Background colour, which also tints the lines.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#0080ff"`.
      */
-    'background-color'?: string | number;
+    'background-color'?: string;
   };
   /** Tiled Up: Divides the picture into square tiles with uneven grout, lit as a relief. */
   'tiled-up': {
@@ -266,10 +266,10 @@ export interface EffectProperties {
   'clouds': {
     /**
      * Colour of the clouds.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#c0c0c0"`.
      */
-    'cloud-color'?: string | number;
+    'cloud-color'?: string;
     /**
      * Opacity of the clouds in percent.
      * 1 to 100.
@@ -609,10 +609,10 @@ export interface EffectProperties {
     'blur-delay'?: number;
     /**
      * Colour of the glow.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#ff0000"`.
      */
-    'blur-color'?: string | number;
+    'blur-color'?: string;
   };
   /** Motion Blur - Ghost 1: Leaves ghosts: blends each frame with the three output frames before it. */
   'motion-blur-1': NoProperties;
@@ -657,34 +657,34 @@ export interface EffectProperties {
     'random-colors'?: boolean;
     /**
      * One of the colours of the copies when random colours are off; black means unset.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#000000"`.
      */
-    'color-1'?: string | number;
+    'color-1'?: string;
     /**
      * One of the colours of the copies when random colours are off; black means unset.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#000000"`.
      */
-    'color-2'?: string | number;
+    'color-2'?: string;
     /**
      * One of the colours of the copies when random colours are off; black means unset.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#000000"`.
      */
-    'color-3'?: string | number;
+    'color-3'?: string;
     /**
      * One of the colours of the copies when random colours are off; black means unset.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#000000"`.
      */
-    'color-4'?: string | number;
+    'color-4'?: string;
     /**
      * One of the colours of the copies when random colours are off; black means unset.
-     * `"#rrggbb"` or 0xRRGGBB.
+     * `"#rrggbb"`.
      * Default: `"#000000"`.
      */
-    'color-5'?: string | number;
+    'color-5'?: string;
   };
   /** Blockhead: Squeezes the picture towards the middle, which makes a head look blocky. */
   'blockhead': NoProperties;
