@@ -34,3 +34,25 @@ endif()
 add_library(se_module_flags INTERFACE)
 target_compile_options(se_module_flags INTERFACE -ffp-contract=off)
 target_link_libraries(se_module_flags INTERFACE se_sanitizers)
+
+# The shared library `name` exports what the file `exports` lists: .map names patterns for ELF; .def names symbols for
+# Windows, and is left out where the sources mark them.
+function(se_shared_library name exports)
+    set_target_properties(${name} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR} LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
+        ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    if(WIN32)
+        set_target_properties(${name} PROPERTIES PREFIX "")
+        if(EXISTS ${exports}.def)
+            target_sources(${name} PRIVATE ${exports}.def)
+        endif()
+    else()
+        set_target_properties(${name} PROPERTIES LINK_DEPENDS ${exports}.map)
+        target_link_options(${name} PRIVATE LINKER:--version-script=${exports}.map)
+    endif()
+    # Clang puts the sanitizers' run-time library into programs only; a library refers to the program's.
+    if(NOT (SE_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
+        target_link_options(${name} PRIVATE LINKER:--no-undefined)
+    endif()
+endfunction()

@@ -8,7 +8,8 @@ string(REGEX REPLACE "/$" "" SE_PREFIX_FROM_PKGCONFIG "${SE_PREFIX_FROM_PKGCONFI
 # A library `name`, which is its target, its CMake package and its pkg-config file; its headers lie in or below
 # `include_folder`.
 function(se_install_library name description include_folder)
-    install(TARGETS ${name} EXPORT ${name}-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(TARGETS ${name} EXPORT ${name}-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     set(package ${CMAKE_INSTALL_LIBDIR}/cmake/${name})
     install(EXPORT ${name}-targets NAMESPACE ${name}:: DESTINATION ${package})
     set(SE_LIBRARY ${name})

@@ -10,10 +10,27 @@
 #include <cstddef>
 #include <cstdint>
 
-#if defined(_WIN32)
+// On Windows: exported while the DLL is built, imported by hosts, neither with SPECIALEFFECTS_STATIC.
+#if !defined(_WIN32)
+#define SPECIALEFFECTS_API __attribute__((visibility("default")))
+#elif defined(SPECIALEFFECTS_STATIC)
+#define SPECIALEFFECTS_API
+#elif defined(SPECIALEFFECTS_BUILDING)
 #define SPECIALEFFECTS_API __declspec(dllexport)
 #else
-#define SPECIALEFFECTS_API __attribute__((visibility("default")))
+#define SPECIALEFFECTS_API __declspec(dllimport)
+#endif
+
+// Declares the wide form of an operation in one slot and the narrow form in the next. Compilers for
+// Microsoft's ABI give overloads of one name neighbouring slots in the reverse order of their declarations.
+#if defined(_MSC_VER)
+#define SPECIALEFFECTS_WIDE_AND_NARROW(wide, narrow) \
+    narrow;                                          \
+    wide
+#else
+#define SPECIALEFFECTS_WIDE_AND_NARROW(wide, narrow) \
+    wide;                                            \
+    narrow
 #endif
 
 /// Outcome of an effect operation.
@@ -28,8 +45,9 @@ inline constexpr ResultCode kInvalidArgument = 0x80070057;
 inline constexpr ResultCode kFailure = 0x80004005;
 /// A format that the effect advertises but does not process.
 inline constexpr ResultCode kNotImplemented = 0x80004001;
-/// Memory ran out in `SetProperty`, `LoadSettings` or `ProcessFrame`. The effect has released its workspace,
-/// unless settings were only to be read: frames give kFailure until `Configure` succeeds.
+/// Memory ran out in `SetProperty`, `LoadSettings` or `ProcessFrame`; on Windows also in `Configure`. The
+/// effect has released its workspace, unless settings were only to be read: frames give kFailure until
+/// `Configure` succeeds.
 inline constexpr ResultCode kOutOfMemory = 0x8007000E;
 /// A text was cut to fit its buffer.
 inline constexpr ResultCode kTextTruncated = 0x8007007A;
@@ -136,19 +154,20 @@ class CInternalInfo {
   public:
     /// Slots 0 and 1. 1 when the whole name was copied; 0 when it was cut (the buffer is terminated all the
     /// same), when the size is 0 or above 0x7FFFFFFF, or when the buffer is null.
-    virtual int32_t GetName(WideChar* name, int32_t length) = 0;
-    virtual int32_t GetName(char* name, uint32_t size) = 0;
+    SPECIALEFFECTS_WIDE_AND_NARROW(virtual int32_t GetName(WideChar* name, int32_t length) = 0,
+                                   virtual int32_t GetName(char* name, uint32_t size) = 0);
 
     /// Slot 2. Rows of the property table.
     virtual int32_t GetPropCount() = 0;
 
     /// Slots 3 and 4. Copies the three texts of row `index`, each cut to fit; a null buffer or one of size 0
     /// is left out. None, and no buffer touched, for an index outside the table.
-    virtual PropTypeSet GetPropTypeInfo(int32_t index, WideChar* name, uint32_t nameLength,
-                                        WideChar* defaultText, uint32_t defaultLength, WideChar* range,
-                                        uint32_t rangeLength) = 0;
-    virtual PropTypeSet GetPropTypeInfo(int32_t index, char* name, uint32_t nameSize, char* defaultText,
-                                        uint32_t defaultSize, char* range, uint32_t rangeSize) = 0;
+    SPECIALEFFECTS_WIDE_AND_NARROW(
+        virtual PropTypeSet GetPropTypeInfo(int32_t index, WideChar* name, uint32_t nameLength,
+                                            WideChar* defaultText, uint32_t defaultLength, WideChar* range,
+                                            uint32_t rangeLength) = 0,
+        virtual PropTypeSet GetPropTypeInfo(int32_t index, char* name, uint32_t nameSize, char* defaultText,
+                                            uint32_t defaultSize, char* range, uint32_t rangeSize) = 0);
 
   protected:
     ~CInternalInfo() = default;
@@ -158,8 +177,8 @@ class CInternalInfo {
 ///
 /// Order of calls: `Configure`, any number of `ProcessFrame` with properties set in between, `Shutdown`.
 /// Properties may be set before `Configure` too; the effects whose `Configure` resets some say so.
-/// Text operations have a wide (UTF-16) and a narrow (UTF-8) form with the same result. Texts of 256 bytes or
-/// more are cut at a whole character.
+/// Text operations have a wide form (UTF-16) and a narrow one (UTF-8; on Windows the system's code page) with
+/// the same result. Texts of 256 bytes or more are cut at a whole character.
 class SPECIALEFFECTS_API CSpecialEffectFilter {
   public:
     CSpecialEffectFilter();
@@ -179,7 +198,8 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
     /// Slot 3. Stores the description and makes the workspace, after releasing an earlier one. A format code
     /// other than 0 or 2, or a size outside 1 to 16384, is stored and refused with kInvalidArgument, and
     /// leaves the effect without workspace. A null description is refused and changes nothing. Bulge, Fish
-    /// Eye and Blockhead answer kSuccess to all of these. Throws std::bad_alloc when memory runs out.
+    /// Eye and Blockhead answer kSuccess to all of these. When memory runs out: throws std::bad_alloc, but on
+    /// Windows, where host and module may come from different compilers, answers kOutOfMemory.
     virtual ResultCode Configure(StreamDescription* description) = 0;
 
     /// Slots 4 and 5. Two effects read the file at `Path`; all others answer kSuccess, to a null record too.
@@ -192,8 +212,8 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
     ///               of rectangles, x, y, width, height and weight of each with y from the window's bottom,
     ///               then its threshold and the values below it and from it on. kFailure for a null record;
     ///               otherwise kSuccess, and with a file that cannot be used no face is found.
-    virtual ResultCode LoadSettings(WideSettingsRecord* settings) = 0;
-    virtual ResultCode LoadSettings(SettingsRecord* settings) = 0;
+    SPECIALEFFECTS_WIDE_AND_NARROW(virtual ResultCode LoadSettings(WideSettingsRecord* settings) = 0,
+                                   virtual ResultCode LoadSettings(SettingsRecord* settings) = 0);
 
     /// Slot 6. Changes the frame in place. The planes must be as large as the configured size says; at an odd
     /// width or height chroma is width / 2 by height / 2, rounded down.
@@ -213,17 +233,19 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
     /// Slots 7 and 8. Property names match in any case; a value out of range is clamped, never refused. An
     /// unknown name, or a null record, name or value, is an invalid argument in an effect with properties;
     /// an effect without any answers 0 to everything.
-    virtual ResultCode SetProperty(WidePropertyRecord* property) = 0;
-    virtual ResultCode SetProperty(PropertyRecord* property) = 0;
+    SPECIALEFFECTS_WIDE_AND_NARROW(virtual ResultCode SetProperty(WidePropertyRecord* property) = 0,
+                                   virtual ResultCode SetProperty(PropertyRecord* property) = 0);
 
     /// Slots 9 and 10. Do nothing, with any record, null included: kSuccess, in Clouds kNotImplemented.
-    virtual ResultCode ApplyProperty(WidePropertyRecord* property, int32_t argument) = 0;
-    virtual ResultCode ApplyProperty(PropertyRecord* property, int32_t argument) = 0;
+    SPECIALEFFECTS_WIDE_AND_NARROW(virtual ResultCode ApplyProperty(WidePropertyRecord* property,
+                                                                    int32_t argument) = 0,
+                                   virtual ResultCode ApplyProperty(PropertyRecord* property,
+                                                                    int32_t argument) = 0);
 
     /// Slots 11 and 12. Writes the present value to `Value`, a buffer of 256 characters. The wide form writes
     /// `Name` back as well.
-    virtual ResultCode GetProperty(WidePropertyRecord* property) = 0;
-    virtual ResultCode GetProperty(PropertyRecord* property) = 0;
+    SPECIALEFFECTS_WIDE_AND_NARROW(virtual ResultCode GetProperty(WidePropertyRecord* property) = 0,
+                                   virtual ResultCode GetProperty(PropertyRecord* property) = 0);
 
     /// Slot 13. Releases the workspace; properties keep their values. Harmless when repeated.
     virtual ResultCode Shutdown() = 0;
@@ -236,11 +258,12 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
 
     /// Slots 16 to 18. Always 0 and None: ask the object that `GetInternalInfo` returns.
     virtual int32_t GetPropCount();
-    virtual PropTypeSet GetPropTypeInfo(int32_t index, WideChar* name, uint32_t nameLength,
-                                        WideChar* defaultText, uint32_t defaultLength, WideChar* range,
-                                        uint32_t rangeLength);
-    virtual PropTypeSet GetPropTypeInfo(int32_t index, char* name, uint32_t nameSize, char* defaultText,
-                                        uint32_t defaultSize, char* range, uint32_t rangeSize);
+    SPECIALEFFECTS_WIDE_AND_NARROW(
+        virtual PropTypeSet GetPropTypeInfo(int32_t index, WideChar* name, uint32_t nameLength,
+                                            WideChar* defaultText, uint32_t defaultLength, WideChar* range,
+                                            uint32_t rangeLength),
+        virtual PropTypeSet GetPropTypeInfo(int32_t index, char* name, uint32_t nameSize, char* defaultText,
+                                            uint32_t defaultSize, char* range, uint32_t rangeSize));
 
   protected:
     ~CSpecialEffectFilter() = default;
@@ -259,5 +282,7 @@ class SPECIALEFFECTS_API CROISpecialEffectFilter : public CSpecialEffectFilter {
   protected:
     ~CROISpecialEffectFilter() = default;
 };
+
+#undef SPECIALEFFECTS_WIDE_AND_NARROW
 
 #endif

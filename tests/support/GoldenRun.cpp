@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <vector>
 
@@ -100,10 +101,12 @@ bool WriteGoldens(const std::string& path, const GoldenTable& table) {
     return file.good();
 }
 
-TemporaryDirectory::TemporaryDirectory() : before_(std::filesystem::current_path()) {
-    std::string name = (std::filesystem::temp_directory_path() / "specialeffects-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) std::abort();
-    path_ = name;
+TemporaryDirectory::TemporaryDirectory() : before_(std::filesystem::current_path().string()) {
+    const std::filesystem::path temporary = std::filesystem::temp_directory_path();
+    std::random_device random;
+    do {
+        path_ = (temporary / ("specialeffects-" + std::to_string(random()))).string();
+    } while (!std::filesystem::create_directory(path_));
     std::filesystem::current_path(path_);
 }
 
