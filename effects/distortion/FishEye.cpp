@@ -2,53 +2,66 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <span>
 
+#include "effects/distortion/RadialMap.h"
 #include "effects/distortion/RemapTable.h"
 #include "framework/StreamRules.h"
 
 namespace {
 
-/// The source of a pixel; (0, 0) is the black pixel.
-struct Source {
-    float x, y;
+/// A lens: a disc, and the factor that it applies to the offset from the centre at a distance within it.
+struct Lens {
+    double centerX, centerY, radius;
+    double (*factor)(double distance, double radius);
 };
 
-/// The disc spans the shorter side of the picture, or the longer one if `large`.
-Source SphereMap(int32_t x, int32_t y, int32_t width, int32_t height, bool large) {
+double SphereFactor(double distance, double radius) {
     static const double twoOverPi = 1 / std::asin(1.0);
-    const double cx = width * 0.5, cy = height * 0.5;
-    const double radius = large ? std::max(cx, cy) : std::min(cx, cy);
-    const double dx = x - cx, dy = y - cy;
-    const double d = std::sqrt(dx * dx + dy * dy);
-    if (radius <= d) return {0, 0};
-    if (d == 0) return {static_cast<float>(cx), static_cast<float>(cy)};
-    const double k = (d / std::sqrt(radius * radius + radius * radius) + 1) * 0.5;
-    const double f = std::asin(d / radius) * k * twoOverPi * radius / d;
-    return {static_cast<float>(f * dx + cx), static_cast<float>(f * dy + cy)};
+    const double k = (distance / std::sqrt(radius * radius + radius * radius) + 1) * 0.5;
+    return std::asin(distance / radius) * k * twoOverPi * radius / distance;
 }
 
-/// Scales the distance from the centre, in whole pixels, by curve(distance / radius). The disc is as wide as
-/// the picture if `large`, otherwise as high.
-template <class Curve>
-Source CurveMap(int32_t x, int32_t y, int32_t width, int32_t height, bool large, Curve curve) {
-    const int32_t cx = width / 2, cy = height / 2;
-    const int32_t radius = large ? cx : cy;
-    const int32_t dx = x - cx, dy = y - cy;
-    const double d = std::sqrt(static_cast<double>(dx * dx + dy * dy));
-    if (d == 0) return {static_cast<float>(cx), static_cast<float>(cy)};
-    if (d >= radius) return {0, 0};
-    const double g = curve(d / radius);
-    return {static_cast<float>(g * dx + cx), static_cast<float>(g * dy + cy)};
+double CosineFactor(double distance, double radius) {
+    return std::cos(distance / radius);
 }
 
-template <class Map>
-void FillTable(const RemapTable& table, Map map) {
+double ArcCosineFactor(double distance, double radius) {
+    return std::acos(distance / radius);
+}
+
+/// Pixels beyond the disc have the source (0, 0), which is the black pixel.
+void FillTable(const RemapTable& table, const Lens& lens) {
+    const double cx = lens.centerX, cy = lens.centerY, radius = lens.radius;
+    const auto factor = lens.factor;
+    const auto setSource = [&](int32_t x, int32_t y, float sourceX, float sourceY) {
+        table.XRow(y)[x] = sourceX;
+        table.YRow(y)[x] = sourceY;
+    };
     for (int32_t y = 0; y < table.height; ++y) {
-        for (int32_t x = 0; x < table.width; ++x) {
-            const Source source = map(x, y);
-            table.XRow(y)[x] = source.x;
-            table.YRow(y)[x] = source.y;
-        }
+        std::fill_n(table.XRow(y), table.width, 0.0F);
+        std::fill_n(table.YRow(y), table.width, 0.0F);
+    }
+    const RadialFunction turns(radius, [&](double d) { return RadialTurn{factor(d, radius), 0}; });
+    MapRadially<float>(
+        {table.width, table.height, cx, cy, cx, cy}, turns,
+        [&](int32_t x, int32_t y) -> SourcePoint<float> {
+            const double dx = x - cx, dy = y - cy, d = std::sqrt(dx * dx + dy * dy);
+            if (d == 0) return {static_cast<float>(cx), static_cast<float>(cy)};
+            const double f = factor(d, radius);
+            return {static_cast<float>(f * dx + cx), static_cast<float>(f * dy + cy)};
+        },
+        [&](int32_t y, int32_t x, std::span<const SourcePoint<float>> sources) {
+            for (const SourcePoint<float>& source : sources) {
+                const double dx = x - cx, dy = y - cy;
+                if (dx * dx + dy * dy < radius * radius) setSource(x, y, source.x, source.y);
+                ++x;
+            }
+        });
+    const auto x = static_cast<int32_t>(cx), y = static_cast<int32_t>(cy);
+    if (x == cx && y == cy && x < table.width && y < table.height) {
+        setSource(x, y, static_cast<float>(cx), static_cast<float>(cy));
     }
 }
 
@@ -114,20 +127,21 @@ void CFishEyeSpecialEffectFilter::PaintFirstPixel(const ImageRecord& image) cons
 
 void CFishEyeSpecialEffectFilter::BuildRemapTable(float* xMap, float* yMap, int32_t width, int32_t height) {
     const RemapTable table{xMap, yMap, width, height};
+    // The sphere spans the shorter side of the picture, or the longer one if it is large. The discs of the
+    // other lenses are as high as the picture, or as wide, and lie on a whole pixel.
+    const double sphereX = width * 0.5, sphereY = height * 0.5;
+    const double sphereRadius = LargeSphere ? std::max(sphereX, sphereY) : std::min(sphereX, sphereY);
+    const int32_t centerX = width / 2, centerY = height / 2;
+    const int32_t radius = LargeSphere ? centerX : centerY;
     switch (EffectType) {
         case kSphere:
-            FillTable(table,
-                      [&](int32_t x, int32_t y) { return SphereMap(x, y, width, height, LargeSphere); });
+            FillTable(table, {sphereX, sphereY, sphereRadius, SphereFactor});
             break;
         case kCosine:
-            FillTable(table, [&](int32_t x, int32_t y) {
-                return CurveMap(x, y, width, height, LargeSphere, [](double t) { return std::cos(t); });
-            });
+            FillTable(table, {double(centerX), double(centerY), double(radius), CosineFactor});
             break;
         case kArcCosine:
-            FillTable(table, [&](int32_t x, int32_t y) {
-                return CurveMap(x, y, width, height, LargeSphere, [](double t) { return std::acos(t); });
-            });
+            FillTable(table, {double(centerX), double(centerY), double(radius), ArcCosineFactor});
             break;
     }
 }

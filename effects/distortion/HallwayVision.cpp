@@ -1,51 +1,50 @@
 #include "effects/distortion/HallwayVision.h"
 
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 #include "effects/distortion/Gather.h"
+#include "effects/distortion/RadialMap.h"
 #include "effects/distortion/RemapTable.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
 
 constexpr double kBend = 0.3;
-constexpr double kTwist = 0.0;  // radians at the centre; a design parameter of the picture
 
-/// The mapping at one distance from the centre: offsets are scaled by `stretch` and rotated by an angle.
-struct Bend {
-    double stretch, sine, cosine;
+/// The factor of the offset at a distance, as a fraction of the circle's radius.
+double Stretch(double r) {
+    return std::pow(std::sin(r * 3.1415926535 * 0.5), -kBend);
+}
 
-    /// `d2` is the distance squared, `R2` that of the circle.
-    Bend(double d2, double R2) {
-        const double r = std::sqrt(d2 / R2);
-        stretch = std::pow(std::sin(r * 3.1415926535 * 0.5), -kBend);
-        const double q = 1 - r;
-        const double angle = q * (kTwist * q);
-        sine = std::sin(angle);
-        cosine = std::cos(angle);
-    }
-};
+RadialFunction StretchWithin(double radius) {
+    return {radius, [radius](double d) { return RadialTurn{Stretch(d / radius), 0}; }};
+}
 
 /// Integer offsets from an integer centre. Only the flat index is clamped to the plane, not the column.
 GatherMap BuildMap(int32_t width, int32_t height) {
     const int32_t hw = width / 2, hh = height / 2, R2 = hh * hh, count = width * height;
     std::vector<uint32_t> indices(static_cast<size_t>(count));
-    for (int32_t y = 0; y < height; ++y) {
-        for (int32_t x = 0; x < width; ++x) {
-            const int32_t dx = x - hw, dy = y - hh, d2 = dx * dx + dy * dy, self = y * width + x;
-            int32_t source = self;
-            if (d2 != 0 && d2 <= R2) {
-                const Bend bend(d2, R2);
-                const double u = std::trunc(dx * bend.stretch), v = std::trunc(dy * bend.stretch);
-                const auto row = static_cast<int32_t>(u * bend.sine + hh + v * bend.cosine);
-                const auto column = static_cast<int32_t>(u * bend.cosine + hw - v * bend.sine);
-                source = row * width + column;
+    std::iota(indices.begin(), indices.end(), 0U);
+    MapRadially<int32_t>(
+        {width, height, double(hw), double(hh), 0, 0}, StretchWithin(hh),
+        [&](int32_t x, int32_t y) -> SourcePoint<int32_t> {
+            const int32_t dx = x - hw, dy = y - hh, d2 = dx * dx + dy * dy;
+            if (d2 == 0) return {0, 0};
+            const double stretch = Stretch(std::sqrt(double(d2) / double(R2)));
+            return {static_cast<int32_t>(dx * stretch), static_cast<int32_t>(dy * stretch)};
+        },
+        [&](int32_t y, int32_t x, std::span<const SourcePoint<int32_t>> offsets) {
+            for (const SourcePoint<int32_t>& offset : offsets) {
+                const int32_t dx = x - hw, dy = y - hh;
+                const int32_t source = (hh + offset.y) * width + hw + offset.x;
+                if (dx * dx + dy * dy <= R2 && source >= 0 && source < count) {
+                    indices[static_cast<size_t>(y * width + x)] = static_cast<uint32_t>(source);
+                }
+                ++x;
             }
-            indices[static_cast<size_t>(self)] =
-                static_cast<uint32_t>(source >= 0 && source < count ? source : self);
-        }
-    }
+        });
     return MakeGatherMap(indices, width);
 }
 
@@ -54,20 +53,24 @@ void FillTable(const RemapTable& table) {
     table.FillIdentity();
     const double cx = 0.5 * table.width, cy = 0.5 * table.height, R2 = cy * cy;
     const double lastIndex = static_cast<double>(table.width) * table.height - 1;
-    for (int32_t y = 0; y < table.height; ++y) {
-        for (int32_t x = 0; x < table.width; ++x) {
+    MapRadially<float>(
+        {table.width, table.height, cx, cy, cx, cy}, StretchWithin(cy),
+        [&](int32_t x, int32_t y) -> SourcePoint<float> {
             const double dx = x - cx, dy = y - cy, d2 = dx * dx + dy * dy;
-            if (d2 == 0 || d2 > R2) continue;
-            const Bend bend(d2, R2);
-            const double u = dx * bend.stretch, v = dy * bend.stretch;
-            const auto row = static_cast<float>(u * bend.sine + cy + v * bend.cosine);
-            const auto column = static_cast<float>(u * bend.cosine + cx - v * bend.sine);
-            const double index = std::trunc(table.width * double{row} + double{column});
-            if (index < 0 || index > lastIndex) continue;
-            table.XRow(y)[x] = column;
-            table.YRow(y)[x] = row;
-        }
-    }
+            const double stretch = d2 == 0 ? 1 : Stretch(std::sqrt(d2 / R2));
+            return {static_cast<float>(dx * stretch + cx), static_cast<float>(dy * stretch + cy)};
+        },
+        [&](int32_t y, int32_t x, std::span<const SourcePoint<float>> sources) {
+            for (const SourcePoint<float>& source : sources) {
+                const double dx = x - cx, dy = y - cy;
+                const double index = std::trunc(table.width * double{source.y} + double{source.x});
+                if (dx * dx + dy * dy <= R2 && index >= 0 && index <= lastIndex) {
+                    table.XRow(y)[x] = source.x;
+                    table.YRow(y)[x] = source.y;
+                }
+                ++x;
+            }
+        });
 }
 
 }  // namespace
