@@ -140,6 +140,15 @@ check-python:
 	LD_LIBRARY_PATH=$(CURDIR)/$(RELEASE) PYTHONPATH=$(CURDIR)/bridges/python PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 -m pytest \
 	    -c bridges/python/pyproject.toml --rootdir tests/bridges/python tests/bridges/python
 
+## web        libsfx for browsers and Node, in build/web
+.PHONY: web
+web:
+	@tools/setup.sh web
+	cmake --preset wasm
+	cmake --build --preset wasm
+	cmake --preset wasm-baseline
+	cmake --build --preset wasm-baseline
+
 ## bench      times of every primitive and effect, as tables and in build/*.csv
 bench:
 	@tools/setup.sh build check bench

@@ -56,3 +56,13 @@ function(se_shared_library name exports)
         target_link_options(${name} PRIVATE LINKER:--no-undefined)
     endif()
 endfunction()
+
+# WebAssembly: C++ exceptions by its own instructions, in the form that all browsers have. Nothing is loaded at another
+# address. The compiler finds the target's name deprecated, but Debian's packages have it so.
+if(WASI)
+    set(CMAKE_CXX_COMPILE_OPTIONS_PIC "")
+    option(SE_WASM_SIMD "Use 128-bit vectors" ON)
+    add_compile_options($<$<BOOL:${SE_WASM_SIMD}>:-msimd128> $<$<COMPILE_LANGUAGE:CXX>:-fwasm-exceptions>
+        "SHELL:-mllvm -wasm-use-legacy-eh" -Wno-deprecated)
+    add_link_options(-Wno-deprecated)
+endif()
