@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <optional>
+#include <utility>
 
+#include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 #include "imaging/Simd.h"
 
@@ -46,6 +47,45 @@ constexpr uint32_t kSingle = kScatteredTile + 1;
 constexpr uint32_t kStretch1 = kSingle + 1;
 constexpr uint32_t kStretch3 = kStretch1 + 1;
 constexpr uint32_t kKinds = kStretch3 + 1;
+
+/// Entries of four blocks, side by side.
+using FourEntries = int32_t __attribute__((vector_size(16)));
+using SortedSources = std::array<FourEntries, kBlockPixels>;
+
+/// Sources from this one on leave no room for the number of a pixel below them.
+constexpr size_t kMostSortable = size_t{1} << 27;
+
+/// Compare-exchanges of Batcher's odd-even merge sort of sixteen entries.
+struct Exchange {
+    size_t low, high;
+};
+
+constexpr std::array<Exchange, 63> kSortingNetwork = [] {
+    std::array<Exchange, 63> network{};
+    size_t count = 0;
+    for (size_t p = 1; p < kBlockPixels; p *= 2) {
+        for (size_t k = p; k >= 1; k /= 2) {
+            for (size_t i = k % p; i + k < kBlockPixels; ++i) {
+                const bool upper = (i - k % p) / k % 2 != 0;
+                if (!upper && i / (2 * p) == (i + k) / (2 * p)) network[count++] = {i, i + k};
+            }
+        }
+    }
+    return network;
+}();
+
+SE_INLINE void Sort(FourEntries& low, FourEntries& high) {
+    const FourEntries inOrder = low < high;
+    const FourEntries larger = (high & inOrder) | (low & ~inOrder);
+    low = (low & inOrder) | (high & ~inOrder);
+    high = larger;
+}
+
+/// Sorts the entries of each block.
+template <size_t... exchange>
+void SortBlocks(SortedSources& sources, std::index_sequence<exchange...>) {
+    (Sort(sources[kSortingNetwork[exchange].low], sources[kSortingNetwork[exchange].high]), ...);
+}
 
 }  // namespace
 
@@ -107,20 +147,25 @@ class GatherCompiler {
         std::array<uint32_t, kBlockPixels> sources;
     };
 
-    /// The windows that hold the sources of a block, and the picks from them.
+    /// The windows that hold the sources of a block, and the picks from them. No pair if they are too far
+    /// apart.
     struct Cover {
         size_t pairs;
         std::array<uint32_t, kMaxWindows> windows;
         std::array<uint8_t, kBlockPixels> picks;
     };
 
-    Block MakeBlock(Shape shape, int32_t x, int32_t y) const {
-        Block block{shape, static_cast<uint32_t>(Place(x, y)), {}};
-        for (int32_t i = 0; i < kBlockPixels; ++i) {
-            block.sources[static_cast<size_t>(i)] =
-                index_[shape == Shape::kRow ? Place(x + i, y) : Place(x + i % 4, y + i / 4)];
+    void FillBlock(Shape shape, int32_t x, int32_t y, Block& block) const {
+        block.shape = shape;
+        block.target = static_cast<uint32_t>(Place(x, y));
+        if (shape == Shape::kRow) {
+            std::memcpy(block.sources.data(), &index_[Place(x, y)], sizeof block.sources);
+        } else {
+            for (int32_t row = 0; row < 4; ++row) {
+                std::memcpy(&block.sources[static_cast<size_t>(4 * row)], &index_[Place(x, y + row)],
+                            4 * sizeof(uint32_t));
+            }
         }
-        return block;
     }
 
     size_t Place(int32_t x, int32_t y) const {
@@ -129,68 +174,87 @@ class GatherCompiler {
 
     bool Kept(uint32_t source) const { return source >= srcPixels_; }
 
-    /// Nothing where the sources are too far apart, or a pixel is kept.
-    std::optional<Cover> FindCover(const Block& block) const {
-        // The sources in rising order, each with the number of its pixel in the low four bits.
-        std::array<uint64_t, kBlockPixels> order;
-        for (size_t i = 0; i < order.size(); ++i) order[i] = uint64_t{block.sources[i]} << 4 | i;
-        std::sort(order.begin(), order.end());
-        if (order.back() >> 4 >= srcPixels_) return std::nullopt;
-
-        Cover cover{};
+    /// Finds the cover of the block in lane `lane`. Its entries hold the number of a pixel below its source.
+    void FindCover(const SortedSources& sorted, size_t lane, Cover& cover) const {
+        const auto lastWindow = static_cast<uint32_t>(srcPixels_ - kWindowBytes);
+        cover.pairs = 0;
         size_t windows = 0;
-        for (const uint64_t entry : order) {
-            const auto source = static_cast<uint32_t>(entry >> 4);
-            if (windows == 0 || source - cover.windows[windows - 1] >= kWindowBytes) {
-                if (windows == kMaxWindows) return std::nullopt;
-                cover.windows[windows++] = std::min(source, static_cast<uint32_t>(srcPixels_ - kWindowBytes));
+        uint32_t window = 0;
+        for (const FourEntries& entries : sorted) {
+            const auto entry = static_cast<uint32_t>(entries[lane]), source = entry >> 4;
+            if (windows == 0 || source - window >= kWindowBytes) {
+                if (windows == kMaxWindows) return;
+                window = std::min(source, lastWindow);
+                cover.windows[windows++] = window;
             }
-            const size_t window = windows - 1;
-            cover.picks[entry & 15] = static_cast<uint8_t>((window / 2) << 4 | (window % 2) << 3 |
-                                                           (source - cover.windows[window]));
+            // Windows that follow each other are the halves of a pair, so the pick is the first place of the
+            // window plus the place in it.
+            cover.picks[entry & 15] = static_cast<uint8_t>(kWindowBytes * (windows - 1) + source - window);
         }
+        if (windows % 2 != 0) cover.windows[windows] = 0;
         cover.pairs = (windows + 1) / 2;
-        return cover;
     }
 
     /// Four blocks that make up a cell, and how they are fetched.
     struct Cell {
         std::array<Block, 4> blocks;
-        std::array<std::optional<Cover>, 4> covers;
-        int cost = 0;  // roughly in instructions
+        std::array<Cover, 4> covers;
+        int cost;  // roughly in instructions
     };
 
-    Cell MakeCell(Shape shape, int32_t x, int32_t y) const {
+    void MakeCell(Shape shape, int32_t x, int32_t y, Cell& cell) const {
         const int storeCost = shape == Shape::kRow ? 1 : 7;
-        Cell cell;
-        for (int32_t i = 0; i < 4; ++i) {
-            const auto at = static_cast<size_t>(i);
-            cell.blocks[at] =
-                shape == Shape::kRow ? MakeBlock(shape, x, y + i) : MakeBlock(shape, x + 4 * i, y);
-            cell.covers[at] = FindCover(cell.blocks[at]);
-            cell.cost += storeCost + (cell.covers[at] ? 8 * static_cast<int>(cell.covers[at]->pairs) : 48);
+        SortedSources sorted;
+        std::array<bool, 4> coverable;
+        for (size_t i = 0; i < 4; ++i) {
+            const auto step = static_cast<int32_t>(i);
+            Block& block = cell.blocks[i];
+            if (shape == Shape::kRow) {
+                FillBlock(shape, x, y + step, block);
+            } else {
+                FillBlock(shape, x + 4 * step, y, block);
+            }
+            uint32_t largest = 0;
+            for (uint32_t k = 0; k < kBlockPixels; ++k) {
+                const uint32_t source = block.sources[k];
+                largest = std::max(largest, source);
+                sorted[k][i] = static_cast<int32_t>(source << 4 | k);
+            }
+            coverable[i] = largest < std::min(srcPixels_, kMostSortable);
         }
-        return cell;
+        SortBlocks(sorted, std::make_index_sequence<kSortingNetwork.size()>());
+        cell.cost = 0;
+        for (size_t i = 0; i < 4; ++i) {
+            Cover& cover = cell.covers[i];
+            cover.pairs = 0;
+            if (coverable[i]) FindCover(sorted, i, cover);
+            cell.cost += storeCost + (cover.pairs > 0 ? 8 * static_cast<int>(cover.pairs) : 48);
+        }
     }
 
     void CompileCell(int32_t x, int32_t y) {
         constexpr int kBestTileCost = 4 * (7 + 8 * 2);
-        Cell cell = MakeCell(Shape::kRow, x, y);
-        if (cell.cost > kBestTileCost) {
-            const Cell tiles = MakeCell(Shape::kTile, x, y);
-            if (tiles.cost < cell.cost) cell = tiles;
+        Cell rows, tiles;
+        MakeCell(Shape::kRow, x, y, rows);
+        if (rows.cost > kBestTileCost) {
+            MakeCell(Shape::kTile, x, y, tiles);
+            if (tiles.cost < rows.cost) return EmitCell(tiles);
         }
+        EmitCell(rows);
+    }
+
+    void EmitCell(const Cell& cell) {
         for (size_t i = 0; i < 4; ++i) Emit(cell.blocks[i], cell.covers[i]);
     }
 
-    void Emit(const Block& block, const std::optional<Cover>& cover) {
-        if (cover) {
-            std::vector<uint32_t>& words = Append(ShuffledKind(cover->pairs, block.shape));
+    void Emit(const Block& block, const Cover& cover) {
+        if (cover.pairs > 0) {
+            std::vector<uint32_t>& words = Append(ShuffledKind(cover.pairs, block.shape));
             words.push_back(block.target);
-            words.insert(words.end(), cover->windows.begin(),
-                         cover->windows.begin() + 2 * static_cast<ptrdiff_t>(cover->pairs));
+            words.insert(words.end(), cover.windows.begin(),
+                         cover.windows.begin() + 2 * static_cast<ptrdiff_t>(cover.pairs));
             std::array<uint32_t, 4> picks;
-            std::memcpy(picks.data(), cover->picks.data(), sizeof picks);
+            std::memcpy(picks.data(), cover.picks.data(), sizeof picks);
             words.insert(words.end(), picks.begin(), picks.end());
         } else if (std::none_of(block.sources.begin(), block.sources.end(),
                                 [this](uint32_t source) { return Kept(source); })) {
@@ -329,6 +393,7 @@ void GatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t src
     Release();
     if (width < 1 || index.size() < static_cast<size_t>(width)) return;
     width_ = width;
+    words_.reserve(index.size() / 4 * 3);  // what most maps need
     GatherCompiler compiler(*this, index, width, srcPixels);
     const bool wholeRows = index.size() % static_cast<size_t>(width) == 0;
     if (simd::HasAvx2() && pixelBytes == 1 && wholeRows && width >= kCellWidth &&
@@ -337,7 +402,7 @@ void GatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t src
     } else {
         compiler.CompileStretches(pixelBytes);
     }
-    words_.shrink_to_fit();
+    if (words_.capacity() / 2 > words_.size()) words_.shrink_to_fit();
     runs_.shrink_to_fit();
 }
 

