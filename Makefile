@@ -6,9 +6,9 @@ RELEASE := build/release
 INSTALLED ?= build/installed.txt
 
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64
 
-.PHONY: build install install-gstreamer install-frei0r uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
+.PHONY: build arm64 install install-gstreamer install-frei0r uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
 ## build      the library and the program, in build/release
 build:
@@ -59,6 +59,11 @@ dist:
 demo: build
 	@tools/setup.sh demo
 	tools/make_demo.sh $(RELEASE) build/demo
+
+## arm64      both libraries and the tests for 64-bit ARM, cross-built, in build/arm64
+arm64:
+	@tools/setup.sh arm64
+	$(call build_tests,arm64,all)
 
 # build_tests builds a preset's targets; run_tests runs its tests with options of ctest. Failed tests run again, so that
 # their output comes last.
@@ -148,6 +153,12 @@ web:
 	cmake --build --preset wasm
 	cmake --preset wasm-baseline
 	cmake --build --preset wasm-baseline
+
+# The libraries on an emulated 64-bit ARM processor: golden frames of two sizes, kernels, the binary interface.
+check-arm64:
+	@tools/setup.sh arm64
+	$(call build_tests,arm64,specialeffects sfx golden_tests check_kernels abi_host)
+	$(call run_tests,arm64,-R 'GoldenWithLibrarysRand|check_kernels|abi|exports' -E sizes)
 
 ## bench      times of every primitive and effect, as tables and in build/*.csv
 bench:
