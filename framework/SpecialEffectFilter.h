@@ -136,7 +136,7 @@ enum class PropTypeSet : int32_t {
     Color = 6,    ///< "red,green,blue", each 0 to 255
 };
 
-#if defined(__x86_64__) || defined(_M_X64)
+#if defined(__LP64__) || defined(_WIN64)
 static_assert(sizeof(StreamDescription) == 16 && offsetof(StreamDescription, Format) == 12);
 static_assert(sizeof(ImageRecord) == 48 && offsetof(ImageRecord, Plane) == 8 &&
               offsetof(ImageRecord, Reserved) == 32 && offsetof(ImageRecord, PlaneSize) == 36);
