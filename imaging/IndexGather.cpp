@@ -7,7 +7,7 @@
 
 #include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
-#include "imaging/Simd.h"
+#include "imaging/Vector128.h"
 
 // A map is compiled into blocks, each a few 32-bit words:
 //
@@ -331,47 +331,47 @@ const uint32_t* RunScattered(const uint32_t* words, uint32_t count, const uint8_
     return words;
 }
 
-#if SE_AVX2
+#if SE_PICK
 
-SE_TARGET_AVX2 inline __m128i LoadPair(const uint8_t* src, const uint32_t* windows) {
-    const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src + windows[0]));
-    const __m128i high = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src + windows[1]));
-    return _mm_unpacklo_epi64(low, high);
-}
+using vector128::Bytes;
+using vector128::Ints;
 
-/// The bytes that the picks take from pair number `pair`, 0 where they name another.
-SE_TARGET_AVX2 inline __m128i PickFrom(__m128i bytes, __m128i picks, int pair) {
-    const __m128i own = _mm_xor_si128(picks, _mm_set1_epi8(static_cast<char>(pair << 4)));
-    // Now 0 to 15 for this pair and from 16 on for the others, and those get the bit that shuffles in a 0.
-    return _mm_shuffle_epi8(bytes, _mm_add_epi8(own, _mm_set1_epi8(0x70)));
+/// Two windows.
+SE_PICK_TARGET SE_INLINE Bytes LoadPair(const uint8_t* src, const uint32_t* windows) {
+    return vector128::LoadHalves(src + windows[0], src + windows[1]);
 }
 
 template <Shape shape>
-SE_TARGET_AVX2 inline void StoreBlock(__m128i pixels, uint8_t* out, ptrdiff_t width) {
+SE_PICK_TARGET SE_INLINE void StoreBlock(Bytes pixels, uint8_t* out, ptrdiff_t width) {
     if constexpr (shape == Shape::kRow) {
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), pixels);
+        vector128::Store(out, pixels);
     } else {
-        const std::array<int, 4> rows{_mm_cvtsi128_si32(pixels), _mm_extract_epi32(pixels, 1),
-                                      _mm_extract_epi32(pixels, 2), _mm_extract_epi32(pixels, 3)};
-        for (size_t y = 0; y < 4; ++y) std::memcpy(out + static_cast<ptrdiff_t>(y) * width, &rows[y], 4);
+        const auto rows = reinterpret_cast<Ints>(pixels);
+#pragma GCC unroll 4
+        for (int y = 0; y < 4; ++y) {
+            const int32_t row = rows[y];
+            std::memcpy(out + y * width, &row, 4);
+        }
     }
 }
 
 template <size_t pairs, Shape shape>
-SE_TARGET_AVX2 const uint32_t* RunShuffled(const uint32_t* words, uint32_t count, const uint8_t* src,
+SE_PICK_TARGET const uint32_t* RunShuffled(const uint32_t* words, uint32_t count, const uint8_t* src,
                                            uint8_t* dst, ptrdiff_t width) {
     constexpr size_t kWords = 1 + 2 * pairs + 4;
     for (; count > 0; --count, words += kWords) {
         const uint32_t* const windows = words + 1;
-        const __m128i picks = _mm_loadu_si128(reinterpret_cast<const __m128i*>(windows + 2 * pairs));
-        __m128i pixels;
+        Bytes picks;
+        std::memcpy(&picks, windows + 2 * pairs, sizeof picks);
+        Bytes pixels;
         if constexpr (pairs == 1) {
-            pixels = _mm_shuffle_epi8(LoadPair(src, windows), picks);
+            pixels = vector128::Pick(LoadPair(src, windows), picks);
         } else {
-            pixels = PickFrom(LoadPair(src, windows), picks, 0);
+            pixels = vector128::PickOrZero(LoadPair(src, windows), picks);
             for (size_t p = 1; p < pairs; ++p) {
-                pixels = _mm_or_si128(pixels,
-                                      PickFrom(LoadPair(src, windows + 2 * p), picks, static_cast<int>(p)));
+                // Only the picks of this pair stay below 16.
+                const Bytes own = picks ^ static_cast<uint8_t>(p << 4);
+                pixels |= vector128::PickOrZero(LoadPair(src, windows + 2 * p), own);
             }
         }
         StoreBlock<shape>(pixels, dst + words[0], width);
@@ -396,7 +396,7 @@ void GatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t src
     words_.reserve(index.size() / 4 * 3);  // what most maps need
     GatherCompiler compiler(*this, index, width, srcPixels);
     const bool wholeRows = index.size() % static_cast<size_t>(width) == 0;
-    if (simd::HasAvx2() && pixelBytes == 1 && wholeRows && width >= kCellWidth &&
+    if (vector128::HasPick() && pixelBytes == 1 && wholeRows && width >= kCellWidth &&
         index.size() / static_cast<size_t>(width) >= kCellHeight && srcPixels >= kWindowBytes) {
         compiler.CompileBlocks();
     } else {
@@ -415,7 +415,7 @@ void GatherMap::Apply(const uint8_t* src, uint8_t* dst) const {
     const uint32_t* words = words_.data();
     const ptrdiff_t width = width_;
     for (const auto& [kind, count] : runs_) switch (kind) {
-#if SE_AVX2
+#if SE_PICK
             case ShuffledKind(1, Shape::kRow):
                 words = RunShuffled<1, Shape::kRow>(words, count, src, dst, width);
                 break;

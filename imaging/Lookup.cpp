@@ -2,6 +2,7 @@
 
 #include "imaging/PerLevel.h"
 #include "imaging/Simd.h"
+#include "imaging/Vector128.h"
 
 namespace {
 
@@ -88,6 +89,27 @@ SE_TARGET_AVX512VBMI void LookupAvx512Vbmi(const uint8_t* table, const uint8_t* 
     }
 }
 
+#elif defined(__aarch64__)
+
+/// A quarter of the table is looked up at a time; an index outside it leaves what is there.
+void LookupNeon(const uint8_t* table, const uint8_t* src, uint8_t* dst, size_t count) {
+    const uint8x16x4_t quarters[4] = {vld1q_u8_x4(table), vld1q_u8_x4(table + 64), vld1q_u8_x4(table + 128),
+                                      vld1q_u8_x4(table + 192)};
+    const uint8x16_t step = vdupq_n_u8(64);
+    size_t i = 0;
+    for (; i + 16 <= count; i += 16) {
+        uint8x16_t index = vld1q_u8(src + i);
+        uint8x16_t entries = vqtbl4q_u8(quarters[0], index);
+#pragma GCC unroll 3
+        for (int k = 1; k < 4; ++k) {
+            index = vsubq_u8(index, step);
+            entries = vqtbx4q_u8(entries, quarters[k], index);
+        }
+        vst1q_u8(dst + i, entries);
+    }
+    LookupEach(table, src + i, dst + i, count - i);
+}
+
 #endif
 
 }  // namespace
@@ -102,6 +124,9 @@ void LookupBytes(const uint8_t* table, const uint8_t* src, uint8_t* dst, size_t 
         LookupAvx2(table, src, dst, count);
         return;
     }
+#elif defined(__aarch64__)
+    LookupNeon(table, src, dst, count);
+    return;
 #endif
     LookupEach(table, src, dst, count);
 }

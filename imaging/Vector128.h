@@ -13,6 +13,25 @@
 #include <cstring>
 
 #include "imaging/PerLevel.h"
+#include "imaging/Simd.h"
+
+// Permutations of bytes whose order is known at run time only. SE_PICK says that the architecture has them.
+// On x86-64 the baseline does not: functions with them are marked SE_PICK_TARGET and called when
+// `vector128::HasPick()`.
+#if SE_AVX2
+#define SE_PICK 1
+#define SE_PICK_TARGET SE_TARGET_AVX2
+#elif defined(__aarch64__)
+#define SE_PICK 1
+#define SE_PICK_TARGET
+#include <arm_neon.h>
+#elif defined(__wasm_simd128__)
+#define SE_PICK 1
+#define SE_PICK_TARGET
+#include <wasm_simd128.h>
+#else
+#define SE_PICK 0
+#endif
 
 namespace vector128 {
 
@@ -34,6 +53,55 @@ SE_INLINE Bytes LoadHalf(const uint8_t* p) {
     std::memcpy(&half, p, sizeof half);
     return reinterpret_cast<Bytes>(Longs{half, 0});
 }
+
+/// Eight bytes from each of two places.
+SE_INLINE Bytes LoadHalves(const uint8_t* low, const uint8_t* high) {
+    Longs halves;
+    std::memcpy(&halves, low, 8);
+    uint64_t upper = 0;
+    std::memcpy(&upper, high, 8);
+    halves[1] = upper;
+    return reinterpret_cast<Bytes>(halves);
+}
+
+#if SE_PICK
+
+/// Whether the current level has permutations.
+inline bool HasPick() {
+    return SE_AVX2 == 0 || simd::HasAvx2();
+}
+
+/// from[picks[i]] for picks below 16, and 0 for those with the top bit.
+SE_PICK_TARGET SE_INLINE Bytes Pick(Bytes from, Bytes picks) {
+#if SE_AVX2
+    return reinterpret_cast<Bytes>(
+        _mm_shuffle_epi8(reinterpret_cast<__m128i>(from), reinterpret_cast<__m128i>(picks)));
+#elif defined(__aarch64__)
+    return vqtbl1q_u8(from, picks);
+#else
+    return reinterpret_cast<Bytes>(
+        wasm_i8x16_swizzle(reinterpret_cast<v128_t>(from), reinterpret_cast<v128_t>(picks)));
+#endif
+}
+
+/// The same with 0 for all picks from 16 on.
+SE_PICK_TARGET SE_INLINE Bytes PickOrZero(Bytes from, Bytes picks) {
+#if SE_AVX2
+    // The others get the top bit.
+    return Pick(
+        from, reinterpret_cast<Bytes>(_mm_adds_epu8(reinterpret_cast<__m128i>(picks), _mm_set1_epi8(0x70))));
+#else
+    return Pick(from, picks);
+#endif
+}
+
+#else
+
+constexpr bool HasPick() {
+    return false;
+}
+
+#endif
 
 SE_INLINE Floats LoadFloats(const float* p) {
     Floats v;
@@ -78,6 +146,24 @@ SE_INLINE Floats LowToFloats(Words v) {
 SE_INLINE Floats HighToFloats(Words v) {
     return __builtin_convertvector(reinterpret_cast<Ints>(InterleaveHigh(v, Words{})), Floats);
 }
+
+#if defined(__aarch64__)
+
+/// The channels of 16 packed pixels of three bytes each.
+SE_INLINE void SplitPixels(const uint8_t* src, uint8_t* c0, uint8_t* c1, uint8_t* c2) {
+    const uint8x16x3_t channels = vld3q_u8(src);
+    Store(c0, channels.val[0]);
+    Store(c1, channels.val[1]);
+    Store(c2, channels.val[2]);
+}
+
+/// Packs the channels of 16 pixels to 48 bytes.
+SE_INLINE void JoinPixels(const uint8_t* c0, const uint8_t* c1, const uint8_t* c2, uint8_t* dst) {
+    const uint8x16x3_t channels = {{Load(c0), Load(c1), Load(c2)}};
+    vst3q_u8(dst, channels);
+}
+
+#else
 
 /// The channels of 16 packed pixels of three bytes each.
 SE_INLINE void SplitPixels(const uint8_t* src, uint8_t* c0, uint8_t* c1, uint8_t* c2) {
@@ -124,6 +210,8 @@ SE_INLINE void JoinPixels(const uint8_t* c0, const uint8_t* c1, const uint8_t* c
     StorePixels(dst + 24, InterleaveLow(highAB, highC), true);
     StorePixels(dst + 36, InterleaveHigh(highAB, highC), false);
 }
+
+#endif
 
 }  // namespace vector128
 
