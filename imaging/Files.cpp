@@ -5,8 +5,9 @@
 namespace files {
 
 bool Exists(const char* path) {
+    // Some C libraries take an empty path for the current folder.
     struct stat status {};
-    return stat(path, &status) == 0;
+    return *path != '\0' && stat(path, &status) == 0;
 }
 
 std::optional<uint64_t> RegularFileSize(const char* path) {
