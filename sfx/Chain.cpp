@@ -130,15 +130,26 @@ void sfx_effect::SetDefaults() {
 
 void sfx_effect::LoadSettings(const std::string& path) {
     const Lock lock(mutex_);
-    bool taken = false;
+    // All links take the file, or none does.
+    std::vector<std::pair<Link*, Link>> clones;
     for (Link& link : links_) {
         if (link.TakesSettingsFile()) {
-            link.LoadSettings(path);
-            taken = true;
+            clones.emplace_back(&link, link.CloneWithSettingsFile(path));
         }
     }
-    if (!taken) {
+    if (clones.empty()) {
         throw Failure{Tell(SFX_ERROR_UNKNOWN, "no effect in the row takes a settings file")};
+    }
+    try {
+        for (const auto& [link, clone] : clones) {
+            link->LoadSettingsOf(clone);
+        }
+    } catch (...) {
+        Stop();  // some have read it; all start anew with the settings from before
+        throw;
+    }
+    for (auto& [link, clone] : clones) {
+        link->AdoptSettings(std::move(clone));
     }
 }
 

@@ -111,12 +111,12 @@ const char* Link::Start(int32_t width, int32_t height, uint32_t seed, const std:
     const SurroundingsScope scope(*surroundings_);
     filter_ = Effect().Create();
     // Before, since some effects build tables from them, and after, since some start over with their own.
-    ApplySettings();
+    ApplySettings(*filter_);
     Configure(*filter_, Effect().info.id, width, height);
     if (!settingsFile_.empty()) {
         LoadSettingsFile(*filter_, settingsFile_);
     }
-    ApplySettings();
+    ApplySettings(*filter_);
     isFresh_ = true;
     return surroundings_->IsDataMissing() ? Effect().info.data_file : nullptr;
 }
@@ -168,42 +168,66 @@ void Link::SetDefaults() {
     text_.settings.assign(text_.settings.size(), std::nullopt);
 }
 
-void Link::ApplySettings() {
-    for (size_t i = 0; i < text_.settings.size(); ++i) {
-        if (text_.settings[i]) {
-            Effect().properties[i].Set(*filter_, *text_.settings[i]);
-        }
-    }
-}
-
 bool Link::TakesSettingsFile() const {
     // Those that do refuse a null record; all others accept anything.
     return Effect().Create()->LoadSettings(static_cast<SettingsRecord*>(nullptr)) != kSuccess;
 }
 
-void Link::LoadSettings(const std::string& path) {
-    const Filter own = filter_ == nullptr ? Effect().Create() : nullptr;
-    CSpecialEffectFilter& filter = own != nullptr ? *own : *filter_;
+Link Link::CloneWithSettingsFile(const std::string& path) const {
+    Link clone = Clone();
+    clone.settingsFile_ = path;
     MakerSurroundings none{std::string()};
-    const SurroundingsScope scope(surroundings_ != nullptr ? static_cast<Surroundings&>(*surroundings_)
-                                                           : none);
-    std::vector<int32_t> before;
-    for (const PropertyEntry& property : Effect().properties) {
-        before.push_back(property.Get(filter));
+    const SurroundingsScope scope(none);
+    const Filter filter = Effect().Create();
+    clone.ApplySettings(*filter);
+    const auto values = [&] {
+        std::vector<int32_t> all;
+        for (const PropertyEntry& property : Effect().properties) {
+            all.push_back(property.Get(*filter));
+        }
+        return all;
+    };
+    const std::vector<int32_t> before = values();
+    clone.ReadSettingsFile(*filter);
+    const std::vector<int32_t> after = values();
+    for (size_t i = 0; i < after.size(); ++i) {
+        if (after[i] != before[i]) {
+            clone.text_.settings[i] = after[i];
+        }
     }
-    const ResultCode code = LoadSettingsFile(filter, path);
+    return clone;
+}
+
+void Link::LoadSettingsOf(const Link& clone) {
+    if (filter_ != nullptr) {
+        const SurroundingsScope scope(*surroundings_);
+        clone.ReadSettingsFile(*filter_);
+        clone.ApplySettings(*filter_);  // since some effects start over with their own
+        isFresh_ = true;
+    }
+}
+
+void Link::AdoptSettings(Link&& clone) noexcept {
+    text_ = std::move(clone.text_);
+    settingsFile_ = std::move(clone.settingsFile_);
+}
+
+void Link::ApplySettings(CSpecialEffectFilter& filter) const {
+    for (size_t i = 0; i < text_.settings.size(); ++i) {
+        if (text_.settings[i]) {
+            Effect().properties[i].Set(filter, *text_.settings[i]);
+        }
+    }
+}
+
+void Link::ReadSettingsFile(CSpecialEffectFilter& filter) const {
+    const ResultCode code = LoadSettingsFile(filter, settingsFile_);
     if (code == kOutOfMemory) {
         throw std::bad_alloc();
     }
     if (code != kSuccess) {
-        throw Failure{
-            Tell(SFX_ERROR_FILE, "%s does not take the settings file %s", Effect().info.id, path.c_str())};
-    }
-    settingsFile_ = path;
-    for (size_t i = 0; i < before.size(); ++i) {
-        if (const int32_t value = Effect().properties[i].Get(filter); value != before[i]) {
-            text_.settings[i] = value;
-        }
+        throw Failure{Tell(SFX_ERROR_FILE, "%s does not take the settings file %s", Effect().info.id,
+                           settingsFile_.c_str())};
     }
 }
 

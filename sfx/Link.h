@@ -41,12 +41,18 @@ class Link {
     /// Leaves the effect stopped.
     void SetDefaults();
 
-    /// A settings file, for effects that take one. Throws Failure where it is not one.
     bool TakesSettingsFile() const;
-    void LoadSettings(const std::string& path);
+    /// A clone with the settings of a file, for effects that take one. Throws Failure where it is not one.
+    Link CloneWithSettingsFile(const std::string& path) const;
+    /// Gives what runs the settings of such a clone. Throws like CloneWithSettingsFile, after which only Stop
+    /// makes it what it was.
+    void LoadSettingsOf(const Link& clone);
+    /// The settings become those of a clone.
+    void AdoptSettings(Link&& clone) noexcept;
 
   private:
-    void ApplySettings();
+    void ApplySettings(CSpecialEffectFilter& filter) const;
+    void ReadSettingsFile(CSpecialEffectFilter& filter) const;
 
     LinkText text_;
     std::string settingsFile_;  ///< of effects that keep what it says nowhere else

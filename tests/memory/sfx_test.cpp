@@ -1,7 +1,9 @@
 // libsfx when memory runs out: an error, nothing lost, and the effect goes on.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
+#include <vector>
 
 #include "sfx/sfx.h"
 #include "tests/memory/Heap.h"
@@ -80,6 +82,55 @@ INSTANTIATE_TEST_SUITE_P(Sfx, FailingAllocations,
                                          "time-distortion"));
 
 // Once an effect runs, conversions take nothing more.
+TEST(SfxMemory, AllLinksTakeASettingsFileOrNone) {
+    const TemporaryDirectory directory;
+    std::ofstream("settings.txt") << "1 2 3\n";
+    const std::string text = "line-art-1:background-color=#010101+picture-me:textures-number=1+line-art-2";
+    std::vector<uint8_t> pixels;
+    const sfx_picture picture = LayOver(pixels, SFX_I420, 64, 48);
+    const auto print = [](const sfx_effect* effect) {
+        std::string printed(static_cast<size_t>(sfx_print(effect, nullptr, 0)), ' ');
+        sfx_print(effect, printed.data(), printed.size() + 1);
+        return printed;
+    };
+    testing::internal::CaptureStderr();  // where the module says that the file is no cascade
+    for (const bool running : {false, true}) {
+        SCOPED_TRACE(running);
+        bool failed = true;
+        for (int64_t n = 1; failed; ++n) {
+            SCOPED_TRACE(n);
+            sfx_effect *effect = nullptr, *untouched = nullptr;
+            ASSERT_EQ(sfx_create(text.c_str(), &effect), SFX_OK);
+            ASSERT_EQ(sfx_create(text.c_str(), &untouched), SFX_OK);
+            if (running) {
+                ASSERT_GE(sfx_process(effect, &picture, 0), 0);
+            }
+            heap::FailAllocation(n);
+            const int status = sfx_load_settings(effect, "settings.txt");
+            failed = heap::HasFailed();
+            heap::FailAllocation(0);
+            if (status == SFX_OK) {
+                EXPECT_EQ(print(effect),
+                          "line-art-1:background-color=#010203+picture-me:textures-number=1+"
+                          "line-art-2:background-color=#010203");
+            } else {
+                ASSERT_EQ(status, SFX_ERROR_MEMORY) << sfx_message();
+                EXPECT_EQ(print(effect), text);
+                // Nor does a frame show any of it.
+                std::vector<uint8_t> one, other;
+                const sfx_picture first = LayOver(one, SFX_I420, 64, 48);
+                const sfx_picture second = LayOver(other, SFX_I420, 64, 48);
+                EXPECT_GE(sfx_process(effect, &first, 0), 0);
+                EXPECT_GE(sfx_process(untouched, &second, 0), 0);
+                EXPECT_EQ(one, other);
+            }
+            sfx_destroy(effect);
+            sfx_destroy(untouched);
+        }
+    }
+    testing::internal::GetCapturedStderr();
+}
+
 TEST(SfxMemory, FramesAllocateNothing) {
     for (int format = 0; format < SFX_FORMAT_COUNT; ++format) {
         std::vector<uint8_t> pixels;

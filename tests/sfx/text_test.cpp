@@ -234,6 +234,27 @@ TEST(Settings, ComeFromFiles) {
     EXPECT_EQ(sfx_load_settings(effect.get(), nullptr), SFX_ERROR_ARGUMENT);
 }
 
+TEST(Settings, FromAFileReplaceWhatWasSet) {
+    const Home home;
+    WriteFile(home.Path("black.txt"), "0 0 0\n");  // the starting value
+    const EffectHandle effect =
+        Create("line-art-1:background-color=#112233+line-art-2:background-color=#445566");
+    ASSERT_EQ(sfx_load_settings(effect.get(), home.Path("black.txt").c_str()), SFX_OK);
+    EXPECT_EQ(Print(effect.get()), "line-art-1:background-color=#000000+line-art-2:background-color=#000000");
+}
+
+TEST(Settings, FilesLeaveOtherPropertiesAlone) {
+    const Home home;
+    WriteFile(home.Path("cascade.txt"), "no cascade\n");
+    const EffectHandle effect = Create("picture-me:textures-number=1");
+    TestFrame frame(320, 240);
+    ASSERT_GE(Process(effect, frame, 0), 0);
+    ASSERT_EQ(sfx_load_settings(effect.get(), home.Path("cascade.txt").c_str()), SFX_OK);
+    EXPECT_EQ(Print(effect.get()), "picture-me:textures-number=1");
+    ASSERT_EQ(Process(effect, frame, 1), SFX_OK);
+    EXPECT_EQ(Get(effect, "textures-number"), "1");
+}
+
 // ---- presets -----------------------------------------------------------------------------------------
 
 const sfx_preset_info* FindPreset(const std::string& id) {
