@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <deque>
+#include <mutex>
 
 #include "framework/AdditiveRandom.h"
 #include "framework/Catalogue.h"
@@ -105,17 +106,25 @@ std::string SpokenName(std::string name) {
 class List {
   public:
     List() {
-        const std::span<const CatalogueRow> rows = EffectCatalogue();
-        entries_.reserve(rows.size());
-        for (size_t i = 0; i < rows.size(); ++i) {
+        for (size_t i = 0; i < EffectCatalogue().size(); ++i) {
             entries_.push_back(MakeEffect(i));
         }
-        for (EffectEntry& entry : entries_) {
-            LinkProperties(entry);
-        }
+        isComplete_.resize(entries_.size());
     }
 
-    std::span<const EffectEntry> Entries() const { return entries_; }
+    /// Without properties, unless they have been asked for.
+    const std::vector<EffectEntry>& Entries() const { return entries_; }
+
+    /// What the properties start with is known only once an effect is configured, which for all effects
+    /// together takes a tenth of a second.
+    const EffectEntry& Complete(size_t index) {
+        const std::lock_guard lock(completing_);
+        if (!isComplete_[index]) {
+            AddProperties(entries_[index]);
+            isComplete_[index] = true;
+        }
+        return entries_[index];
+    }
 
   private:
     const char* Keep(std::string text) { return texts_.emplace_back(std::move(text)).c_str(); }
@@ -127,9 +136,8 @@ class List {
         EffectEntry entry{};
         entry.create = CreateRow;
         entry.index = index;
-        const Filter filter = entry.Create();
         Text name{};
-        filter->GetInternalInfo()->GetName(name.data(), kTextCapacity);
+        entry.Create()->GetInternalInfo()->GetName(name.data(), kTextCapacity);
         entry.info.struct_size = sizeof(sfx_effect_info);
         entry.info.id = row.shortName;
         entry.info.guid = row.guid;
@@ -143,23 +151,36 @@ class List {
         entry.info.variant = row.variant;
         entry.info.flags = FlagsOf(row);
         entry.info.data_file = row.dataFile;
-        AddProperties(row, entry, *filter);
         return entry;
     }
 
-    void AddProperties(const CatalogueRow& row, EffectEntry& entry, CSpecialEffectFilter& filter) {
-        const std::vector<PropertyWords> words = row.words();
+    void AddProperties(EffectEntry& entry) {
+        const std::vector<PropertyWords> words = EffectCatalogue()[entry.index].words();
         if (words.empty()) {
             return;
         }
-        // What a new object starts with is known once it is configured.
+        NoSurroundings none;
+        const SurroundingsScope scope(none);
+        const Filter filter = entry.Create();
         StreamDescription stream{0, 640, 480, kFormatPlanar};
-        if (filter.Configure(&stream) != kSuccess) {
+        if (filter->Configure(&stream) != kSuccess) {
             throw Failure{Tell(SFX_ERROR_FAILED, "%s cannot be configured", entry.info.id)};
         }
+        std::vector<PropertyEntry> properties;
         for (size_t i = 0; i < words.size(); ++i) {
-            entry.properties.push_back(MakeProperty(words[i], static_cast<int32_t>(i), filter));
+            properties.push_back(MakeProperty(words[i], static_cast<int32_t>(i), *filter));
         }
+        std::vector<const sfx_property_info*>& pointers = pointers_.emplace_back();
+        pointers.reserve(properties.size());
+        // From here on nothing moves any more, and nothing fails.
+        entry.properties = std::move(properties);
+        for (PropertyEntry& property : entry.properties) {
+            property.info.choice_count = property.choices.size();
+            property.info.choices = property.choices.data();
+            pointers.push_back(&property.info);
+        }
+        entry.info.property_count = pointers.size();
+        entry.info.properties = pointers.data();
     }
 
     PropertyEntry MakeProperty(const PropertyWords& words, int32_t index, CSpecialEffectFilter& filter) {
@@ -189,26 +210,16 @@ class List {
         return property;
     }
 
-    /// Once nothing moves any more.
-    void LinkProperties(EffectEntry& entry) {
-        std::vector<const sfx_property_info*>& pointers = pointers_.emplace_back();
-        for (PropertyEntry& property : entry.properties) {
-            property.info.choice_count = property.choices.size();
-            property.info.choices = property.choices.data();
-            pointers.push_back(&property.info);
-        }
-        entry.info.property_count = pointers.size();
-        entry.info.properties = pointers.data();
-    }
-
     std::vector<EffectEntry> entries_;
+    std::mutex completing_;  // guards all below
+    std::vector<bool> isComplete_;
     std::deque<std::string> texts_;
     std::deque<std::vector<const sfx_property_info*>> pointers_;
 };
 
 /// Never destroyed, so that what it has given out stays valid.
-const List& TheList() {
-    static const List& list = *std::make_unique<List>().release();
+List& TheList() {
+    static List& list = *std::make_unique<List>().release();
     return list;
 }
 
@@ -324,16 +335,20 @@ size_t EffectEntry::RequireProperty(std::string_view name) const {
                        name.data(), all.c_str())};
 }
 
-std::span<const EffectEntry> Effects() {
-    return TheList().Entries();
+size_t EffectCount() {
+    return TheList().Entries().size();
+}
+
+const EffectEntry& EffectAt(size_t index) {
+    return TheList().Complete(index);
 }
 
 const EffectEntry* FindEffect(std::string_view text) {
     const std::string wanted = DashedLower(text);
-    const auto find = [](auto matches) -> const EffectEntry* {
-        const std::span<const EffectEntry> all = Effects();
+    const std::vector<EffectEntry>& all = TheList().Entries();
+    const auto find = [&](auto matches) -> const EffectEntry* {
         const auto found = std::find_if(all.begin(), all.end(), matches);
-        return found != all.end() ? &*found : nullptr;
+        return found != all.end() ? &EffectAt(found->index) : nullptr;
     };
     if (const EffectEntry* const effect = find([&](const EffectEntry& entry) {
             return wanted == entry.info.id || wanted == DashedLower(entry.info.title) ||
@@ -346,7 +361,7 @@ const EffectEntry* FindEffect(std::string_view text) {
         return effect;
     }
     std::vector<std::string_view> names;
-    for (const EffectEntry& entry : Effects()) {
+    for (const EffectEntry& entry : all) {
         names.emplace_back(entry.info.id);
     }
     Tell(SFX_ERROR_UNKNOWN, "there is no effect \"%.80s\"%s", wanted.c_str(),

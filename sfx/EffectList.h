@@ -3,7 +3,6 @@
 #define SPECIALEFFECTS_SFX_EFFECTLIST_H
 
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,8 +46,11 @@ struct EffectEntry {
     size_t RequireProperty(std::string_view name) const;
 };
 
-/// Made at the first call and kept. Throws std::bad_alloc.
-std::span<const EffectEntry> Effects();
+/// The list is made at the first call, an effect's properties when it is first asked for; both are kept.
+/// Throws std::bad_alloc.
+size_t EffectCount();
+/// `index` is less than the count.
+const EffectEntry& EffectAt(size_t index);
 
 /// By id, GUID, title or name. Null, with a message, if unknown.
 const EffectEntry* FindEffect(std::string_view text);

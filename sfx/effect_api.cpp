@@ -46,12 +46,12 @@ Value GuardedValue(Value failed, Body body) noexcept {
 // ---- the list ----------------------------------------------------------------------------------------
 
 size_t sfx_effect_count() noexcept {
-    return GuardedValue(size_t{0}, [] { return sfx::Effects().size(); });
+    return GuardedValue(size_t{0}, [] { return sfx::EffectCount(); });
 }
 
 const sfx_effect_info* sfx_effect_at(size_t index) noexcept {
     return GuardedValue<const sfx_effect_info*>(nullptr, [&]() -> const sfx_effect_info* {
-        return index < sfx::Effects().size() ? &sfx::Effects()[index].info : nullptr;
+        return index < sfx::EffectCount() ? &sfx::EffectAt(index).info : nullptr;
     });
 }
 
