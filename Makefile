@@ -102,8 +102,9 @@ check-thread:
 	$(call build_tests,thread,soak_tests sfx_tests)
 	$(call run_tests,thread,-R '^(SoakThreads|Threads)')
 
-# A minute of guided fuzzing of the contract and one of libsfx on every core, from the stored inputs. New inputs stay in build/fuzz/corpus.
-FUZZ_SECONDS ?= 60
+# Guided fuzzing of the contract and of libsfx on every core, for so many seconds each, from the stored inputs. New
+# inputs stay in build/fuzz/corpus.
+FUZZ_SECONDS ?= 40
 check-fuzz:
 	@tools/setup.sh build check clang
 	$(call build_tests,fuzz,fuzz_contract fuzz_sfx)

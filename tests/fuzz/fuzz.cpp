@@ -1,6 +1,10 @@
 // Under libFuzzer: the whole contract, or libsfx.
 //
 //     build/fuzz/tests/fuzz/fuzz_contract [options] [corpus directories]
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -11,7 +15,16 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 // The process moves to a scratch directory, so the paths of the command line are made absolute first.
+// libFuzzer does not allow that for the program's own, by which it starts others: the program starts itself
+// anew by its whole path.
 int LLVMFuzzerInitialize(int* argc, char*** argv) {
+    if (!(*argv)[0] || (*argv)[0][0] != '/') {
+        std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
+        (*argv)[0] = program.data();
+        execv(program.c_str(), *argv);
+        std::perror(program.c_str());
+        std::exit(2);
+    }
     static std::vector<std::string> arguments;
     static std::vector<char*> pointers;
     bool prefixGiven = false;
