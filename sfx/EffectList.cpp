@@ -7,6 +7,7 @@
 
 #include "framework/AdditiveRandom.h"
 #include "framework/Catalogue.h"
+#include "framework/Mutex.h"
 #include "framework/Surroundings.h"
 #include "sfx/Guard.h"
 #include "sfx/Words.h"
@@ -211,7 +212,7 @@ class List {
     }
 
     std::vector<EffectEntry> entries_;
-    std::mutex completing_;  // guards all below
+    Mutex completing_;  // guards all below
     std::vector<bool> isComplete_;
     std::deque<std::string> texts_;
     std::deque<std::vector<const sfx_property_info*>> pointers_;
