@@ -2,8 +2,9 @@
 //
 // Samples come from the polar method: points of a square are drawn until one lies in the unit circle, and the
 // point is stretched to two normal deviates. Drawing is a chain in which each step needs the one before;
-// stretching is not, and is done for four points at a time where the processor can.
+// stretching is not: its loops are turned into vector code.
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +12,6 @@
 #include "imaging/PerLevel.h"
 #include "imaging/Prim.h"
 #include "imaging/PrimCheck.h"
-#include "imaging/Simd.h"
 
 using prim::CheckPointers;
 using prim::CheckSize;
@@ -78,97 +78,101 @@ struct Normal {
     double stdDev;
 };
 
-/// The value that a sample adds to a pixel: truncated and clamped to -256..256, where every pixel saturates.
+/// The values that samples add to pixels: truncated and clamped to -256..256, where every pixel saturates.
+struct Samples {
+    int16_t values[2 * kPoints];
+};
+
 /// NaN adds nothing.
-int32_t Truncated(double sample) {
+int16_t Truncated(double sample) {
     const double below = sample < 256 ? sample : 256.0;
-    return static_cast<int32_t>(sample != sample ? 0.0 : below > -256 ? below : -256.0);
+    return static_cast<int16_t>(sample != sample ? 0.0 : below > -256 ? below : -256.0);
 }
 
 /// Stretches points to two samples each, first that of u.
-void Stretch(const Points& points, ptrdiff_t begin, ptrdiff_t end, const Normal& normal, int32_t* samples) {
-    for (ptrdiff_t i = begin; i < end; ++i) {
+void StretchExactly(const Points& points, ptrdiff_t count, const Normal& normal, Samples& samples) {
+    for (ptrdiff_t i = 0; i < count; ++i) {
         const double u = points.u[i];
         const double v = points.v[i];
         const double r = u * u + v * v;
         const double m = std::sqrt(std::log(r) * -2 / r);
-        samples[2 * i] = Truncated(normal.stdDev * m * u + normal.mean);
-        samples[2 * i + 1] = Truncated(normal.stdDev * m * v + normal.mean);
+        samples.values[2 * i] = Truncated(normal.stdDev * m * u + normal.mean);
+        samples.values[2 * i + 1] = Truncated(normal.stdDev * m * v + normal.mean);
     }
 }
 
-#if SE_AVX2
-
-/// The logarithm of numbers above 0 and below 1, to a relative error of some 10^-15.
-SE_TARGET_AVX2 SE_INLINE __m256d Log4(__m256d r) {
+/// The logarithm of a number above 0 and below 1, to a relative error of some 10^-15.
+SE_INLINE double Log(double r) {
     // r = 2^k * z with z from about 0.7 to 1.4, and log z = 2 atanh s with s = (z - 1) / (z + 1), below 0.172
-    // in size.
-    const __m256i bits = _mm256_castpd_si256(r);
-    const __m256i rootHalf = _mm256_set1_epi64x(0x3fe6a09e00000000);
-    const __m256i above = _mm256_sub_epi64(bits, rootHalf);
-    const __m256i exponent =
-        _mm256_and_si256(above, _mm256_set1_epi64x(static_cast<int64_t>(0xfff0000000000000)));
-    const __m256d z = _mm256_castsi256_pd(_mm256_sub_epi64(bits, exponent));
-    // k lies in the top 12 bits; as the high halves are 32-bit integers, so is k after a shift.
-    const __m256i high = _mm256_permutevar8x32_epi32(exponent, _mm256_setr_epi32(1, 3, 5, 7, 1, 3, 5, 7));
-    const __m256d k = _mm256_cvtepi32_pd(_mm_srai_epi32(_mm256_castsi256_si128(high), 20));
-
-    const __m256d one = _mm256_set1_pd(1);
-    const __m256d s = _mm256_div_pd(_mm256_sub_pd(z, one), _mm256_add_pd(z, one));
-    const __m256d q = _mm256_mul_pd(s, s);  // at most 0.0295, so that the first term left out is below 10^-16
-    __m256d sum = _mm256_set1_pd(2.0 / 21);
-    for (const double divisor : {19.0, 17.0, 15.0, 13.0, 11.0, 9.0, 7.0, 5.0, 3.0, 1.0}) {
-        sum = _mm256_fmadd_pd(sum, q, _mm256_set1_pd(2 / divisor));
-    }
-    return _mm256_fmadd_pd(k, _mm256_set1_pd(0.693147180559945309417), _mm256_mul_pd(s, sum));
+    // in size. The exponent is raised by 1024, so that it stays above 0.
+    constexpr uint64_t kRootHalf = 0x3fe6a09e00000000;
+    const auto bits = std::bit_cast<uint64_t>(r);
+    const uint64_t raised = (bits - kRootHalf + (uint64_t{1024} << 52)) >> 52;
+    const auto z = std::bit_cast<double>(bits - (raised << 52) + (uint64_t{1024} << 52));
+    const double k = std::bit_cast<double>(raised | 0x4330000000000000) - (0x1p52 + 1024);
+    const double s = (z - 1) / (z + 1);
+    const double q = s * s;  // at most 0.0295, so that the first term left out is below 10^-15
+    const double q2 = q * q;
+    const double q4 = q2 * q2;
+    const double low = (2.0 + 2.0 / 3 * q) + (2.0 / 5 + 2.0 / 7 * q) * q2;
+    const double high = (2.0 / 9 + 2.0 / 11 * q) + (2.0 / 13 + 2.0 / 15 * q) * q2;
+    const double sum = low + (high + 2.0 / 17 * q4) * q4;
+    return k * 0.693147180559945309417 + s * sum;
 }
 
-/// Four samples moved to where they can be truncated, and whether one lies so near a whole number that the
-/// error of the logarithm might matter.
-SE_TARGET_AVX2 SE_INLINE __m128i Truncate4(__m256d samples, __m256d error, __m256d& doubtful) {
+/// A sample moved to where it can be truncated.
+SE_INLINE double Bounded(double sample) {
     // The bounds lie between whole numbers, so that what is moved to them is in no doubt.
-    const __m256d bounded =
-        _mm256_max_pd(_mm256_min_pd(samples, _mm256_set1_pd(256.5)), _mm256_set1_pd(-256.5));
-    const __m256d whole = _mm256_round_pd(bounded, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
-    const __m256d distance = _mm256_andnot_pd(_mm256_set1_pd(-0.0), _mm256_sub_pd(bounded, whole));
-    doubtful = _mm256_or_pd(doubtful, _mm256_cmp_pd(distance, error, _CMP_NGE_UQ));
-    return _mm256_cvttpd_epi32(bounded);
+    const double below = sample < 256.5 ? sample : 256.5;
+    return below > -256.5 ? below : -256.5;
 }
 
-/// The same, four points at a time. The logarithm is not that of the library to the last bit; where the
-/// difference might show, the library's is taken. Returns how many points were done.
-SE_TARGET_AVX2 ptrdiff_t StretchAvx2(const Points& points, ptrdiff_t count, const Normal& normal,
-                                     int32_t* samples) {
-    const __m256d mean = _mm256_set1_pd(normal.mean);
-    const __m256d stdDev = _mm256_set1_pd(normal.stdDev);
+/// How far a small number lies from the nearest whole one.
+SE_INLINE float Distance(double v) {
+    constexpr double kRounder = 0x1.8p52;  // added to a small number, it leaves no bits below 1
+    return static_cast<float>(std::fabs(v - (v + kRounder - kRounder)));
+}
+
+/// The same with a logarithm that is not that of the library to the last bit. False where the difference
+/// might show in a sample.
+SE_INLINE bool StretchRoughly(const Points& points, ptrdiff_t count, const Normal& normal, Samples& samples) {
+    const double mean = normal.mean;
+    const double stdDev = normal.stdDev;
     // No point is stretched to more than sqrt(-2 log r) < 9.4; a thousand roundings' worth of error.
-    const __m256d error = _mm256_set1_pd(1e-13 * (9.4 * std::fabs(normal.stdDev) + std::fabs(normal.mean)));
-    ptrdiff_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const __m256d u = _mm256_loadu_pd(points.u + i);
-        const __m256d v = _mm256_loadu_pd(points.v + i);
-        const __m256d r = _mm256_add_pd(_mm256_mul_pd(u, u), _mm256_mul_pd(v, v));
-        const __m256d m = _mm256_sqrt_pd(_mm256_div_pd(_mm256_mul_pd(Log4(r), _mm256_set1_pd(-2)), r));
-        const __m256d stretch = _mm256_mul_pd(stdDev, m);
-        __m256d doubtful = _mm256_setzero_pd();
-        const __m128i first = Truncate4(_mm256_add_pd(_mm256_mul_pd(stretch, u), mean), error, doubtful);
-        const __m128i second = Truncate4(_mm256_add_pd(_mm256_mul_pd(stretch, v), mean), error, doubtful);
-        if (_mm256_movemask_pd(doubtful) != 0) [[unlikely]] {
-            Stretch(points, i, i + 4, normal, samples);
-            continue;
-        }
-        auto* out = reinterpret_cast<__m128i*>(samples + 2 * i);
-        _mm_storeu_si128(out, _mm_unpacklo_epi32(first, second));
-        _mm_storeu_si128(out + 1, _mm_unpackhi_epi32(first, second));
+    const double error = 1e-13 * (9.4 * std::fabs(stdDev) + std::fabs(mean));
+    if (!(error < 0.25)) {
+        return false;
     }
-    return i;
+    // Short loops: processors work on several steps of one at a time.
+    double stretch[kPoints];
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const double r = points.u[i] * points.u[i] + points.v[i] * points.v[i];
+        stretch[i] = Log(r) * -2 / r;
+    }
+    double u[kPoints];
+    double v[kPoints];
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const double m = stdDev * std::sqrt(stretch[i]);
+        u[i] = Bounded(m * points.u[i] + mean);
+        v[i] = Bounded(m * points.v[i] + mean);
+    }
+    const auto nearest = static_cast<float>(error);
+    int32_t doubtful = 0;
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        doubtful |=
+            static_cast<int32_t>(Distance(u[i]) <= nearest) | static_cast<int32_t>(Distance(v[i]) <= nearest);
+    }
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        samples.values[2 * i] = static_cast<int16_t>(static_cast<int32_t>(u[i]));
+        samples.values[2 * i + 1] = static_cast<int16_t>(static_cast<int32_t>(v[i]));
+    }
+    return doubtful == 0;
 }
 
-#endif
-
-SE_INLINE void AddSamples(uint8_t* SE_RESTRICT data, const int32_t* SE_RESTRICT samples, ptrdiff_t count) {
+SE_INLINE void AddSamples(uint8_t* SE_RESTRICT data, const int16_t* SE_RESTRICT samples, ptrdiff_t count) {
     for (ptrdiff_t i = 0; i < count; ++i) {
-        data[i] = static_cast<uint8_t>(std::clamp(data[i] + samples[i], 0, 255));
+        data[i] =
+            static_cast<uint8_t>(std::clamp<int16_t>(static_cast<int16_t>(data[i] + samples[i]), 0, 255));
     }
 }
 
@@ -188,8 +192,8 @@ PrimStatus PrimAddGaussNoise8uC1(uint8_t* data, int32_t step, int32_t width, int
     const Normal normal{mean, stdDev};
     Generator generator(*seed);
     Points points;
-    int32_t samples[2 * kPoints];
-    ptrdiff_t next = 0;  // in `samples`
+    Samples samples;
+    ptrdiff_t next = 0;  // of `samples`
     ptrdiff_t made = 0;
     int64_t missing = int64_t{width} * height;
     for (; height > 0; --height, data += step) {
@@ -198,19 +202,15 @@ PrimStatus PrimAddGaussNoise8uC1(uint8_t* data, int32_t step, int32_t width, int
                 // An odd number of samples takes a whole point for the last.
                 const auto count = static_cast<ptrdiff_t>(std::min<int64_t>((missing + 1) / 2, kPoints));
                 generator.Draw(points, count);
-                ptrdiff_t done = 0;
-#if SE_AVX2
-                if (simd::HasAvx2()) {
-                    done = StretchAvx2(points, count, normal, samples);
+                if (!AtLevel<StretchRoughly>(points, count, normal, samples)) [[unlikely]] {
+                    StretchExactly(points, count, normal, samples);
                 }
-#endif
-                Stretch(points, done, count, normal, samples);
                 next = 0;
                 made = 2 * count;
                 missing -= made;
             }
             const ptrdiff_t count = std::min(made - next, width - x);
-            AtLevel<AddSamples>(data + x, samples + next, count);
+            AtLevel<AddSamples>(data + x, samples.values + next, count);
             x += count;
             next += count;
         }
