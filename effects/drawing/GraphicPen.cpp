@@ -18,7 +18,7 @@ int32_t DrawPenStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t 
         uint8_t& pixel = first[n * next];
         const bool paper = pixel == TonePages::kPaper;
         hits += paper ? 1 : 0;
-        if (paper || overprints) pixel = ink;
+        pixel = paper || overprints ? ink : pixel;  // without a branch, which would be hard to predict
     }
     return hits;
 }

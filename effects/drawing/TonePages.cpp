@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <vector>
 
 #include "effects/drawing/Edges.h"
 #include "imaging/PerLevel.h"
@@ -66,6 +67,70 @@ SE_INLINE void LiftRow(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, p
     });
 }
 
+// ---- pixels as bits, for SprinklePaper ---------------------------------------------------------------
+
+/// Windows in a word: a multiple of each period, 2 and 3. The other bits are pixels that the windows reach.
+constexpr size_t kWindows = 60;
+constexpr uint64_t kWindowBits = (uint64_t{1} << kWindows) - 1;
+
+uint64_t LoadWord(const uint8_t* pixels) {
+    uint64_t word;
+    std::memcpy(&word, pixels, sizeof word);
+    return word;
+}
+
+/// Bit i is set where pixel i of 64 is no paper.
+uint64_t InkedPixels(const uint8_t* pixels) {
+    constexpr uint64_t kLow = 0x7F7F7F7F7F7F7F7F, kEach = 0x0101010101010101;
+    uint64_t bits = 0;
+    for (size_t i = 0; i < 8; ++i) {
+        const uint64_t ink = ~LoadWord(pixels + 8 * i);
+        const uint64_t inked = ((((ink & kLow) + kLow) | ink) >> 7) & kEach;
+        bits |= (inked * 0x0102040810204080) >> 56 << (8 * i);
+    }
+    return bits;
+}
+
+/// Sets pixel i to paper where bit i is set.
+void PaintPaper(uint64_t bits, uint8_t* pixels) {
+    static_assert(TonePages::kPaper == 255);
+    constexpr uint64_t kLow = 0x7F7F7F7F7F7F7F7F, kEach = 0x0101010101010101;
+    for (; bits != 0; bits >>= 8, pixels += 8) {
+        const uint64_t chosen = (bits & 255) * kEach & 0x8040201008040201;
+        const uint64_t paper = ((((chosen & kLow) + kLow) | chosen) >> 7 & kEach) * 255;
+        const uint64_t word = LoadWord(pixels) | paper;
+        std::memcpy(pixels, &word, sizeof word);
+    }
+}
+
+/// Picks from each run of set bits the first one and each `period`th after it. Runs go on from word to word.
+class EveryNth {
+  public:
+    explicit EveryNth(size_t period) : period_(period) {
+        for (size_t i = 0; i < kWindows; i += period) pattern_ |= uint64_t{1} << i;
+    }
+
+    uint64_t Next(uint64_t bits) {
+        const uint64_t starts = bits & ~(bits << 1 | before_);
+        uint64_t picked = 0;
+        for (size_t phase = 0; phase < period_; ++phase) {
+            const uint64_t places = pattern_ << phase;
+            // The sum clears the runs that start at these places, or go on from before.
+            const uint64_t runs = bits & ~(bits + ((starts & places) | (goesOn_ >> phase & 1)));
+            picked |= runs & places;
+            goesOn_ = (goesOn_ & ~(uint64_t{1} << phase)) | runs >> (kWindows - 1) << phase;
+        }
+        before_ = bits >> (kWindows - 1);
+        return picked;
+    }
+
+  private:
+    size_t period_;
+    uint64_t pattern_ = 0;
+    uint64_t before_ = 0;  ///< whether the last bit of the word before was set
+    uint64_t goesOn_ = 0;  ///< whether a run of each phase reached it
+};
+
 }  // namespace
 
 void TonePages::Keep(const CPlane8u& page, int32_t index) {
@@ -90,12 +155,29 @@ void TonePages::Shade(uint8_t* tones, size_t first, size_t count) const {
 }
 
 void SprinklePaper(CPlane8u& page, int32_t before, int32_t after) {
+    // A window of pixels is `start` to `start + length - 1`. In a run of windows without paper the first one
+    // gets a dot, and then every one that does not reach back to the dot before it: each (before + 1)th.
+    const auto period = static_cast<size_t>(before + 1), length = period + static_cast<size_t>(after);
+    const int32_t starts = page.width - 1 - before;
+    if (starts <= 0) return;
+    const auto words = (static_cast<size_t>(starts) + kWindows - 1) / kWindows;
+    std::vector<uint8_t> row(words * kWindows + 8, TonePages::kPaper);
+    std::vector<uint64_t> dots(words);
     for (int32_t y = 0; y < page.height; ++y) {
-        uint8_t* const row = page.Row(y);
-        for (int32_t x = before; x < page.width - 1; ++x) {
-            uint8_t* const end = row + x + after + 1;
-            if (std::find(row + x - before, end, TonePages::kPaper) == end) row[x] = TonePages::kPaper;
+        uint8_t* const pixels = page.Row(y);
+        std::memcpy(row.data(), pixels, static_cast<size_t>(page.width));
+        EveryNth every(period);
+        for (size_t i = 0; i < words; ++i) {
+            const uint64_t inked = InkedPixels(&row[i * kWindows]);
+            uint64_t bare = inked & kWindowBits;
+            for (size_t k = 1; k < length; ++k) bare &= inked >> k;
+            dots[i] = every.Next(bare);
         }
+        const auto last = static_cast<size_t>(starts) - (words - 1) * kWindows;
+        dots[words - 1] &= ~uint64_t{0} >> (64 - last);
+        for (size_t i = 0; i < words; ++i)
+            PaintPaper(dots[i], &row[i * kWindows + static_cast<size_t>(before)]);
+        std::memcpy(pixels, row.data(), static_cast<size_t>(page.width));
     }
 }
 
