@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/TestRandom.h"
+#include "tests/support/TestFrame.h"
 
 namespace {
 
