@@ -1,0 +1,47 @@
+// "Special effect": changes the frames of a camera or a video file in memory, before OBS uploads them.
+#include <obs-module.h>
+
+#include "Filter.h"
+#include "Frames.h"
+
+namespace sfxobs {
+namespace {
+
+class CameraFilter : public Filter {
+  public:
+    using Filter::Filter;
+
+    void Process(const obs_source_frame& frame) {
+        sfx_picture picture;
+        if (!PictureOf(frame, picture)) {
+            TellOfFormat(frame.format);
+        } else if (runner().IsReadyFor(picture.width, picture.height)) {
+            runner().Process(picture, static_cast<int64_t>(frame.timestamp));
+        }
+    }
+
+  private:
+    void TellOfFormat(video_format format) {
+        if (std::exchange(unknownFormat_, format) == format) return;
+        blog(LOG_WARNING, "[specialeffects] '%s': frames in the format %s pass unchanged",
+             obs_source_get_name(source()), get_video_format_name(format));
+    }
+
+    video_format unknownFormat_ = VIDEO_FORMAT_NONE;  // that has been told of
+};
+
+obs_source_frame* FilterVideo(void* data, obs_source_frame* frame) noexcept {
+    Guarded([&] { static_cast<CameraFilter*>(static_cast<Filter*>(data))->Process(*frame); });
+    return frame;
+}
+
+}  // namespace
+
+void RegisterCameraFilter() {
+    obs_source_info info = FilterInfo<CameraFilter>("specialeffects_filter", OBS_SOURCE_ASYNC_VIDEO);
+    info.get_name = [](void*) noexcept { return obs_module_text("CameraFilter"); };
+    info.filter_video = FilterVideo;
+    obs_register_source(&info);
+}
+
+}  // namespace sfxobs

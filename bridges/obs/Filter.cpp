@@ -1,0 +1,36 @@
+#include "Filter.h"
+
+#include "Panel.h"
+
+namespace sfxobs {
+
+Filter::Filter(obs_data_t* settings, obs_source_t* source) : source_(source), runner_(source) {
+    runner_.Want(ReadWish(settings));
+    const auto status = [](void* data, calldata_t* call) noexcept {
+        Guarded([&] {
+            const Status present = static_cast<Filter*>(data)->runner().Present();
+            calldata_set_string(call, "effect", present.effect.c_str());
+            calldata_set_int(call, "frames", present.frames);
+            calldata_set_int(call, "nanoseconds", present.effectTime);
+        });
+    };
+    proc_handler_add(obs_source_get_proc_handler(source),
+                     "void status(out string effect, out int frames, out int nanoseconds)", status, this);
+}
+
+void UpdateFilter(void* data, obs_data_t* settings) noexcept {
+    Guarded([&] { static_cast<Filter*>(data)->runner().Want(ReadWish(settings)); });
+}
+
+void FilterDefaults(obs_data_t* settings) noexcept {
+    Guarded([&] { SetDefaults(settings); });
+}
+
+obs_properties_t* FilterProperties(void* data) noexcept {
+    return Guarded<obs_properties_t*>(nullptr, [&] {
+        auto* const filter = static_cast<Filter*>(data);
+        return CreateProperties(filter != nullptr ? filter->source() : nullptr);
+    });
+}
+
+}  // namespace sfxobs
