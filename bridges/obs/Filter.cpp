@@ -18,8 +18,26 @@ Filter::Filter(obs_data_t* settings, obs_source_t* source) : source_(source), ru
                      "void status(out string effect, out int frames, out int nanoseconds)", status, this);
 }
 
+void Filter::Update(obs_data_t* settings) {
+    Wish wish = ReadWish(settings);
+    bool isShown = true;
+    {
+        const std::lock_guard lock(mutex_);
+        isShown = shownEffect_.empty() || shownEffect_ == wish.effect;
+        if (!isShown) shownEffect_.clear();
+    }
+    runner_.Want(std::move(wish));
+    // OBS's button "Defaults" and scripts change the settings behind the dialog's back.
+    if (!isShown) obs_source_update_properties(source_);
+}
+
+void Filter::SetShownEffect(const std::string& effect) {
+    const std::lock_guard lock(mutex_);
+    shownEffect_ = effect;
+}
+
 void UpdateFilter(void* data, obs_data_t* settings) noexcept {
-    Guarded([&] { static_cast<Filter*>(data)->runner().Want(ReadWish(settings)); });
+    Guarded([&] { static_cast<Filter*>(data)->Update(settings); });
 }
 
 void FilterDefaults(obs_data_t* settings) noexcept {
@@ -29,7 +47,7 @@ void FilterDefaults(obs_data_t* settings) noexcept {
 obs_properties_t* FilterProperties(void* data) noexcept {
     return Guarded<obs_properties_t*>(nullptr, [&] {
         auto* const filter = static_cast<Filter*>(data);
-        return CreateProperties(filter != nullptr ? filter->source() : nullptr);
+        return CreateProperties(filter);
     });
 }
 

@@ -43,9 +43,16 @@ class Filter {
     obs_source_t* source() const { return source_; }
     Runner& runner() { return runner_; }
 
+    /// Any thread: new settings. Properties that show another effect are told to follow.
+    void Update(obs_data_t* settings);
+    /// Any thread: the effect that the properties show.
+    void SetShownEffect(const std::string& effect);
+
   private:
     obs_source_t* const source_;
     Runner runner_;
+    std::mutex mutex_;  // guards shownEffect_
+    std::string shownEffect_;
 };
 
 /// The callbacks of a filter of the class `Kind`. The others are the caller's to fill in.

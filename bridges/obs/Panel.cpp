@@ -1,6 +1,7 @@
 #include "Panel.h"
 
 #include <obs-module.h>
+#include <util/platform.h>
 
 #include <algorithm>
 #include <array>
@@ -30,6 +31,8 @@ constexpr const char* kProblem = "problem";
 struct Panel {
     obs_weak_source_t* source = nullptr;  // the filter; null for a kind of filter
     std::string shown;                    // the effect whose properties are shown
+    std::vector<std::string> found;       // by the latest search
+    uint64_t rebuildTime = 0;             // when OBS was last asked to rebuild the dialog, in nanoseconds
 
     Panel() = default;
     Panel(const Panel&) = delete;
@@ -147,7 +150,14 @@ const Entry* FindEntry(const std::vector<Section>& sections, const std::string& 
     return nullptr;
 }
 
-/// Fills the list with what matches the search, and with the present effect. Returns what matches.
+void AddHeading(obs_property_t* list, const std::string& title) {
+    const std::string heading = "\u2014 " + title + " \u2014";
+    obs_property_list_item_disable(list, obs_property_list_add_string(list, heading.c_str(), ""), true);
+}
+
+/// Fills the list with what matches the search, and with the present effect where that does not. Returns what
+/// matches. The first item is a heading, whose value is empty: OBS chooses the first item of a list that does
+/// not have the present value.
 std::vector<std::string> FillList(obs_property_t* list, const std::string& search,
                                   const std::string& present) {
     std::vector<Section> sections = AllSections();
@@ -157,15 +167,14 @@ std::vector<std::string> FillList(obs_property_t* list, const std::string& searc
         std::erase_if(section.entries, [&](const Entry& e) { return !Matches(section, e, search); });
     }
     obs_property_list_clear(list);
-    // The first item of a list without the present effect would look as if it were chosen.
-    if (!present.empty() && FindEntry(sections, present) == nullptr) {
-        obs_property_list_add_string(list, presentTitle.c_str(), present.c_str());
+    if (FindEntry(sections, present) == nullptr) {
+        AddHeading(list, obs_module_text("Chosen"));
+        if (!present.empty()) obs_property_list_add_string(list, presentTitle.c_str(), present.c_str());
     }
     std::vector<std::string> found;
     for (const Section& section : sections) {
         if (section.entries.empty()) continue;
-        const std::string heading = "\u2014 " + section.title + " \u2014";
-        obs_property_list_item_disable(list, obs_property_list_add_string(list, heading.c_str(), ""), true);
+        AddHeading(list, section.title);
         for (const Entry& shown : section.entries) {
             obs_property_list_add_string(list, shown.title.c_str(), shown.effect.c_str());
             found.push_back(shown.effect);
@@ -268,10 +277,17 @@ void ShowEffect(obs_properties_t* properties, obs_data_t* settings) {
 
 // ---- callbacks ----------------------------------------------------------------------------------------
 
-/// Makes OBS read the settings that a callback has changed.
-void Apply(const Panel& panel) {
+/// Calls `function(filter)` where there still is one.
+template <class Function>
+void WithFilter(const Panel& panel, Function&& function) {
     const Source source(obs_weak_source_get_source(panel.source), obs_source_release);
-    if (source != nullptr) obs_source_update(source.get(), nullptr);
+    void* const data = source != nullptr ? obs_obj_get_data(source.get()) : nullptr;
+    if (data != nullptr) std::forward<Function>(function)(*static_cast<Filter*>(data));
+}
+
+void SetShown(Panel& panel, const std::string& effect) {
+    panel.shown = effect;
+    WithFilter(panel, [&](Filter& filter) { filter.SetShownEffect(effect); });
 }
 
 /// Shows the effect of the settings. One that the user has chosen just now starts with its own values where
@@ -279,19 +295,49 @@ void Apply(const Panel& panel) {
 void FollowEffect(Panel& panel, obs_properties_t* properties, obs_data_t* settings) {
     const std::string chosen = obs_data_get_string(settings, kEffectKey);
     if (chosen != panel.shown) {
-        panel.shown = chosen;
+        SetShown(panel, chosen);
         const Effect effect = CreateEffect(chosen);
         if (effect != nullptr && chosen != sfx_link_info(effect.get(), 0)->id) {
             UnsetValues(settings, effect.get());
-            Apply(panel);
         }
+        // OBS may have read the settings before this.
+        WithFilter(panel, [](Filter& filter) { obs_source_update(filter.source(), nullptr); });
     }
     ShowEffect(properties, settings);
 }
 
+/// Whether to ask OBS to rebuild the dialog after a key. It does that a little later; where it is asked twice
+/// before it does, the text loses the keyboard. The rebuild that has been asked for shows the latest state
+/// anyway.
+bool AskToRebuild(Panel& panel) {
+    constexpr uint64_t kAtOnce = 20000000;  // less than between two keys, more than between events in a queue
+    const uint64_t now = os_gettime_ns();
+    if (now - panel.rebuildTime < kAtOnce) return false;
+    panel.rebuildTime = now;
+    return true;
+}
+
+/// Lists what the search of the settings finds. False where the list is the same as before.
+bool Search(Panel& panel, obs_properties_t* properties, obs_data_t* settings) {
+    const std::string search = obs_data_get_string(settings, kSearchKey);
+    obs_property_t* const list = obs_properties_get(properties, kEffectKey);
+    const std::vector<std::string> found = FillList(list, search, obs_data_get_string(settings, kEffectKey));
+    std::string label = obs_module_text("Effect");
+    if (!search.empty()) label += " (" + std::to_string(found.size()) + ")";
+    obs_property_set_description(list, label.c_str());
+    return std::exchange(panel.found, found) != found;
+}
+
 bool OnEffect(void* data, obs_properties_t* properties, obs_property_t*, obs_data_t* settings) noexcept {
     return Guarded(false, [&] {
-        FollowEffect(*static_cast<Panel*>(data), properties, settings);
+        Panel& panel = *static_cast<Panel*>(data);
+        if (*obs_data_get_string(settings, kEffectKey) == '\0') {
+            // OBS's button "Defaults" has cleared the settings, and the list does not have the default
+            // effect.
+            obs_data_unset_user_value(settings, kEffectKey);
+            Search(panel, properties, settings);
+        }
+        FollowEffect(panel, properties, settings);
         return true;
     });
 }
@@ -300,20 +346,14 @@ bool OnEffect(void* data, obs_properties_t* properties, obs_property_t*, obs_dat
 bool OnSearch(void* data, obs_properties_t* properties, obs_property_t*, obs_data_t* settings) noexcept {
     return Guarded(false, [&] {
         Panel& panel = *static_cast<Panel*>(data);
-        const std::string search = obs_data_get_string(settings, kSearchKey);
-        obs_property_t* const list = obs_properties_get(properties, kEffectKey);
-        const std::string present = obs_data_get_string(settings, kEffectKey);
-        const std::vector<std::string> found = FillList(list, search, present);
-        std::string label = obs_module_text("Effect");
-        if (!search.empty()) label += " (" + std::to_string(found.size()) + ")";
-        obs_property_set_description(list, label.c_str());
-        if (!search.empty() && found.size() == 1 && found.front() != present) {
-            obs_data_set_string(settings, kEffectKey, found.front().c_str());
-            FillList(list, search, found.front());
+        const bool isChanged = Search(panel, properties, settings);
+        const bool isSearch = *obs_data_get_string(settings, kSearchKey) != '\0';
+        if (isSearch && panel.found.size() == 1 && panel.found.front() != panel.shown) {
+            obs_data_set_string(settings, kEffectKey, panel.found.front().c_str());
+            Search(panel, properties, settings);
             FollowEffect(panel, properties, settings);
-            Apply(panel);
         }
-        return true;
+        return isChanged && AskToRebuild(panel);
     });
 }
 
@@ -322,17 +362,18 @@ template <class Function>
 bool OnButton(obs_properties_t* properties, Function&& change) noexcept {
     return Guarded(false, [&] {
         while (obs_properties_t* const parent = obs_properties_get_parent(properties)) properties = parent;
-        auto* const panel = static_cast<Panel*>(obs_properties_get_param(properties));
-        const Source source(obs_weak_source_get_source(panel->source), obs_source_release);
-        if (source == nullptr) return false;
-        const Data settings(obs_source_get_settings(source.get()), obs_data_release);
-        change(settings.get());
-        panel->shown = obs_data_get_string(settings.get(), kEffectKey);
-        const std::string search = obs_data_get_string(settings.get(), kSearchKey);
-        FillList(obs_properties_get(properties, kEffectKey), search, panel->shown);
-        ShowEffect(properties, settings.get());
-        obs_source_update(source.get(), nullptr);
-        return true;
+        auto& panel = *static_cast<Panel*>(obs_properties_get_param(properties));
+        bool isChanged = false;
+        WithFilter(panel, [&](Filter& filter) {
+            const Data settings(obs_source_get_settings(filter.source()), obs_data_release);
+            change(settings.get());
+            SetShown(panel, obs_data_get_string(settings.get(), kEffectKey));
+            Search(panel, properties, settings.get());
+            ShowEffect(properties, settings.get());
+            obs_source_update(filter.source(), nullptr);
+            isChanged = true;
+        });
+        return isChanged;
     });
 }
 
@@ -382,9 +423,9 @@ obs_property_t* WithTip(obs_property_t* property, const char* key) {
 
 }  // namespace
 
-obs_properties_t* CreateProperties(obs_source_t* source) {
+obs_properties_t* CreateProperties(Filter* filter) {
     auto panel = std::make_unique<Panel>();
-    if (source != nullptr) panel->source = obs_source_get_weak_source(source);
+    if (filter != nullptr) panel->source = obs_source_get_weak_source(filter->source());
     Panel* const data = panel.get();
     obs_properties_t* const all = obs_properties_create_param(
         panel.release(), [](void* last) { const std::unique_ptr<Panel> owner(static_cast<Panel*>(last)); });
@@ -414,13 +455,13 @@ obs_properties_t* CreateProperties(obs_source_t* source) {
             "DeletePreset.Tip");
     obs_properties_add_group(all, kPresetsGroup, obs_module_text("OwnPresets"), OBS_GROUP_NORMAL, own);
 
-    const Data settings(source != nullptr ? obs_source_get_settings(source) : obs_data_create(),
+    const Data settings(filter != nullptr ? obs_source_get_settings(filter->source()) : obs_data_create(),
                         obs_data_release);
-    if (source == nullptr) SetDefaults(settings.get());
+    if (filter == nullptr) SetDefaults(settings.get());
     // A search belongs to the dialog that it was typed in.
     obs_data_unset_user_value(settings.get(), kSearchKey);
-    data->shown = obs_data_get_string(settings.get(), kEffectKey);
-    FillList(list, "", data->shown);
+    SetShown(*data, obs_data_get_string(settings.get(), kEffectKey));
+    data->found = FillList(list, "", data->shown);
     ShowEffect(all, settings.get());
     obs_property_set_modified_callback2(search, OnSearch, data);
     obs_property_set_modified_callback2(list, OnEffect, data);

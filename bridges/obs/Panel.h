@@ -6,8 +6,10 @@
 
 namespace sfxobs {
 
-/// Belongs to the caller, as with OBS's callbacks. `source` is the filter; null for a kind of filter.
-obs_properties_t* CreateProperties(obs_source_t* source);
+class Filter;
+
+/// Belongs to the caller, as with OBS's callbacks. `filter` is null for the properties of a kind of filter.
+obs_properties_t* CreateProperties(Filter* filter);
 
 }  // namespace sfxobs
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -25,11 +26,12 @@ struct Dialog {
     obs_property_t* Property(const std::string& name) const {
         return obs_properties_get(properties.get(), name.c_str());
     }
-    /// What the dialog does when the user changes a text or chooses from a list.
-    void Set(const char* name, const std::string& value) {
+    /// What the dialog does when the user changes a text or chooses from a list. Returns whether the dialog
+    /// has to be rebuilt.
+    bool Set(const char* name, const std::string& value) {
         obs_data_set_string(settings.get(), name, value.c_str());
         obs_source_update(filter.get(), nullptr);
-        EXPECT_TRUE(obs_property_modified(Property(name), settings.get()));
+        return obs_property_modified(Property(name), settings.get());
     }
     void Push(const char* button) {
         EXPECT_TRUE(obs_property_button_clicked(Property(button), filter.get())) << button;
@@ -117,7 +119,7 @@ TEST(Panel, ShowsEveryPropertyAsWhatItIs) {
     for (size_t i = 0; i < sfx_effect_count(); ++i) {
         const sfx_effect_info& effect = *sfx_effect_at(i);
         SCOPED_TRACE(effect.id);
-        dialog.Set("effect", effect.id);
+        EXPECT_TRUE(dialog.Set("effect", effect.id));
         obs_properties_t* const group = obs_property_group_content(dialog.Property("settings"));
         size_t count = 0;
         for (obs_property_t* p = obs_properties_first(group); p != nullptr; obs_property_next(&p)) ++count;
@@ -164,7 +166,7 @@ TEST(Panel, FindsByTyping) {
     Dialog dialog(R"({"effect": "sepia"})");
     obs_property_t* const list = dialog.Property("effect");
     const size_t all = obs_property_list_item_count(list);
-    dialog.Set("search", "ra");
+    EXPECT_TRUE(dialog.Set("search", "ra"));
     EXPECT_LT(obs_property_list_item_count(list), all);
     dialog.Set("search", "RAIN pane");
     EXPECT_EQ(dialog.Effect(), "rain-drops") << "a single match is chosen";
@@ -186,6 +188,31 @@ TEST(Panel, FindsByTyping) {
     dialog.Set("search", "rain");
     const Properties again(obs_source_properties(dialog.filter.get()), obs_properties_destroy);
     EXPECT_EQ(obs_property_list_item_count(obs_properties_get(again.get(), "effect")), all);
+}
+
+TEST(Panel, FindsTheDefaultEffectAfterAReset) {
+    Dialog dialog(R"({"effect": "rain"})");
+    for (const char* const search : {"rain", "fire"}) {
+        dialog.Set("search", search);
+        // OBS's button "Defaults": the list does not have the default effect, and OBS chooses the first item.
+        obs_data_clear(dialog.settings.get());
+        EXPECT_EQ(obs_property_list_item_disabled(dialog.Property("effect"), 0), true);
+        dialog.Set("effect", obs_property_list_item_string(dialog.Property("effect"), 0));
+        EXPECT_EQ(dialog.Effect(), "sepia");
+        EXPECT_GT(ValuesOf(dialog.Property("effect")).size(), 63U);
+        EXPECT_FALSE(obs_property_visible(dialog.Property("problem")));
+    }
+}
+
+TEST(Panel, IsRebuiltOnceForKeysThatComeTogether) {
+    Dialog dialog;
+    WaitForFrames(10);
+    EXPECT_TRUE(dialog.Set("search", "r"));
+    EXPECT_FALSE(dialog.Set("search", "ra"));
+    WaitForFrames(10);
+    EXPECT_TRUE(dialog.Set("search", "rain"));
+    WaitForFrames(10);
+    EXPECT_FALSE(dialog.Set("search", "rain ")) << "the same is found";
 }
 
 TEST(Panel, FillsInAPresetsValues) {
@@ -271,6 +298,21 @@ TEST(Panel, ShowsWhatIsWrongWithAnEffect) {
     EXPECT_TRUE(ValuesOf(dialog.Property("effect")).contains("sepiaa"));
     dialog.Set("effect", "sepia");
     EXPECT_FALSE(obs_property_visible(dialog.Property("problem")));
+}
+
+TEST(Panel, IsToldOfChangesFromOutside) {
+    Dialog dialog(R"({"effect": "rain"})");
+    std::atomic<int> told = 0;
+    const auto count = [](void* data, calldata_t*) { ++*static_cast<std::atomic<int>*>(data); };
+    signal_handler_t* const signals = obs_source_get_signal_handler(dialog.filter.get());
+    signal_handler_connect(signals, "update_properties", count, &told);
+    dialog.Set("effect", "sepia");
+    WaitForFrames(5);
+    const int after = told;
+    // As a script does it, and the dialog's button "Defaults".
+    Update(dialog.filter, R"({"effect": "neonize"})");
+    EXPECT_TRUE(WaitUntil([&] { return told > after; }));
+    signal_handler_disconnect(signals, "update_properties", count, &told);
 }
 
 TEST(Panel, DescribesAKindOfFilterToo) {
