@@ -6,9 +6,9 @@ RELEASE := build/release
 INSTALLED ?= build/installed.txt
 
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 obs
 
-.PHONY: build arm64 install install-gstreamer install-frei0r uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
+.PHONY: build arm64 install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
 ## build      the library and the program, in build/release
 build:
@@ -40,6 +40,15 @@ install-frei0r: install
 	cmake --build --preset release --target frei0r_plugins
 	cmake --install $(RELEASE) --component frei0r
 	$(call remember,install_manifest_frei0r.txt)
+
+## install-obs  the plugin for OBS Studio, for the user who calls this; needs no rights
+OBS_PLUGINS ?= $(or $(XDG_CONFIG_HOME),$(HOME)/.config)/obs-studio/plugins
+install-obs:
+	@tools/setup.sh build obs
+	cmake --preset release -DSE_BUILD_OBS=ON
+	cmake --build --preset release --target product obs_plugin
+	cmake --install $(RELEASE) --component obs-user --prefix $(OBS_PLUGINS)/specialeffects
+	$(call remember,install_manifest_obs-user.txt)
 
 ## uninstall  what the last `make install` installed, with the same DESTDIR
 uninstall:
@@ -137,6 +146,13 @@ check-frei0r:
 	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_FREI0R=ON
 	cmake --build --preset release --target frei0r_tests
 	$(call run_tests,release,-L frei0r)
+
+# The plugin for OBS Studio: its filters in a libobs, and in OBS itself.
+check-obs:
+	@tools/setup.sh build check obs check-obs
+	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_OBS=ON
+	cmake --build --preset release --target obs_tests cascade
+	$(call run_tests,release,-L obs)
 
 # The Python module: its tests and examples, its types, and its wheel.
 check-python:

@@ -26,6 +26,8 @@ frei0r       frei0r-plugins-dev
 check-frei0r ffmpeg melt libxml2-utils qtdeclarative5-dev-tools
 web          clang-22 lld-22 libc++-22-dev-wasm32 libc++abi-22-dev-wasm32 libclang-rt-22-dev-wasm32 wasi-libc binaryen
 web          cmake ninja-build nodejs
+obs          libobs-dev
+check-obs    obs-studio ffmpeg xvfb xauth libx11-dev libgl1-mesa-dri libegl1
 bench        libopencv-dev
 lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
 '

@@ -9,8 +9,8 @@ while IFS= read -r file || [ -n "$file" ]; do
     rm -fv "${DESTDIR:-}$file"
     folder=${file%/*}
     while :; do
-        case ${folder##*/} in
-            specialeffects | sfx | framework) rmdir "${DESTDIR:-}$folder" 2> /dev/null || break ;;
+        case $folder in
+            */specialeffects | */sfx | */framework | */obs-studio/plugins/specialeffects/*) rmdir "${DESTDIR:-}$folder" 2> /dev/null || break ;;
             *) break ;;
         esac
         folder=${folder%/*}

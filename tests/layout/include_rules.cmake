@@ -177,7 +177,7 @@ foreach(file IN LISTS files)
     check_outside_file(${file} tests/abi)
 endforeach()
 
-foreach(room bridges/gstreamer tests/bridges/gstreamer)
+foreach(room bridges/gstreamer tests/bridges/gstreamer tests/bridges/obs)
     sources(files ${room})
     foreach(file IN LISTS files)
         check_outside_file(${file} ${room} sfx/sfx.h)
