@@ -1,16 +1,17 @@
-// The effects of one processor: which run, which are being made ready, and what happens when the instance breaks.
-import type { DataFiles } from './dataFiles.js';
-import { type Chain, Library, type Picture, type PictureFormat, isTrap } from './library.js';
+// The effects of one processor: which run, which are being made ready, and what becomes of them when the instance breaks.
+import { asError } from './errors.js';
+import type { Guest, Host } from './host.js';
+import { type Chain, type PictureFormat, isTrap } from './library.js';
 import { type PropertyValue, SpecialEffectsError } from './types.js';
 
-/** After this many traps in a row, with fewer good frames than this between them, the effects are given up. */
+/** After this many traps in a row, with fewer good frames than this between them, the effects are taken off. */
 const MOST_TRAPS = 3;
 const GOOD_FRAMES = 100;
 
 export interface EngineOptions {
-  readonly module: WebAssembly.Module;
+  /** Where it runs. Engines that process VideoFrames do not share one. */
+  readonly host: Host;
   readonly seed: number;
-  readonly dataFiles: DataFiles;
   /** Told of errors that no caller gets: on frames, and in data files. */
   readonly onError: (error: SpecialEffectsError) => void;
 }
@@ -20,21 +21,15 @@ export interface Size {
   readonly height: number;
 }
 
-/** An instance of the module, and the memory of the frame that it works on. */
-interface Instance {
-  readonly library: Library;
-  readonly picture: Picture;
-}
-
 /** A picture of RGBA pixels, such as an ImageData. */
 export interface Pixels extends Size {
   readonly data: Uint8Array | Uint8ClampedArray;
 }
 
-export class Engine {
-  readonly #options: EngineOptions;
-  readonly #files = new Map<string, Uint8Array>();
-  #instance: Instance | null = null;
+export class Engine implements Guest {
+  readonly #host: Host;
+  readonly #seed: number;
+  readonly #onError: (error: SpecialEffectsError) => void;
   #chain: Chain | null = null;
   #text = ''; // of #chain, with what has been set: for a new instance
   #size: Size | null = null;
@@ -44,19 +39,12 @@ export class Engine {
   #trapsInRow = 0;
   #goodFrames = 0;
   #reported = ''; // the last error of a frame; told once until a frame succeeds
-  #restarting: Promise<void> = Promise.resolve();
 
-  /** How often the instance broke and was replaced. */
-  restarts = 0;
-
-  private constructor(options: EngineOptions) {
-    this.#options = options;
-  }
-
-  static async create(options: EngineOptions): Promise<Engine> {
-    const engine = new Engine(options);
-    engine.#instance = await engine.#instantiate();
-    return engine;
+  constructor({ host, seed, onError }: EngineOptions) {
+    this.#host = host;
+    this.#seed = seed;
+    this.#onError = onError;
+    host.add(this);
   }
 
   /** Whether frames would change now. */
@@ -64,9 +52,14 @@ export class Engine {
     return this.#chain !== null;
   }
 
+  /** How often the instance broke and was replaced. */
+  get restarts(): number {
+    return this.#host.restarts;
+  }
+
   /** Bytes of WebAssembly memory; 0 while there is no instance. */
   get memory(): number {
-    return this.#instance?.library.memorySize ?? 0;
+    return this.#host.instance?.library.memorySize ?? 0;
   }
 
   /**
@@ -83,18 +76,14 @@ export class Engine {
     const request = ++this.#request;
     this.#size = size ?? this.#size;
     this.#trapsInRow = 0;
-    await this.#restarting;
-    this.#instance ??= await this.#instantiate();
-    if (text.trim() === '') {
-      await this.#locked(() => {
-        this.#replace(null);
-      });
-      return;
+    await this.#host.ready();
+    const isEmpty = text.trim() === '';
+    if (!isEmpty) {
+      const names = await this.#locked(() => this.#dataFiles(text));
+      await this.#host.provide(names, this.#onError);
     }
-    const missing = await this.#locked(() => this.#missingFiles(text));
-    await Promise.all(missing.map((name) => this.#fetchFile(name)));
     await this.#locked(() => {
-      if (request === this.#request) this.#replace(this.#ready(text));
+      if (request === this.#request) this.#replace(isEmpty ? null : this.#ready(text));
     });
   }
 
@@ -133,7 +122,7 @@ export class Engine {
   applyToFrame(frame: VideoFrame): Promise<VideoFrame | null> {
     return this.#locked(async () => {
       const shape = shapeOf(frame);
-      const [chain, instance] = [this.#chain, this.#instance];
+      const [chain, instance] = [this.#chain, this.#host.instance];
       if (shape === null || chain === null || instance === null) return null;
       const { picture } = instance;
       const { format, pixelFormat, width, height } = shape;
@@ -175,7 +164,7 @@ export class Engine {
    * nanoseconds; null: 1/30 s after the picture before. Throws where they fail; the pixels are then as they were.
    */
   applyToPixels({ data, width, height }: Pixels, time: bigint | null): void {
-    const [chain, instance] = [this.#chain, this.#instance];
+    const [chain, instance] = [this.#chain, this.#host.instance];
     if (instance === null) throw new SpecialEffectsError('trap', 'the WebAssembly instance is being replaced');
     if (chain === null) return;
     this.#size = { width, height };
@@ -200,12 +189,11 @@ export class Engine {
     }
   }
 
-  /** Ends its use of memory. */
+  /** Frees the memory of its effects. */
   destroy(): void {
     ++this.#request;
-    this.#chain = null;
-    this.#instance = null;
-    this.#files.clear();
+    this.#host.remove(this);
+    this.#replace(null);
   }
 
   // ---- one thing at a time: while a frame is copied nothing may make the memory grow ----
@@ -218,34 +206,24 @@ export class Engine {
 
   // ---- effects ----
 
-  #library(): Library {
-    if (this.#instance === null) throw new SpecialEffectsError('trap', 'the WebAssembly instance is being replaced');
-    return this.#instance.library;
+  #create(text: string): Chain {
+    const { instance } = this.#host;
+    if (instance === null) throw new SpecialEffectsError('trap', 'the WebAssembly instance is being replaced');
+    return instance.library.create(text, this.#seed);
   }
 
-  #missingFiles(text: string): string[] {
+  #dataFiles(text: string): string[] {
     return this.#guarded(() => {
-      const chain = this.#library().create(text, this.#options.seed);
-      const missing = chain.dataFiles.filter((name) => !this.#files.has(name));
+      const chain = this.#create(text);
+      const names = chain.dataFiles;
       chain.destroy();
-      return missing;
+      return names;
     });
-  }
-
-  async #fetchFile(name: string): Promise<void> {
-    try {
-      const bytes = await this.#options.dataFiles(name, this.#options.module);
-      if (bytes !== null) this.#files.set(name, bytes);
-    } catch (error) {
-      this.#options.onError(asError(error)); // the effect runs without it
-    }
   }
 
   #ready(text: string): Chain {
     return this.#guarded(() => {
-      const library = this.#library();
-      for (const [name, bytes] of this.#files) library.writeDataFile(name, bytes);
-      const chain = library.create(text, this.#options.seed);
+      const chain = this.#create(text);
       try {
         if (this.#size !== null) chain.prepare(this.#size.width, this.#size.height);
       } catch (error) {
@@ -267,19 +245,35 @@ export class Engine {
     }
   }
 
-  // ---- traps ----
+  // ---- when the instance breaks ----
 
-  /** Calls into the instance. A trap breaks it for good: another is made, and frames pass until it is there. */
+  onBroken(): void {
+    this.#chain = null;
+    this.#goodFrames = 0;
+  }
+
+  onReplaced(): void {
+    const request = this.#request;
+    this.#locked(() => {
+      if (request === this.#request && this.#text !== '') this.#replace(this.#ready(this.#text));
+    }).catch((error: unknown) => {
+      this.#onError(asError(error));
+    });
+  }
+
+  onError(error: SpecialEffectsError): void {
+    this.#onError(error);
+  }
+
   #guarded<T>(use: () => T): T {
     try {
-      return use();
+      return this.#host.guarded(use);
     } catch (error) {
-      if (isTrap(error)) {
-        this.#chain = null;
-        this.#instance = null;
-        this.#restarting = this.#restart();
+      if (error instanceof SpecialEffectsError && error.code === 'trap' && ++this.#trapsInRow > MOST_TRAPS) {
+        this.#text = '';
+        throw new SpecialEffectsError('trap', 'the effects broke again and again, and are taken off', { cause: error });
       }
-      throw asError(error);
+      throw error;
     }
   }
 
@@ -290,42 +284,9 @@ export class Engine {
 
   #report(error: unknown): void {
     const known = asError(error);
-    if (known.message !== this.#reported) this.#options.onError(known);
+    if (known.message !== this.#reported) this.#onError(known);
     this.#reported = known.message;
   }
-
-  async #instantiate(): Promise<Instance> {
-    const library = await Library.instantiate(this.#options.module);
-    return { library, picture: library.createPicture() };
-  }
-
-  async #restart(): Promise<void> {
-    const text = this.#text;
-    const request = this.#request;
-    this.#goodFrames = 0;
-    try {
-      const instance = await this.#instantiate();
-      this.#instance = instance;
-      ++this.restarts;
-      if (++this.#trapsInRow > MOST_TRAPS) {
-        throw new SpecialEffectsError('trap', `the effects "${text}" fail again and again, and are taken off`);
-      }
-      await this.#locked(() => {
-        if (request === this.#request && text !== '') this.#replace(this.#ready(text));
-      });
-    } catch (error) {
-      this.#options.onError(asError(error));
-    }
-  }
-}
-
-/** Any error as one of the package's. */
-export function asError(error: unknown): SpecialEffectsError {
-  if (error instanceof SpecialEffectsError) return error;
-  const message = error instanceof Error ? error.message : String(error);
-  return isTrap(error)
-    ? new SpecialEffectsError('trap', `the WebAssembly instance broke: ${message}`, { cause: error })
-    : new SpecialEffectsError('failed', message, { cause: error });
 }
 
 // ---- frames -----------------------------------------------------------------------------------------------------

@@ -4,7 +4,9 @@ import { dataFilesFrom } from './dataFiles.js';
 import { toEffectText } from './effectText.js';
 import { Engine } from './engine.js';
 import { type Context, createContext, pixelsOf } from './frames.js';
+import { Host } from './host.js';
 import type {
+  Assets,
   Effects,
   ImageOptions,
   ImageProcessor,
@@ -35,14 +37,28 @@ export async function applyEffects(
 /** Effects for one picture after another; see ImageProcessor. */
 export async function createImageProcessor(options: ImageProcessorOptions = {}): Promise<ImageProcessor> {
   const { assets = {}, effects = '', seed = 1 } = options;
-  const engine = await Engine.create({
-    module: await compile(assets),
+  const engine = new Engine({
+    host: hostOf(await compile(assets), assets),
     seed,
-    dataFiles: dataFilesFrom(cascadeUrl(assets), () => createWorker(assets)),
     onError: () => undefined, // the effect runs without its data file
   });
   await engine.setEffects(toEffectText(effects));
   return new EngineProcessor(engine);
+}
+
+const hosts = new WeakMap<WebAssembly.Module, Host>();
+
+/** The instance of this module that all processors of this thread share. */
+function hostOf(module: WebAssembly.Module, assets: Assets): Host {
+  let host = hosts.get(module);
+  if (host === undefined) {
+    host = new Host(
+      module,
+      dataFilesFrom(cascadeUrl(assets), () => createWorker(assets)),
+    );
+    hosts.set(module, host);
+  }
+  return host;
 }
 
 class EngineProcessor implements ImageProcessor {

@@ -4,6 +4,7 @@ import { readFile } from 'node:fs/promises';
 import { hasSimd } from './assets.js';
 import { CASCADE } from './dataFiles.js';
 import { toEffectText } from './effectText.js';
+import { asError } from './errors.js';
 import { type Chain, Library, type Picture, type PictureFormat, isTrap } from './library.js';
 import { type Effects, type PropertyValue, SpecialEffectsError } from './types.js';
 
@@ -22,11 +23,14 @@ export interface Shape {
 export interface NodeEffectOptions {
   /** Start of the random generators. Default: 1. */
   readonly seed?: number;
-  /** Data files by name, in place of those of the package: `{ 'haar.txt': bytes }`. */
+  /**
+   * Data files by name, in place of those of the package: `{ 'haar.txt': bytes }`. The effect then has a WebAssembly
+   * instance of its own; all others share one.
+   */
   readonly dataFiles?: Readonly<Record<string, Uint8Array>>;
 }
 
-/** One effect, or several in a row, in a WebAssembly instance of its own. */
+/** One effect, or several in a row. */
 export interface NodeEffect {
   /** The text that creates the same effects with the same settings. */
   readonly text: string;
@@ -43,11 +47,14 @@ export interface NodeEffect {
   prepare(width: number, height: number): void;
   /** Forgets earlier pictures. */
   reset(): void;
-  /** A data file that an effect has made (`perlin.dat`), to be handed to the next one; null when there is none. */
+  /** A data file that an effect has made (`perlin.dat`), to be handed to another process; null when there is none. */
   dataFile(name: string): Uint8Array | null;
+  /** Frees its memory. It must not be used afterwards. */
+  destroy(): void;
 }
 
 let compiled: Promise<WebAssembly.Module> | null = null;
+let shared: Promise<Library> | null = null; // the instance of effects without data files of their own
 
 const asset = (name: string) => readFile(new URL(`./${name}`, import.meta.url));
 
@@ -55,16 +62,34 @@ async function compile(): Promise<WebAssembly.Module> {
   return WebAssembly.compile(await asset(hasSimd() ? 'specialeffects.wasm' : 'specialeffects-baseline.wasm'));
 }
 
+async function instantiate(): Promise<Library> {
+  compiled ??= compile();
+  return Library.instantiate(await compiled);
+}
+
 /** Creates effects from a text or a list: `createEffect('sepia+rain:drop-size=9')`. */
 export async function createEffect(effects: Effects, options: NodeEffectOptions = {}): Promise<NodeEffect> {
-  compiled ??= compile();
-  const library = await Library.instantiate(await compiled);
-  const chain = library.create(toEffectText(effects), options.seed);
-  if (chain.dataFiles.includes(CASCADE) && options.dataFiles?.[CASCADE] === undefined) {
+  const library = await (options.dataFiles ? instantiate() : (shared ??= instantiate()));
+  for (const [name, bytes] of Object.entries(options.dataFiles ?? {})) library.writeDataFile(name, bytes);
+  const chain = guarded(library, () => library.create(toEffectText(effects), options.seed));
+  if (chain.dataFiles.includes(CASCADE) && library.readDataFile(CASCADE) === null) {
     library.writeDataFile(CASCADE, await asset(CASCADE));
   }
-  for (const [name, bytes] of Object.entries(options.dataFiles ?? {})) library.writeDataFile(name, bytes);
   return new LibraryEffect(library, chain);
+}
+
+/** A trap breaks the instance and all effects in it: the next ones get another. */
+function guarded<T>(library: Library, use: () => T): T {
+  try {
+    return use();
+  } catch (error) {
+    if (isTrap(error)) {
+      void shared?.then((present) => {
+        if (present === library) shared = null;
+      });
+    }
+    throw asError(error);
+  }
 }
 
 class LibraryEffect implements NodeEffect {
@@ -123,12 +148,14 @@ class LibraryEffect implements NodeEffect {
     return this.#library.readDataFile(name);
   }
 
+  destroy(): void {
+    this.#guarded(() => {
+      this.#chain.destroy();
+      this.#picture.destroy();
+    });
+  }
+
   #guarded<T>(use: () => T): T {
-    try {
-      return use();
-    } catch (error) {
-      if (!isTrap(error)) throw error;
-      throw new SpecialEffectsError('trap', `the WebAssembly instance broke: ${String(error)}`, { cause: error });
-    }
+    return guarded(this.#library, use);
   }
 }

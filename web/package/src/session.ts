@@ -2,6 +2,7 @@
 import type { DataFiles } from './dataFiles.js';
 import { Engine, type Size } from './engine.js';
 import { type Context, type Frame, StillFrame, createContext, pixelsOf } from './frames.js';
+import { Host } from './host.js';
 import { Pump, type SessionStats } from './pump.js';
 import type { PropertyValue, SpecialEffectsError } from './types.js';
 
@@ -51,10 +52,9 @@ export class Session {
 
   /** Resolves when the effects are ready; rejects where they are not valid. */
   static async create(init: SessionInit, dataFiles: DataFiles, events: SessionEvents): Promise<Session> {
-    const engine = await Engine.create({
-      module: init.module,
+    const engine = new Engine({
+      host: new Host(init.module, dataFiles),
       seed: init.seed,
-      dataFiles,
       onError: (error) => {
         events.onError(error);
       },

@@ -1,7 +1,7 @@
 // The worker of a processor.
 import { createWorkerGenerator, framesOf, hasStreams } from './breakoutBox.js';
 import { dataFilesFrom, makeNoise } from './dataFiles.js';
-import { asError } from './engine.js';
+import { asError } from './errors.js';
 import { fromPosted, toPosted } from './frames.js';
 import type { Answer, Call, FromWorker, PostedError, ToWorker } from './messages.js';
 import { Session, type SessionInit } from './session.js';

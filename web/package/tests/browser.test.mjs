@@ -30,7 +30,7 @@ function pageTest(name, use) {
   test(name, { timeout: 60_000 }, async () => {
     const opened = await openPage(browser, server.url);
     try {
-      await use(opened.page);
+      await use(opened.page, opened.complaints);
       assert.deepEqual(await opened.page.evaluate(() => errors), []);
       assert.deepEqual(opened.complaints, []);
     } finally {
@@ -42,7 +42,11 @@ function pageTest(name, use) {
 /** SHA-256 of what Node makes of a picture. */
 async function expectedHash(effects, bytes, shape) {
   const result = Buffer.from(bytes);
-  if (effects !== '') (await createEffect(effects)).process(result, shape);
+  if (effects !== '') {
+    const effect = await createEffect(effects);
+    effect.process(result, shape);
+    effect.destroy();
+  }
   return Buffer.from(await crypto.subtle.digest('SHA-256', result)).toString('hex');
 }
 
@@ -109,12 +113,9 @@ pageTest('formats, odd sizes and cuts come out as in Node', async (page) => {
             ...(visibleRect ? { visibleRect } : {}),
           });
         const { track, write } = handMadeTrack();
-        const running = processor({ effects: 'sepia' });
+        window.running ??= processor({ effects: 'sepia' });
         const output = await running.start(track);
         const stop = feed((timestamp) => write(make(timestamp)));
-        const [frame] = await hashes(output, 1);
-        stop();
-        await running.stop();
         // What Node is given: the same cut.
         const source = make(0);
         const { x, y, width: w, height: h } = source.visibleRect;
@@ -123,6 +124,9 @@ pageTest('formats, odd sizes and cuts come out as in Node', async (page) => {
         const rect = { x: left, y: top, width: (x + w - left) & ~1, height: (y + h - top) & ~1 };
         const cut = Array.from(await bytesOf(source, { rect }));
         source.close();
+        const frame = await waitForFrame(output, (found) => found.format === format && found.width === rect.width);
+        stop();
+        track.stop();
         return { frame, rect, cut };
       },
       { format, width, height, visibleRect },
@@ -226,7 +230,7 @@ for (const [name, script] of [
         const canvas = document.createElement('canvas');
         canvas.width = 640;
         canvas.height = 480;
-        const context = canvas.getContext('2d');
+        const context = canvas.getContext('2d', { willReadFrequently: true });
         const colours = () => {
           context.drawImage(video, 0, 0);
           const { data } = context.getImageData(0, 0, 640, 480);
@@ -280,7 +284,7 @@ pageTest('two processors at once, each with its effects', async (page) => {
   assert.deepEqual(found, [await expectedHash('sepia', picture, shape), gray, gray]);
 });
 
-pageTest('properties change while frames flow; mistakes are refused', async (page) => {
+pageTest('properties change while frames flow; mistakes are refused', async (page, complaints) => {
   const found = await page.evaluate(async () => {
     const codes = [];
     const note = (promise) => promise.then(() => codes.push('none'), (error) => codes.push(error.code));
@@ -315,6 +319,7 @@ pageTest('properties change while frames flow; mistakes are refused', async (pag
   assert.equal(found.red, expected);
   assert.equal(found.still, expected);
   assert.equal(found.restarted, expected);
+  assert.match(complaints.splice(0).join('\n'), /^Failed to load resource: .*404[^\n]*$/); // nowhere.wasm
 });
 
 pageTest('maxFps bounds the rate', async (page) => {
@@ -461,7 +466,7 @@ pageTest('a peer connection sends the track', async (page) => {
     await video.play();
     const canvas = document.createElement('canvas');
     canvas.width = canvas.height = 64;
-    const context = canvas.getContext('2d');
+    const context = canvas.getContext('2d', { willReadFrequently: true });
     const colour = () => {
       context.drawImage(video, 0, 0, 64, 64);
       const { data } = context.getImageData(0, 0, 64, 64);

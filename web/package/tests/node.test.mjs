@@ -22,11 +22,13 @@ function clipOf(width, height) {
 /** Applies effects to copies of the pictures of a clip. */
 async function apply(effects, { pictures, width, height }, options) {
   const effect = await createEffect(effects, options);
-  return pictures.map((picture) => {
+  const results = pictures.map((picture) => {
     const result = Buffer.from(picture);
     effect.process(result, { format: 'i420', width, height });
     return result;
   });
+  effect.destroy();
+  return results;
 }
 
 function assertSame(actual, expected, what) {
@@ -50,13 +52,27 @@ for (const effects of [
   test(`${effects} gives the bytes of the program`, async () => {
     const actual = await apply(effects, clip);
     assertSame(actual, applyProgram(effects, clip.path, clip.width, clip.height), effects);
-    assert.ok(effects === 'picture-me' || !actual.at(-1).equals(clip.pictures.at(-1)), 'nothing was changed');
+    // Picture Me finds no face; Time Distortion shows the past after some seconds.
+    const shows = !['picture-me', 'time-distortion'].includes(effects);
+    assert.ok(!shows || !actual.at(-1).equals(clip.pictures.at(-1)), 'nothing was changed');
   });
 }
 
-test('odd sizes give the bytes of the program', async () => {
-  const odd = clipOf(161, 121);
-  assertSame(await apply('sketch-2', odd), applyProgram('sketch-2', odd.path, 161, 121), 'sketch-2');
+test('at odd sizes effects see the last column and row twice', async () => {
+  const [odd, even] = [Buffer.alloc(161 * 121 + 2 * 81 * 61, 90), Buffer.alloc(162 * 122 + 2 * 81 * 61, 90)];
+  for (let y = 0; y < 122; ++y) {
+    for (let x = 0; x < 162; ++x) {
+      const value = 30 + ((Math.min(x, 160) * 3 + Math.min(y, 120) * 5) % 180);
+      even[y * 162 + x] = value;
+      if (x < 161 && y < 121) odd[y * 161 + x] = value;
+    }
+  }
+  const effect = await createEffect('sketch-2');
+  effect.process(odd, { format: 'i420', width: 161, height: 121 });
+  effect.process(even, { format: 'i420', width: 162, height: 122 });
+  for (let y = 0; y < 121; ++y) {
+    assert.ok(odd.subarray(y * 161, y * 161 + 161).equals(even.subarray(y * 162, y * 162 + 161)), `row ${y}`);
+  }
 });
 
 test('seeds matter, and repeat', async () => {
@@ -69,7 +85,7 @@ test('seeds matter, and repeat', async () => {
 
 test('the noise of Clouds can be handed on', async () => {
   const first = await createEffect('clouds');
-  first.prepare(64, 48);
+  first.prepare(64, 48); // made before, or made here
   const noise = first.dataFile('perlin.dat');
   assert.ok(noise.length > 1_000_000);
   assertSame(
@@ -147,6 +163,7 @@ test('errors have a code and a sentence', async () => {
 // ---- the engine of processors -----------------------------------------------------------------------------------
 
 const { Engine } = await load('engine');
+const { Host } = await load('host');
 const module = await WebAssembly.compile(readFileSync(join(root, 'dist/specialeffects.wasm')));
 const WIDTH = 64;
 const HEIGHT = 48;
@@ -156,14 +173,12 @@ const pixels = (value) => ({
   data: Uint8ClampedArray.from({ length: WIDTH * HEIGHT * 4 }, (_, i) => (i % 4 === 3 ? 255 : (i * value) & 255)),
 });
 
-async function createEngine(options = {}) {
+async function createEngine({ dataFiles = async () => null } = {}) {
   const errors = [];
-  const engine = await Engine.create({
-    module,
+  const engine = new Engine({
+    host: new Host(module, dataFiles),
     seed: 1,
-    dataFiles: async () => null,
     onError: (error) => errors.push(error),
-    ...options,
   });
   return { engine, errors };
 }
@@ -282,7 +297,8 @@ test('a data file that cannot be had is told, and the effect runs without', asyn
 });
 
 test('changing effects and sizes does not make the memory grow', async () => {
-  const { engine } = await createEngine();
+  const noise = (await createEffect('clouds')).dataFile('perlin.dat');
+  const { engine } = await createEngine({ dataFiles: async (name) => (name === 'perlin.dat' ? noise : null) });
   const round = async () => {
     for (const effects of ['sketch-2', 'rain', 'time-distortion+sepia', 'clouds', 'picture-me']) {
       await engine.setEffects(effects, { width: 320, height: 240 });

@@ -68,10 +68,10 @@ export function writeY4m(path, width, height, pictures) {
 export function parseY4m(bytes, width, height) {
   const size = width * height + 2 * ((width + 1) >> 1) * ((height + 1) >> 1);
   const pictures = [];
-  for (let at = bytes.indexOf('\n') + 1; at < bytes.length; ) {
-    at = bytes.indexOf('\n', at) + 1;
+  const frame = Buffer.from('FRAME\n');
+  for (let at = bytes.indexOf(frame); at >= 0; at = bytes.indexOf(frame, at + size)) {
+    at += frame.length;
     pictures.push(bytes.subarray(at, at + size));
-    at += size;
   }
   return pictures;
 }

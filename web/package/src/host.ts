@@ -1,0 +1,110 @@
+// An instance of the module that engines run in, its data files, and a new one when it breaks.
+import type { DataFiles } from './dataFiles.js';
+import { asError } from './errors.js';
+import { Library, type Picture, isTrap } from './library.js';
+import { SpecialEffectsError } from './types.js';
+
+export interface Instance {
+  readonly library: Library;
+  /** The frame that is worked on. */
+  readonly picture: Picture;
+}
+
+/** An engine, as its host sees it. */
+export interface Guest {
+  /** All that the instance held is gone. */
+  onBroken(): void;
+  /** There is a new one. */
+  onReplaced(): void;
+  /** There will be none until `ready` is called. */
+  onError(error: SpecialEffectsError): void;
+}
+
+export class Host {
+  /** How often the instance broke and was replaced. */
+  restarts = 0;
+
+  readonly #module: WebAssembly.Module;
+  readonly #dataFiles: DataFiles;
+  readonly #guests = new Set<Guest>();
+  readonly #files = new Map<string, Promise<Uint8Array | null>>();
+  #instance: Instance | null = null;
+  #starting: Promise<void> | null = null;
+
+  constructor(module: WebAssembly.Module, dataFiles: DataFiles) {
+    this.#module = module;
+    this.#dataFiles = dataFiles;
+  }
+
+  /** The instance; null while there is none. */
+  get instance(): Instance | null {
+    return this.#instance;
+  }
+
+  add(guest: Guest): void {
+    this.#guests.add(guest);
+  }
+
+  remove(guest: Guest): void {
+    this.#guests.delete(guest);
+  }
+
+  /** Resolves when there is an instance. */
+  ready(): Promise<void> {
+    if (this.#instance !== null) return Promise.resolve();
+    this.#starting ??= this.#start().finally(() => {
+      this.#starting = null;
+    });
+    return this.#starting;
+  }
+
+  /** Has these data files in the instance. One that cannot be had is told to the caller, and tried again next time. */
+  async provide(names: readonly string[], onError: (error: SpecialEffectsError) => void): Promise<void> {
+    for (const name of names) {
+      const known = this.#files.get(name);
+      const promise = known ?? this.#dataFiles(name, this.#module);
+      this.#files.set(name, promise);
+      try {
+        const bytes = await promise;
+        if (known === undefined && bytes !== null) this.#instance?.library.writeDataFile(name, bytes);
+      } catch (error) {
+        this.#files.delete(name);
+        onError(asError(error));
+      }
+    }
+  }
+
+  /** Calls into the instance. A trap breaks it for good: another is made. Throws errors of the package. */
+  guarded<T>(use: () => T): T {
+    try {
+      return use();
+    } catch (error) {
+      if (isTrap(error)) this.#replace();
+      throw asError(error);
+    }
+  }
+
+  #replace(): void {
+    if (this.#instance === null) return; // already on its way
+    this.#instance = null;
+    for (const guest of this.#guests) guest.onBroken();
+    this.ready().then(
+      () => {
+        ++this.restarts;
+        for (const guest of this.#guests) guest.onReplaced();
+      },
+      (error: unknown) => {
+        for (const guest of this.#guests) guest.onError(asError(error));
+      },
+    );
+  }
+
+  async #start(): Promise<void> {
+    const library = await Library.instantiate(this.#module);
+    for (const [name, file] of this.#files) {
+      const bytes = await file.catch(() => null);
+      if (bytes !== null) library.writeDataFile(name, bytes);
+    }
+    this.#instance = { library, picture: library.createPicture() };
+  }
+}
