@@ -56,7 +56,7 @@ uninstall:
 
 ## packages   the Debian packages, in build/packages
 packages:
-	@tools/setup.sh build gstreamer frei0r packages
+	@tools/setup.sh build gstreamer frei0r obs packages
 	tools/make_packages.sh build/packages
 
 ## dist       the sources as a tarball that builds on its own, in build
