@@ -2,8 +2,14 @@
 import { type Assets, SpecialEffectsError } from './types.js';
 
 // Bundlers look for exactly this form: new URL(text, import.meta.url).
-export const cascadeUrl = ({ cascade }: Assets): string | null =>
-  cascade === null ? null : absolute(cascade ?? new URL('./haar.txt', import.meta.url));
+
+/** Where the cascade is, its content, or null. */
+export type Cascade = string | Uint8Array | null;
+
+export const cascadeOf = ({ cascade }: Assets): Cascade =>
+  cascade === null || cascade instanceof Uint8Array
+    ? cascade
+    : absolute(cascade ?? new URL('./haar.txt', import.meta.url));
 
 export function createWorker({ worker }: Assets): Worker {
   return worker === undefined

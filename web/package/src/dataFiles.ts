@@ -1,4 +1,5 @@
 // The data files of effects: Picture Me's face cascade is loaded, the noise of Clouds is made once and kept.
+import type { Cascade } from './assets.js';
 import { Library } from './library.js';
 import { SpecialEffectsError } from './types.js';
 
@@ -8,10 +9,10 @@ export const NOISE = 'perlin.dat';
 /** Gives the content of a data file; null where the effect has to do without, or makes it itself. */
 export type DataFiles = (name: string, module: WebAssembly.Module) => Promise<Uint8Array | null>;
 
-/** `cascade`: the address of the cascade; null: none. `createWorker`: starts worker.js. */
-export function dataFilesFrom(cascade: string | null, createWorker: () => Worker): DataFiles {
+/** The data files of a page. `createWorker` starts worker.js. */
+export function dataFilesFrom(cascade: Cascade, createWorker: () => Worker): DataFiles {
   return async (name, module) => {
-    if (name === CASCADE) return cascade === null ? null : load(cascade);
+    if (name === CASCADE) return typeof cascade === 'string' ? load(cascade) : cascade;
     if (name === NOISE) return keptNoise(createWorker, module);
     return null;
   };

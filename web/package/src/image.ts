@@ -1,5 +1,5 @@
 // Effects on pictures, one by one.
-import { cascadeUrl, compile, createWorker } from './assets.js';
+import { cascadeOf, compile, createWorker } from './assets.js';
 import { dataFilesFrom } from './dataFiles.js';
 import { toEffectText } from './effectText.js';
 import { Engine } from './engine.js';
@@ -54,7 +54,7 @@ function hostOf(module: WebAssembly.Module, assets: Assets): Host {
   if (host === undefined) {
     host = new Host(
       module,
-      dataFilesFrom(cascadeUrl(assets), () => createWorker(assets)),
+      dataFilesFrom(cascadeOf(assets), () => createWorker(assets)),
     );
     hosts.set(module, host);
   }

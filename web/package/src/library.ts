@@ -58,13 +58,20 @@ const DATA_FOLDER = '/data';
 const VALUE_SIZE = 64;
 const NO_TIME = -(2n ** 63n);
 
-// Offsets in sfx_effect_info and sfx_picture where addresses and sizes have 4 bytes.
-const INFO_ID = 4;
-const INFO_DATA_FILE = 36;
-const PICTURE_SIZE = 72;
-const PICTURE_PLANES = 24;
-const PICTURE_STRIDES = 40;
-const PICTURE_SIZES = 56;
+/** Sizes and offsets of the structures, where addresses and sizes have 4 bytes. */
+export const LAYOUT = {
+  'sfx_effect_info.id': 4,
+  'sfx_effect_info.data_file': 36,
+  'sfx_picture.sizeof': 72,
+  'sfx_picture.struct_size': 0,
+  'sfx_picture.format': 4,
+  'sfx_picture.width': 8,
+  'sfx_picture.height': 12,
+  'sfx_picture.planes': 24,
+  'sfx_picture.strides': 40,
+  'sfx_picture.sizes': 56,
+} as const;
+const PICTURE_SIZE = LAYOUT['sfx_picture.sizeof'];
 
 /** Whether an error means that the instance broke: a trap, a stack that ran over, an end of the program. */
 export function isTrap(error: unknown): boolean {
@@ -166,8 +173,8 @@ export class Library {
     );
   }
 
-  readInfo(info: number, what: 'id' | 'dataFile'): string | null {
-    return this.#read(this.view().getUint32(info + (what === 'id' ? INFO_ID : INFO_DATA_FILE), true));
+  readInfo(info: number, member: 'id' | 'data_file'): string | null {
+    return this.#read(this.view().getUint32(info + LAYOUT[`sfx_effect_info.${member}`], true));
   }
 
   /** Calls with the addresses of copies of these texts. */
@@ -234,7 +241,7 @@ export class Chain {
 
   /** The names of the data files that its effects read. */
   get dataFiles(): string[] {
-    const names = this.#infos().map((info) => this.#library.readInfo(info, 'dataFile'));
+    const names = this.#infos().map((info) => this.#library.readInfo(info, 'data_file'));
     return [...new Set(names.filter((name) => name !== null))];
   }
 
@@ -367,13 +374,17 @@ export class Picture {
     }
     this.#library.bytes(this.address, PICTURE_SIZE).fill(0);
     const view = this.#library.view();
-    const head = [PICTURE_SIZE, FORMATS.indexOf(format), width, height];
-    head.forEach((value, i) => { view.setInt32(this.address + 4 * i, value, true); });
+    const put = (member: keyof typeof LAYOUT, value: number, index = 0): void => {
+      view.setUint32(this.address + LAYOUT[member] + 4 * index, value, true);
+    };
+    put('sfx_picture.struct_size', PICTURE_SIZE);
+    put('sfx_picture.format', FORMATS.indexOf(format));
+    put('sfx_picture.width', width);
+    put('sfx_picture.height', height);
     planes.forEach(({ bytes, rows }, i) => {
-      const offset = this.#layout[i]?.offset ?? 0;
-      view.setUint32(this.address + PICTURE_PLANES + 4 * i, this.#pixels + offset, true);
-      view.setInt32(this.address + PICTURE_STRIDES + 4 * i, bytes, true);
-      view.setUint32(this.address + PICTURE_SIZES + 4 * i, bytes * rows, true);
+      put('sfx_picture.planes', this.#pixels + (this.#layout[i]?.offset ?? 0), i);
+      put('sfx_picture.strides', bytes, i);
+      put('sfx_picture.sizes', bytes * rows, i);
     });
     this.#shape = shape;
   }

@@ -1,4 +1,4 @@
-import { cascadeUrl, compile, createWorker } from './assets.js';
+import { cascadeOf, compile, createWorker } from './assets.js';
 import { createGenerator, framesOf, hasWindowStreams } from './breakoutBox.js';
 import { dataFilesFrom } from './dataFiles.js';
 import { toEffectText } from './effectText.js';
@@ -129,7 +129,7 @@ class TrackProcessor implements Processor {
       seed,
       maxFps,
       isEnabled: this.#isEnabled,
-      cascade: cascadeUrl(assets),
+      cascade: cascadeOf(assets),
     };
     const wanted = this.#options.path ?? (hasFastPath() ? 'window-streams' : 'worker-streams');
     if (wanted === 'canvas' || typeof Worker === 'undefined') return this.#runInWindow(track, init, assets);

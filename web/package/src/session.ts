@@ -1,4 +1,5 @@
 // One running processor: effects, and frames through them. Lives in the worker; in the window where there is none.
+import type { Cascade } from './assets.js';
 import type { DataFiles } from './dataFiles.js';
 import { Engine, type Size } from './engine.js';
 import { type Context, type Frame, StillFrame, createContext, pixelsOf } from './frames.js';
@@ -16,8 +17,7 @@ export interface SessionInit {
   readonly seed: number;
   readonly maxFps: number | undefined;
   readonly isEnabled: boolean;
-  /** Address of the cascade, or null. */
-  readonly cascade: string | null;
+  readonly cascade: Cascade;
 }
 
 export interface SessionEvents {

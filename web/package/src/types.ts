@@ -147,10 +147,10 @@ export interface Assets {
   /** `worker.js`. Must be of the page's own origin, or a `blob:` address. */
   readonly worker?: string | URL;
   /**
-   * `haar.txt`, the face cascade of Picture Me. It is loaded when an effect first needs it. `null`: not at all; the
-   * effect then finds no face and shows the frame.
+   * `haar.txt`, the face cascade of Picture Me: its address, from where it is loaded when an effect first needs it, or
+   * its content. `null`: none; the effect then finds no face.
    */
-  readonly cascade?: string | URL | null;
+  readonly cascade?: string | URL | Uint8Array | null;
 }
 
 // ---- live video -------------------------------------------------------------------------------------------------

@@ -392,7 +392,21 @@ pageTest('Picture Me loads its cascade, and nothing else does', async (page) => 
     await hashes(output, 2);
     await running.stop();
   });
-  assert.ok(server.requests.slice(before).includes('/dist/haar.txt'));
+  const requested = server.requests.slice(before);
+  assert.ok(requested.includes('/dist/haar.txt'));
+  const { withBytes, withNone } = await page.evaluate(async () => {
+    const cascade = new Uint8Array(await (await fetch('/dist/haar.txt?own')).arrayBuffer());
+    const results = [];
+    for (const own of [cascade, null]) {
+      const running = processor({ effects: 'picture-me', assets: { cascade: own } });
+      const output = await running.start(await camera());
+      results.push((await hashes(output, 2)).length);
+      await running.stop();
+    }
+    return { withBytes: results[0], withNone: results[1] };
+  });
+  assert.deepEqual([withBytes, withNone], [2, 2]);
+  assert.equal(server.requests.slice(before).filter((path) => path === '/dist/haar.txt').length, 2);
 });
 
 pageTest('pictures: ImageData, ImageBitmap, canvas and video', async (page) => {

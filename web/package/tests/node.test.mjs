@@ -11,6 +11,7 @@ import { applyProgram, internals, root, scene, temporaryFolder, writeY4m } from 
 const FRAMES = 12;
 const folder = temporaryFolder();
 const load = await internals();
+const module = await WebAssembly.compile(readFileSync(join(root, 'dist/specialeffects.wasm')));
 
 function clipOf(width, height) {
   const pictures = Array.from({ length: FRAMES }, (_, frame) => scene(width, height, frame));
@@ -160,11 +161,27 @@ test('errors have a code and a sentence', async () => {
   effect.process(picture, { format: 'i420', width: 64, height: 48 });
 });
 
+test('the layout of structures is that of the module', async () => {
+  const { LAYOUT } = await load('library');
+  const { Wasi } = await load('wasi');
+  const wasi = new Wasi();
+  const { exports } = await WebAssembly.instantiate(module, wasi.importsOf(module));
+  wasi.connect(exports.memory);
+  exports._initialize();
+  const memory = Buffer.from(exports.memory.buffer);
+  const text = (address) => memory.toString('utf8', address, memory.indexOf(0, address));
+  const offsets = {};
+  for (let row = exports.sfx_web_layout(); memory.readUInt32LE(row) !== 0; row += 12) {
+    const [structure, member] = [memory.readUInt32LE(row), memory.readUInt32LE(row + 4)].map(text);
+    offsets[`${structure}.${member}`] = memory.readUInt32LE(row + 8);
+  }
+  for (const [name, offset] of Object.entries(LAYOUT)) assert.equal(offsets[name], offset, name);
+});
+
 // ---- the engine of processors -----------------------------------------------------------------------------------
 
 const { Engine } = await load('engine');
 const { Host } = await load('host');
-const module = await WebAssembly.compile(readFileSync(join(root, 'dist/specialeffects.wasm')));
 const WIDTH = 64;
 const HEIGHT = 48;
 const pixels = (value) => ({
