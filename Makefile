@@ -68,6 +68,7 @@ dist:
 demo: build
 	@tools/setup.sh demo
 	tools/make_demo.sh $(RELEASE) build/demo
+	@echo "Live, in a browser: make web && make serve"
 
 ## arm64      both libraries and the tests for 64-bit ARM, cross-built, in build/arm64
 arm64:
@@ -170,6 +171,23 @@ web:
 	cmake --build --preset wasm
 	cmake --preset wasm-baseline
 	cmake --build --preset wasm-baseline
+	@tools/setup.sh build web-page
+	cmake --preset release
+	cmake --build --preset release --target cascade
+	cd web/page && npm ci --no-audit --no-fund
+	node web/page/build.mjs build/web/wasm $(RELEASE)/share/specialeffects build/web/page
+
+## serve      the page that `make web` has built, on http://127.0.0.1:8000 (PORT=8000)
+PORT ?= 8000
+.PHONY: serve
+serve:
+	@node web/page/serve.mjs build/web/page $(PORT)
+
+# The page: its types and style, and each feature in Chromium.
+.PHONY: check-web-page
+check-web-page: web
+	@tools/setup.sh check-web-page
+	cd web/page && npm run check && npm test
 
 # The libraries on an emulated 64-bit ARM processor: golden frames of two sizes, kernels, the binary interface.
 check-arm64:

@@ -26,6 +26,8 @@ frei0r       frei0r-plugins-dev
 check-frei0r ffmpeg melt libxml2-utils qtdeclarative5-dev-tools
 web          clang-22 lld-22 libc++-22-dev-wasm32 libc++abi-22-dev-wasm32 libclang-rt-22-dev-wasm32 wasi-libc binaryen
 web          cmake ninja-build nodejs
+web-page     nodejs npm
+check-web-page chromium ffmpeg
 obs          libobs-dev
 check-obs    obs-studio ffmpeg xvfb xauth libx11-dev libgl1-mesa-dri libegl1
 bench        libopencv-dev
@@ -45,6 +47,8 @@ if ! command -v dpkg-query > /dev/null; then
 fi
 missing=""
 for package in $packages; do
+    # Node's own packages of nodejs bring npm along.
+    [ "$package" = npm ] && command -v npm > /dev/null && continue
     dpkg-query -W -f='${Status}' "$package" 2> /dev/null | grep -q '^install ok installed$' ||
         missing="$missing $package"
 done
