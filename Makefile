@@ -163,7 +163,7 @@ check-python:
 	LD_LIBRARY_PATH=$(CURDIR)/$(RELEASE) PYTHONPATH=$(CURDIR)/bridges/python PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 -m pytest \
 	    -c bridges/python/pyproject.toml --rootdir tests/bridges/python tests/bridges/python
 
-## web        libsfx for browsers and Node, in build/web
+## web        libsfx for browsers and Node, the npm package and the page, in build/web
 .PHONY: web
 web:
 	@tools/setup.sh web
@@ -174,6 +174,9 @@ web:
 	@tools/setup.sh build web-page
 	cmake --preset release
 	cmake --build --preset release --target cascade
+	cd web/package && npm ci --no-audit --no-fund && \
+	    npm run build $(CURDIR)/build/web/wasm $(CURDIR)/$(RELEASE)/share/specialeffects && \
+	    npm pack --pack-destination $(CURDIR)/build/web
 	cd web/page && npm ci --no-audit --no-fund
 	node web/page/build.mjs build/web/wasm $(RELEASE)/share/specialeffects build/web/page
 
@@ -183,11 +186,20 @@ PORT ?= 8000
 serve:
 	@node web/page/serve.mjs build/web/page $(PORT)
 
+# The npm package: its types and style, frames in Node, and tracks in Chromium.
+.PHONY: check-web-package
+check-web-package: web
+	@tools/setup.sh build check-web-page
+	cmake --preset release
+	cmake --build --preset release --target product
+	cd web/package && npm run check && npm test
+
 # The page: its types and style, and each feature in Chromium.
 .PHONY: check-web-page
 check-web-page: web
 	@tools/setup.sh check-web-page
 	cd web/page && npm run check && npm test
+
 
 # The libraries on an emulated 64-bit ARM processor: golden frames of two sizes, kernels, the binary interface.
 check-arm64:

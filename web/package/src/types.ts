@@ -173,7 +173,10 @@ export interface Stats {
   readonly framesPerSecond: number;
   /** Mean milliseconds that a frame took from read to written, since the last report; 0 where frames passed through. */
   readonly milliseconds: number;
-  /** Frames since `start`: processed, passed through untouched, and dropped to keep up or to keep `maxFps`. */
+  /**
+   * Frames since `start`: processed, passed through untouched, and dropped to keep up or to keep `maxFps`. Frames that
+   * the browser drops before anybody sees them are not counted.
+   */
   readonly processed: number;
   readonly passed: number;
   readonly dropped: number;

@@ -268,6 +268,36 @@ pageTest('browsers without streams of frames fall back by themselves', async (pa
   assert.equal(path, 'worker-canvas');
 });
 
+pageTest('worker-streams: the track goes to a worker that has tracks', async (page) => {
+  const found = await page.evaluate(async () => {
+    ReadableStream.prototype.stop = () => undefined;
+    const standIn = async () => {
+      const track = await camera();
+      const clone = () => new MediaStreamTrackProcessor({ track }).readable;
+      return { kind: 'video', getSettings: () => track.getSettings(), clone };
+    };
+    const Generator = MediaStreamTrackGenerator;
+    delete window.MediaStreamTrackGenerator;
+    const running = processor({ effects: 'sepia', assets: { worker: '/track-worker.js' } });
+    const reader = (await running.start(await standIn())).getReader();
+    const next = async () => {
+      const { value: frame } = await reader.read();
+      const found = await hash(await bytesOf(frame));
+      frame.close();
+      return found;
+    };
+    const first = await next();
+    await running.start(await standIn());
+    const second = await next();
+    const { path } = running;
+    await running.stop();
+    window.MediaStreamTrackGenerator = Generator;
+    return { path, first, second };
+  });
+  const sepia = await expectedHash('sepia', picture, { format: 'i420', width: WIDTH, height: HEIGHT });
+  assert.deepEqual(found, { path: 'worker-streams', first: sepia, second: sepia });
+});
+
 pageTest('two processors at once, each with its effects', async (page) => {
   const found = await page.evaluate(async () => {
     const track = await camera();
