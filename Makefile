@@ -200,7 +200,6 @@ check-web-page: web
 	@tools/setup.sh check-web-page
 	cd web/page && npm run check && npm test
 
-
 # The libraries on an emulated 64-bit ARM processor: golden frames of two sizes, kernels, the binary interface.
 check-arm64:
 	@tools/setup.sh arm64
