@@ -4,6 +4,7 @@
 // cache. Effects are timed past their warm-up.
 #include <malloc.h>
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cmath>
@@ -21,12 +22,13 @@
 #include "bench/Scenes.h"
 #include "bench/Timing.h"
 #include "framework/Catalogue.h"
+#include "imaging/Cpu.h"
 
 namespace {
 
 constexpr const char* kUsage =
-    "usage: bench_effects [--size WxH]... [--filter TEXT]... [--seconds S] [--scene NAME] [--cascade FILE] "
-    "[--csv]\n"
+    "usage: bench_effects [--size WxH]... [--filter TEXT]... [--seconds S] [--scene NAME] [--level NAME] "
+    "[--cascade FILE] [--csv]\n"
     "\n"
     "Times every effect on one thread. Of each it prints the median of a frame in ms, megapixels a second, "
     "the ratio\n"
@@ -34,6 +36,7 @@ constexpr const char* kUsage =
     "holds in MB.\n"
     "  --size WxH      of the frames, even numbers (default 1280x720, 1920x1080 and 3840x2160)\n"
     "  --filter TEXT   only effects whose number and name, as in \"61 Bulge\", hold TEXT\n"
+    "  --level NAME    at this processor level: baseline, avx2 or avx512 (default the highest)\n"
     "  --seconds S     of timed frames for each effect and size (default 0.3), and 40 frames at least\n"
     "  --scene NAME    what the frames show (default the first):\n";
 
@@ -47,6 +50,7 @@ struct Options {
     std::vector<std::string_view> filters;
     const bench::Scene* scene = &bench::Scenes().front();
     std::string cascade = SE_BINARY_DIR "/share/specialeffects/haar.txt";
+    cpu::Level level = cpu::Levels().back();
     double seconds = 0.3;
     bool csv = false;
 };
@@ -62,6 +66,13 @@ bool Parse(std::string_view text, Size& size) {
     return cross != text.npos && Parse(text.substr(0, cross), size.width) &&
            Parse(text.substr(cross + 1), size.height) && size.width >= 2 && size.height >= 2 &&
            size.width % 2 == 0 && size.height % 2 == 0 && size.width <= 16384 && size.height <= 16384;
+}
+
+bool Parse(std::string_view text, cpu::Level& level) {
+    const auto found = std::ranges::find(cpu::Levels(), text, cpu::Name);
+    if (found == cpu::Levels().end()) return false;
+    level = *found;
+    return true;
 }
 
 std::optional<Options> ParseOptions(int argc, char** argv) {
@@ -80,6 +91,8 @@ std::optional<Options> ParseOptions(int argc, char** argv) {
             options.filters.push_back(value);
         } else if (name == "--seconds") {
             if (!Parse(value, options.seconds)) return std::nullopt;
+        } else if (name == "--level") {
+            if (!Parse(value, options.level)) return std::nullopt;
         } else if (name == "--cascade") {
             options.cascade = value;
         } else if (name == "--scene") {
@@ -177,6 +190,7 @@ bool Chosen(const Options& options, std::string_view name) {
 }
 
 void Run(Options& options) {
+    cpu::Limit(options.level);
     if (options.csv) {
         std::printf("effect,size,ms,mpx_per_s,x_memcpy,dearest_ms,configure_ms,megabytes\n");
     } else {
