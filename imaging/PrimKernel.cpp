@@ -15,6 +15,7 @@
 #include "imaging/PrimDivide.h"
 #include "imaging/PrimRow.h"
 #include "imaging/Simd.h"
+#include "imaging/Vector128.h"
 
 using prim::CheckAnchor;
 using prim::CheckPointers;
@@ -93,11 +94,11 @@ SE_INLINE void FilterPlainly(const Region& region, const Kernel& kernel, Quotien
     }
 }
 
-// ---- AVX2 ------------------------------------------------------------------------------------------------
+// ---- in blocks -------------------------------------------------------------------------------------------
+//
+// The pixels of a pair of taps are interleaved and widened, so that one instruction multiplies and adds two
+// of them. The final packing restores the order of the sums.
 
-#if SE_AVX2
-
-constexpr ptrdiff_t kBlock = 32;  ///< pixels that are filtered at once
 constexpr size_t kMaxPairs = 32;
 
 /// Taps in pairs of 16 bits, as the multiplication takes them, and the offsets of their pixels. An odd last
@@ -123,6 +124,54 @@ TapPairs PairTaps(const Kernel& kernel) {
     return pairs;
 }
 
+constexpr ptrdiff_t kBlock = 16;  ///< pixels that are filtered at once
+
+SE_INLINE vector128::Ints Quotients(vector128::Ints sums, prim::SingleQuotient quotient) {
+    const auto raised =
+        __builtin_convertvector(sums, vector128::Floats) * quotient.reciprocal + quotient.bias;
+    return __builtin_convertvector(raised, vector128::Ints);
+}
+
+SE_INLINE void FilterBlock(const uint8_t* src, uint8_t* dst, const TapPairs& pairs,
+                           prim::SingleQuotient quotient) {
+    using namespace vector128;
+    const auto widened = [](Bytes bytes) { return reinterpret_cast<Shorts>(bytes); };
+    const Bytes zero{};
+    Ints sums0{};
+    Ints sums1{};
+    Ints sums2{};
+    Ints sums3{};
+    for (size_t i = 0; i < pairs.count; ++i) {
+        const auto taps = reinterpret_cast<Shorts>(Ints{} + pairs.taps[i]);
+        const Bytes a = Load(src + pairs.offsets[i][0]);
+        const Bytes b = Load(src + pairs.offsets[i][1]);
+        const Bytes low = InterleaveLow(a, b);
+        const Bytes high = InterleaveHigh(a, b);
+        sums0 += DotPairs(widened(InterleaveLow(low, zero)), taps);
+        sums1 += DotPairs(widened(InterleaveHigh(low, zero)), taps);
+        sums2 += DotPairs(widened(InterleaveLow(high, zero)), taps);
+        sums3 += DotPairs(widened(InterleaveHigh(high, zero)), taps);
+    }
+    Store(dst, Pack(Pack(Quotients(sums0, quotient), Quotients(sums1, quotient)),
+                    Pack(Quotients(sums2, quotient), Quotients(sums3, quotient))));
+}
+
+/// For regions at least a block wide. The last block of a row may overlap the one before.
+void FilterInBlocks(const Region& region, const TapPairs& pairs, prim::SingleQuotient quotient) {
+    for (ptrdiff_t y = 0; y < region.height; ++y) {
+        const uint8_t* const src = Row(region.src, region.srcStep, y);
+        uint8_t* const dst = Row(region.dst, region.dstStep, y);
+        for (ptrdiff_t x = 0; x < region.width; x += kBlock) {
+            const ptrdiff_t at = std::min(x, region.width - kBlock);
+            FilterBlock(src + at, dst + at, pairs, quotient);
+        }
+    }
+}
+
+#if SE_AVX2
+
+constexpr ptrdiff_t kWideBlock = 32;
+
 SE_TARGET_AVX2 inline __m256i Quotients(__m256i sums, __m256 reciprocal, __m256 bias) {
     return _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(_mm256_cvtepi32_ps(sums), reciprocal), bias));
 }
@@ -135,10 +184,8 @@ SE_TARGET_AVX2 inline __m256i LoadBlock(const uint8_t* from) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
 }
 
-/// Interleaves and widens the pixels of a pair of taps, so that one instruction multiplies and adds two of
-/// them. The final packing restores the order of the sums.
-SE_TARGET_AVX2 inline void FilterBlock(const uint8_t* src, uint8_t* dst, const TapPairs& pairs,
-                                       __m256 reciprocal, __m256 bias) {
+SE_TARGET_AVX2 inline void FilterWideBlock(const uint8_t* src, uint8_t* dst, const TapPairs& pairs,
+                                           __m256 reciprocal, __m256 bias) {
     const __m256i zero = _mm256_setzero_si256();
     __m256i sums[4] = {zero, zero, zero, zero};
     for (size_t i = 0; i < pairs.count; ++i) {
@@ -159,7 +206,7 @@ SE_TARGET_AVX2 inline void FilterBlock(const uint8_t* src, uint8_t* dst, const T
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst), _mm256_packus_epi16(low, high));
 }
 
-/// For regions at least a block wide. The last block of a row may overlap the one before.
+/// For regions at least a wide block wide.
 SE_TARGET_AVX2 void FilterWithAvx2(const Region& region, const TapPairs& pairs,
                                    prim::SingleQuotient quotient) {
     const __m256 reciprocal = _mm256_set1_ps(quotient.reciprocal);
@@ -167,9 +214,9 @@ SE_TARGET_AVX2 void FilterWithAvx2(const Region& region, const TapPairs& pairs,
     for (ptrdiff_t y = 0; y < region.height; ++y) {
         const uint8_t* const src = Row(region.src, region.srcStep, y);
         uint8_t* const dst = Row(region.dst, region.dstStep, y);
-        for (ptrdiff_t x = 0; x < region.width; x += kBlock) {
-            const ptrdiff_t at = std::min(x, region.width - kBlock);
-            FilterBlock(src + at, dst + at, pairs, reciprocal, bias);
+        for (ptrdiff_t x = 0; x < region.width; x += kWideBlock) {
+            const ptrdiff_t at = std::min(x, region.width - kWideBlock);
+            FilterWideBlock(src + at, dst + at, pairs, reciprocal, bias);
         }
     }
 }
@@ -186,13 +233,18 @@ bool FilterFast(const Region& region, const Kernel& kernel, int32_t divisor) {
     if (!quotient) {
         return false;
     }
+    if (region.width >= kBlock && kernel.taps.size() <= 2 * kMaxPairs) {
+        const TapPairs pairs = PairTaps(kernel);
 #if SE_AVX2
-    if (simd::HasAvx2() && region.width >= kBlock && kernel.taps.size() <= 2 * kMaxPairs) {
-        FilterWithAvx2(region, PairTaps(kernel), *quotient);
+        if (simd::HasAvx2() && region.width >= kWideBlock) {
+            FilterWithAvx2(region, pairs, *quotient);
+            return true;
+        }
+#endif
+        FilterInBlocks(region, pairs, *quotient);
         return true;
     }
-#endif
-    AtLevel<FilterPlainly<int32_t, int16_t, prim::SingleQuotient>>(region, kernel, *quotient);
+    FilterPlainly<int32_t, int16_t>(region, kernel, *quotient);
     return true;
 }
 

@@ -1,12 +1,13 @@
-// Vectors of 16 bytes, for steps that no plain loop expresses: changing the order of bytes.
+// Vectors of 16 bytes, for steps that no plain loop expresses: changing the order of bytes, above all.
 //
 // They are the compilers' generic vectors and need nothing beyond the baseline of any architecture with
 // 128-bit vectors. Only orders that such a baseline has instructions for are here: x86-64's interleaves two
 // vectors, but has no free permutation of bytes. Arithmetic stays in plain loops, over arrays of a fixed
-// size: those the compiler vectorises by itself.
+// size, which the compiler vectorises by itself; what it misses is here too.
 #ifndef SPECIALEFFECTS_IMAGING_VECTOR128_H
 #define SPECIALEFFECTS_IMAGING_VECTOR128_H
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -36,6 +37,7 @@
 namespace vector128 {
 
 using Bytes = uint8_t __attribute__((vector_size(16)));
+using Shorts = int16_t __attribute__((vector_size(16)));
 using Words = uint16_t __attribute__((vector_size(16)));
 using Ints = int32_t __attribute__((vector_size(16)));
 using Longs = uint64_t __attribute__((vector_size(16)));
@@ -103,6 +105,12 @@ constexpr bool HasPick() {
 
 #endif
 
+SE_INLINE Shorts LoadShorts(const void* p) {
+    Shorts v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
 SE_INLINE Floats LoadFloats(const float* p) {
     Floats v;
     std::memcpy(&v, p, sizeof v);
@@ -137,6 +145,64 @@ SE_INLINE Words InterleaveHigh(Words a, Words b) {
 SE_INLINE Bytes Upper(Bytes v) {
     const auto halves = reinterpret_cast<Longs>(v);
     return reinterpret_cast<Bytes>(__builtin_shufflevector(halves, halves, 1, 1));
+}
+
+/// a[2i] * b[2i] + a[2i + 1] * b[2i + 1]; only four times -32768 is too much.
+SE_INLINE Ints DotPairs(Shorts a, Shorts b) {
+#if defined(__x86_64__)
+    return reinterpret_cast<Ints>(_mm_madd_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#elif defined(__aarch64__)
+    return vpaddq_s32(vmull_s16(vget_low_s16(a), vget_low_s16(b)), vmull_high_s16(a, b));
+#elif defined(__wasm_simd128__)
+    return reinterpret_cast<Ints>(
+        wasm_i32x4_dot_i16x8(reinterpret_cast<v128_t>(a), reinterpret_cast<v128_t>(b)));
+#else
+    Ints sums{};
+    for (int i = 0; i < 4; ++i) {
+        sums[i] = a[2 * i] * b[2 * i] + a[2 * i + 1] * b[2 * i + 1];
+    }
+    return sums;
+#endif
+}
+
+/// Two vectors in one, saturated to 16 bits.
+SE_INLINE Shorts Pack(Ints a, Ints b) {
+#if defined(__x86_64__)
+    return reinterpret_cast<Shorts>(
+        _mm_packs_epi32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#elif defined(__aarch64__)
+    return vqmovn_high_s32(vqmovn_s32(a), b);
+#elif defined(__wasm_simd128__)
+    return reinterpret_cast<Shorts>(
+        wasm_i16x8_narrow_i32x4(reinterpret_cast<v128_t>(a), reinterpret_cast<v128_t>(b)));
+#else
+    Shorts packed{};
+    for (int i = 0; i < 4; ++i) {
+        packed[i] = static_cast<int16_t>(std::clamp(a[i], -32768, 32767));
+        packed[i + 4] = static_cast<int16_t>(std::clamp(b[i], -32768, 32767));
+    }
+    return packed;
+#endif
+}
+
+/// Two vectors in one, saturated to 0 to 255.
+SE_INLINE Bytes Pack(Shorts a, Shorts b) {
+#if defined(__x86_64__)
+    return reinterpret_cast<Bytes>(
+        _mm_packus_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#elif defined(__aarch64__)
+    return vqmovun_high_s16(vqmovun_s16(a), b);
+#elif defined(__wasm_simd128__)
+    return reinterpret_cast<Bytes>(
+        wasm_u8x16_narrow_i16x8(reinterpret_cast<v128_t>(a), reinterpret_cast<v128_t>(b)));
+#else
+    Bytes packed{};
+    for (int i = 0; i < 8; ++i) {
+        packed[i] = static_cast<uint8_t>(std::clamp<int16_t>(a[i], 0, 255));
+        packed[i + 8] = static_cast<uint8_t>(std::clamp<int16_t>(b[i], 0, 255));
+    }
+    return packed;
+#endif
 }
 
 /// Numbers from 0 to 65535 as floats.
