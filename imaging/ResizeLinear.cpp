@@ -14,6 +14,7 @@
 #include "imaging/PrimRow.h"
 #include "imaging/ResizeAxis.h"
 #include "imaging/Simd.h"
+#include "imaging/Vector128.h"
 
 namespace resize {
 namespace {
@@ -90,16 +91,33 @@ class PlainRowScaler {
     Buffer<int16_t> weights_;
 };
 
-/// Blends two lines into a destination row. All factors fit 16 bits with a sign, for which every processor
-/// has products.
-SE_INLINE void BlendPlain(const uint16_t* SE_RESTRICT upper, const uint16_t* SE_RESTRICT lower,
-                          int32_t weight, uint8_t* SE_RESTRICT out, int32_t count) {
-    const auto upperWeight = static_cast<int16_t>(kOne - weight);
-    const auto lowerWeight = static_cast<int16_t>(weight);
-    for (int32_t k = 0; k < count; ++k) {
-        const auto u = static_cast<int16_t>(upper[k]);
-        const auto l = static_cast<int16_t>(lower[k]);
-        out[k] = static_cast<uint8_t>((l * lowerWeight + u * upperWeight + 0x80000) >> 20);
+/// Eight blended columns as 16-bit values. A pair of `weights` is of the upper and the lower line.
+SE_INLINE vector128::Shorts BlendEight(const uint16_t* upper, const uint16_t* lower,
+                                       vector128::Shorts weights) {
+    using namespace vector128;
+    const auto u = reinterpret_cast<Words>(LoadShorts(upper));
+    const auto l = reinterpret_cast<Words>(LoadShorts(lower));
+    const Ints a = DotPairs(reinterpret_cast<Shorts>(InterleaveLow(u, l)), weights);
+    const Ints b = DotPairs(reinterpret_cast<Shorts>(InterleaveHigh(u, l)), weights);
+    return Pack((a + 0x80000) >> 20, (b + 0x80000) >> 20);
+}
+
+/// Blends two lines into a destination row.
+void BlendPlain(const uint16_t* upper, const uint16_t* lower, int32_t weight, uint8_t* out, int32_t count) {
+    using namespace vector128;
+    const auto weights = reinterpret_cast<Shorts>(Ints{} + ((weight << 16) | (kOne - weight)));
+    const auto blend = [&](int32_t k) {
+        return Pack(BlendEight(upper + k, lower + k, weights),
+                    BlendEight(upper + k + 8, lower + k + 8, weights));
+    };
+    int32_t k = 0;
+    for (; k + 16 <= count; k += 16) {
+        Store(out + k, blend(k));
+    }
+    if (k < count) {
+        std::array<uint8_t, 16> last;
+        Store(last.data(), blend(k));
+        std::memcpy(out + k, last.data(), static_cast<size_t>(count - k));
     }
 }
 
@@ -316,7 +334,7 @@ std::unique_ptr<Plan> Linear(const Axis& x, const Axis& y) {
         return MakePlan<LinearPlan<PlainRowScaler, BlendAvx2>>(x, y);
     }
 #endif
-    return MakePlan<LinearPlan<PlainRowScaler, AtLevel<BlendPlain>>>(x, y);
+    return MakePlan<LinearPlan<PlainRowScaler, BlendPlain>>(x, y);
 }
 
 }  // namespace resize
