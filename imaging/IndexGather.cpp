@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -14,6 +15,8 @@
 //   shuffled   target, windows (two for each of 1 to 4 pairs), sixteen picks of a byte each
 //   scattered  target, sixteen sources
 //   single     target, source
+//   copy       target, source of the first of sixteen pixels that stand together there too
+//   near       target, lowest source, sixteen distances from it of two bytes each
 //   stretch    target, number of pixels, a source for each
 //
 // Targets and sources are byte offsets. A window is eight bytes of the source; a pair of them fills a
@@ -44,7 +47,9 @@ constexpr uint32_t ShuffledKind(size_t pairs, Shape shape) {
 constexpr uint32_t kScatteredRow = 2 * kMaxPairs;
 constexpr uint32_t kScatteredTile = kScatteredRow + 1;
 constexpr uint32_t kSingle = kScatteredTile + 1;
-constexpr uint32_t kStretch1 = kSingle + 1;
+constexpr uint32_t kCopy = kSingle + 1;
+constexpr uint32_t kNear = kCopy + 1;
+constexpr uint32_t kStretch1 = kNear + 1;
 constexpr uint32_t kStretch3 = kStretch1 + 1;
 constexpr uint32_t kKinds = kStretch3 + 1;
 
@@ -116,25 +121,63 @@ class GatherCompiler {
 
     /// Plain loads, for all else.
     void CompileStretches(int32_t pixelBytes) {
-        const uint32_t kind = pixelBytes == 3 ? kStretch3 : kStretch1;
-        const auto bytes = static_cast<uint32_t>(pixelBytes);
-        for (size_t i = 0; i < index_.size();) {
-            size_t end = i;
-            while (end < index_.size() && index_[end] < srcPixels_) ++end;
-            if (end > i) {
-                std::vector<uint32_t>& words = pending_[kind].words;
-                words.push_back(static_cast<uint32_t>(i) * bytes);
-                words.push_back(static_cast<uint32_t>(end - i));
-                for (; i < end; ++i) words.push_back(index_[i] * bytes);
-                ++pending_[kind].count;
-            } else {
-                ++i;
+        const auto width = static_cast<size_t>(width_);
+        const size_t height = (index_.size() + width - 1) / width;
+        for (size_t top = 0; top < height; top += kAreaHeight) {
+            for (size_t left = 0; left < width; left += kAreaWidth) {
+                for (size_t y = top; y < std::min(top + kAreaHeight, height); ++y) {
+                    const size_t end = y * width + std::min(left + kAreaWidth, width);
+                    CompileSegment(y * width + left, std::min(end, index_.size()), pixelBytes);
+                }
+                FlushArea();
             }
         }
-        FlushArea();
     }
 
   private:
+    void CompileSegment(size_t begin, size_t end, int32_t pixelBytes) {
+        for (size_t i = begin; i < end;) {
+            size_t kept = i;
+            while (kept < end && index_[kept] < srcPixels_) ++kept;
+            if (pixelBytes == 1) {
+                while (kept - i >= kBlockPixels && CompileNear(i)) i += kBlockPixels;
+            }
+            if (i < kept) CompileStretch(i, kept, pixelBytes);
+            i = kept + 1;
+        }
+    }
+
+    void CompileStretch(size_t begin, size_t end, int32_t pixelBytes) {
+        const auto bytes = static_cast<uint32_t>(pixelBytes);
+        std::vector<uint32_t>& words = Append(pixelBytes == 3 ? kStretch3 : kStretch1);
+        words.push_back(static_cast<uint32_t>(begin) * bytes);
+        words.push_back(static_cast<uint32_t>(end - begin));
+        for (size_t i = begin; i < end; ++i) words.push_back(index_[i] * bytes);
+    }
+
+    /// The sixteen pixels from one on; false when their sources are too far apart.
+    bool CompileNear(size_t begin) {
+        const std::span<const uint32_t> sources = index_.subspan(begin, kBlockPixels);
+        const auto [lowest, highest] = std::ranges::minmax(sources);
+        if (highest - lowest > 0xFFFF) return false;
+        const auto apart = [](uint32_t a, uint32_t b) { return b != a + 1; };
+        if (std::ranges::adjacent_find(sources, apart) == sources.end()) {
+            std::vector<uint32_t>& words = Append(kCopy);
+            words.push_back(static_cast<uint32_t>(begin));
+            words.push_back(lowest);
+            return true;
+        }
+        std::vector<uint32_t>& words = Append(kNear);
+        words.push_back(static_cast<uint32_t>(begin));
+        words.push_back(lowest);
+        for (size_t i = 0; i < sources.size(); i += 2) {
+            const std::array<uint16_t, 2> distances{static_cast<uint16_t>(sources[i] - lowest),
+                                                    static_cast<uint16_t>(sources[i + 1] - lowest)};
+            words.push_back(std::bit_cast<uint32_t>(distances));
+        }
+        return true;
+    }
+
     struct Pending {
         uint32_t count = 0;
         std::vector<uint32_t> words;
@@ -314,6 +357,27 @@ const uint32_t* RunStretches(const uint32_t* words, uint32_t count, const uint8_
     return words;
 }
 
+const uint32_t* RunCopies(const uint32_t* words, uint32_t count, const uint8_t* src, uint8_t* dst) {
+    for (; count > 0; --count, words += 2) std::memcpy(dst + words[0], src + words[1], kBlockPixels);
+    return words;
+}
+
+const uint32_t* RunNear(const uint32_t* words, uint32_t count, const uint8_t* src, uint8_t* dst) {
+    static_assert(std::endian::native == std::endian::little);
+    for (; count > 0; --count, words += 2 + kBlockPixels / 2) {
+        const uint8_t* const lowest = src + words[1];
+        std::array<uint64_t, 2> pixels{};  // one store for eight of them
+#pragma GCC unroll 16
+        for (size_t i = 0; i < kBlockPixels; ++i) {
+            uint16_t distance = 0;
+            std::memcpy(&distance, reinterpret_cast<const uint8_t*>(words + 2) + 2 * i, 2);
+            pixels[i / 8] |= uint64_t{lowest[distance]} << 8 * (i % 8);
+        }
+        std::memcpy(dst + words[0], pixels.data(), kBlockPixels);
+    }
+    return words;
+}
+
 const uint32_t* RunSingles(const uint32_t* words, uint32_t count, const uint8_t* src, uint8_t* dst) {
     for (; count > 0; --count, words += 2) dst[words[0]] = src[words[1]];
     return words;
@@ -449,6 +513,12 @@ void GatherMap::Apply(const uint8_t* src, uint8_t* dst) const {
                 break;
             case kSingle:
                 words = RunSingles(words, count, src, dst);
+                break;
+            case kCopy:
+                words = RunCopies(words, count, src, dst);
+                break;
+            case kNear:
+                words = RunNear(words, count, src, dst);
                 break;
             case kStretch1:
                 words = RunStretches<1>(words, count, src, dst);
