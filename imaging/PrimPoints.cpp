@@ -49,6 +49,7 @@ SE_INLINE void ForPixels(uint8_t* data, ptrdiff_t step, ptrdiff_t width, ptrdiff
         height = 1;
     }
     for (; height > 0; --height, data += step) {
+#pragma GCC unroll 4
         for (ptrdiff_t x = 0; x < width; ++x) {
             data[x] = op(data[x]);
         }
