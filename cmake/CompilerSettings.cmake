@@ -66,3 +66,13 @@ if(WASI)
         "SHELL:-mllvm -wasm-use-legacy-eh" -Wno-deprecated)
     add_link_options(-Wno-deprecated)
 endif()
+
+# Removes the sources of other systems from the list named: ...Windows.cpp is for Windows, ...Posix.cpp for all others.
+function(se_leave_out_other_systems list)
+    set(other Windows)
+    if(WIN32)
+        set(other Posix)
+    endif()
+    list(FILTER ${list} EXCLUDE REGEX "${other}\\.cpp$")
+    set(${list} "${${list}}" PARENT_SCOPE)
+endfunction()

@@ -49,13 +49,17 @@ ResultCode Effect::Configure(StreamDescription* description) {
     if (Stream.Format == kFormatPlanar) {
         DetectorWidth = Stream.Width;
         DetectorHeight = Stream.Height;
-        try {
-            const std::string cascade = CurrentSurroundings().DataFile(CascadePath);
-            if (files::Exists(cascade.c_str())) StartDetector(cascade.c_str());
-        } catch (const std::bad_alloc&) {
-            ReleaseWorkspace();
-            throw;
-        }
+        const ResultCode result = GuardConfigure([this] {
+            try {
+                const std::string cascade = CurrentSurroundings().DataFile(CascadePath);
+                if (files::Exists(cascade.c_str())) StartDetector(cascade.c_str());
+            } catch (const std::bad_alloc&) {
+                ReleaseWorkspace();
+                throw;
+            }
+            return kSuccess;
+        });
+        if (result != kSuccess) return result;
     }
     Configured = true;
     return kSuccess;

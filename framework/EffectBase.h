@@ -74,7 +74,7 @@ class EffectBase : public Interface {
     ResultCode LoadSettings(WideSettingsRecord* wide) override {
         if (wide == nullptr) return this->LoadSettings(static_cast<SettingsRecord*>(nullptr));
         NarrowText name(wide->Name);
-        NarrowText path(wide->Path);
+        NarrowText path(wide->Path, NarrowPathFromWide);
         SettingsRecord narrow{wide->Cookie, name.get(), path.get(), {wide->Reserved[0], wide->Reserved[1]}};
         return this->LoadSettings(&narrow);
     }
@@ -222,13 +222,16 @@ class PlanarEffect : public EffectBase<Effect> {
         stream_ = *description;
         if (!IsServed(stream_)) return kInvalidArgument;
         if (stream_.Format == kFormatPlanar || Effect::PreparesPacked) {
-            try {
-                Self().Prepare();
-            } catch (...) {
-                ReleaseWorkspace();
-                throw;
-            }
-            hasWorkspace_ = true;
+            return GuardConfigure([this] {
+                try {
+                    Self().Prepare();
+                } catch (...) {
+                    ReleaseWorkspace();
+                    throw;
+                }
+                hasWorkspace_ = true;
+                return kSuccess;
+            });
         }
         return kSuccess;
     }

@@ -31,6 +31,21 @@ inline ResultCode CheckFrame(const FrameRecord* frame, const StreamDescription& 
     return frame->Image->Format == stream.Format ? kSuccess : kFailure;
 }
 
+/// Runs what may throw in `Configure`. Memory that ran out reaches a host as an exception; on Windows, where
+/// its compiler may be another one, as kOutOfMemory.
+template <class Run>
+ResultCode GuardConfigure(Run run) {
+#if defined(_WIN32)
+    try {
+        return run();
+    } catch (...) {
+        return kOutOfMemory;
+    }
+#else
+    return run();
+#endif
+}
+
 /// Bytes of a packed 24-bit picture whose rows are rounded up to a multiple of 4. The row step is
 /// still 3 * width; the rounding only makes the buffer larger than needed.
 constexpr size_t PackedBytes(int32_t width, int32_t height) {

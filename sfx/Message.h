@@ -10,8 +10,8 @@ namespace sfx {
 /// replaced:
 ///
 ///     return Tell(SFX_ERROR_ARGUMENT, "there is no link %zu", link);
-#if defined(__MINGW_PRINTF_FORMAT)
-__attribute__((format(__MINGW_PRINTF_FORMAT, 2, 3)))
+#if defined(__MINGW32__)
+__attribute__((format(gnu_printf, 2, 3)))
 #elif defined(__GNUC__)
 __attribute__((format(printf, 2, 3)))
 #endif

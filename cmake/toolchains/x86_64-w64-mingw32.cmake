@@ -12,8 +12,10 @@ set(CMAKE_CROSSCOMPILING_EMULATOR env WINEPREFIX=${CMAKE_BINARY_DIR}/wine WINEAR
 # The stack is aligned to 16 bytes on this platform, and GCC does not realign it for 32-byte vectors
 # (https://gcc.gnu.org/bugzilla/show_bug.cgi?id=54412): the assembler makes all vector moves unaligned ones, which
 # take the same time on aligned addresses.
-set(CMAKE_C_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
-set(CMAKE_CXX_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
+#
+# printf is that of the standard, not that of the old C library.
+set(CMAKE_C_FLAGS_INIT "-Wa,-muse-unaligned-vector-move -D__USE_MINGW_ANSI_STDIO=1")
+set(CMAKE_CXX_FLAGS_INIT "-Wa,-muse-unaligned-vector-move -D__USE_MINGW_ANSI_STDIO=1")
 
 # The compiler's own libraries go into each file, which then needs nothing but what Windows has.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)

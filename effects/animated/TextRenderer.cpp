@@ -1,6 +1,9 @@
 #include "effects/animated/TextRenderer.h"
 
 #include "effects/animated/GlyphTable.h"
+#if defined(_WIN32)
+#include "effects/animated/SystemGlyphs.h"
+#endif
 
 namespace {
 
@@ -18,19 +21,30 @@ void DrawGlyph(CPlane8u& cell, char character) {
     for (size_t i = 0; i < cell.Size(); ++i) cell.data[i] = static_cast<uint8_t>(255 - ink[i]);
 }
 
+void DrawFromTable(CPlane8u& cell, char character) {
+    cell.Fill(255);
+    if (character >= kFirstGlyph && character <= kLastGlyph) {
+        DrawGlyph(cell, character);
+    } else {
+        DrawBox(cell);
+    }
+}
+
 }  // namespace
 
 CPlane8u RenderText(std::string_view text) {
     CPlane8u picture = NewPlane(static_cast<int32_t>(text.size()) * kGlyphWidth, kGlyphHeight);
     CPlane8u cell = NewPlane(kGlyphWidth, kGlyphHeight);
+#if defined(_WIN32)
+    const SystemGlyphs system(kGlyphWidth, kGlyphHeight);
+#endif
     int32_t x = 0;
     for (const char character : text) {
-        cell.Fill(255);
-        if (character >= kFirstGlyph && character <= kLastGlyph) {
-            DrawGlyph(cell, character);
-        } else {
-            DrawBox(cell);
-        }
+#if defined(_WIN32)
+        if (!system.Draw(character, cell)) DrawFromTable(cell, character);
+#else
+        DrawFromTable(cell, character);
+#endif
         picture.Paste(cell, x, 0);
         x += kGlyphWidth;
     }

@@ -1,4 +1,4 @@
-// Renders text into a plane. A port to a system with its own text drawing replaces this file only.
+// Renders text into a plane: as Windows draws it, elsewhere and where that fails from a table of glyphs.
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_TEXTRENDERER_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_TEXTRENDERER_H
 
@@ -6,7 +6,8 @@
 
 #include "imaging/Plane8u.h"
 
-/// Black on white, one 16 by 24 cell a character. Characters other than printable ASCII show as an empty box.
+/// Black on white, one 16 by 24 cell a character. In the table, characters other than printable ASCII are an
+/// empty box.
 /// An empty text gives an empty plane.
 CPlane8u RenderText(std::string_view text);
 

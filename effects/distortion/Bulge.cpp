@@ -34,8 +34,10 @@ std::vector<ColumnWave> WalkColumns(int32_t count, float radius, float stepTheta
 }  // namespace
 
 ResultCode CBulgeSpecialEffectFilter::Configure(StreamDescription* description) {
-    CSpecialEffectFilter_IppDistortion::Configure(description);
-    return kSuccess;
+    return GuardConfigure([&] {
+        Build(description);
+        return kSuccess;
+    });
 }
 
 // Compute one quarter of the picture and mirror it to the other three. The waves run from pi upward, so they

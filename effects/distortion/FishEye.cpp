@@ -92,18 +92,20 @@ std::span<const Property<CFishEyeSpecialEffectFilter>> CFishEyeSpecialEffectFilt
 }
 
 ResultCode CFishEyeSpecialEffectFilter::Configure(StreamDescription* description) {
-    if (description != nullptr) {
-        StoredStream = *description;
-        EffectType = kSphere;
-        CSpecialEffectFilter_IppDistortion::Configure(description);
-    }
-    return kSuccess;
+    return GuardConfigure([&] {
+        if (description != nullptr) {
+            StoredStream = *description;
+            EffectType = kSphere;
+            Build(description);
+        }
+        return kSuccess;
+    });
 }
 
 /// Before the first `Configure` there is no stream, and nothing is built.
 void CFishEyeSpecialEffectFilter::Rebuild() {
     CSpecialEffectFilter_IppDistortion::Shutdown();
-    CSpecialEffectFilter_IppDistortion::Configure(&StoredStream);
+    Build(&StoredStream);
 }
 
 ResultCode CFishEyeSpecialEffectFilter::ProcessFrame(FrameRecord* frame) {

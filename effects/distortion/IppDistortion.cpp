@@ -18,6 +18,10 @@ constexpr size_t PixelCount(int32_t width, int32_t height) {
 }  // namespace
 
 ResultCode CSpecialEffectFilter_IppDistortion::Configure(StreamDescription* description) {
+    return GuardConfigure([&] { return Build(description); });
+}
+
+ResultCode CSpecialEffectFilter_IppDistortion::Build(const StreamDescription* description) {
     if (description == nullptr) return kInvalidArgument;
     CSpecialEffectFilter_IppDistortion::Shutdown();
     Stream = *description;

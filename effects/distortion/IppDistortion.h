@@ -30,6 +30,9 @@ class CSpecialEffectFilter_IppDistortion : public CSpecialEffectFilter {
   protected:
     ~CSpecialEffectFilter_IppDistortion() = default;
 
+    /// `Configure` without its guard. Throws std::bad_alloc.
+    ResultCode Build(const StreamDescription* description);
+
   private:
     GatherMap BuildMap(int32_t width, int32_t height, int32_t pixelBytes);
 

@@ -18,8 +18,10 @@ double AngleStep(int32_t side) {
 }  // namespace
 
 ResultCode CStretchSpecialEffectFilter::Configure(StreamDescription* description) {
-    CSpecialEffectFilter_IppDistortion::Configure(description);
-    return kSuccess;
+    return GuardConfigure([&] {
+        Build(description);
+        return kSuccess;
+    });
 }
 
 // Each map depends on one coordinate only. The half beyond the middle is mirrored to column width - x and row

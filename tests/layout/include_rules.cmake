@@ -11,7 +11,8 @@
 #   tests/abi    its own folder
 #   bridges/*    its own folder, sfx.h; so do its tests
 #
-# The module itself includes nothing from outside but the standard library and the compiler's intrinsics.
+# The module itself includes nothing from outside but the standard library and the compiler's intrinsics; the operating
+# system's headers are for files named after it.
 # Paths start at the root of the tree in the module; elsewhere they may be relative.
 cmake_minimum_required(VERSION 3.25)
 
@@ -81,8 +82,10 @@ endfunction()
 # ---- the module ------------------------------------------------------------------------------------
 sources(files imaging)
 foreach(file IN LISTS files)
-    if(file STREQUAL "imaging/Files.cpp")
+    if(file STREQUAL "imaging/FilesPosix.cpp")
         check_system_file(${file} "^imaging/" sys/stat.h)
+    elseif(file MATCHES "Windows\\.cpp$")
+        check_system_file(${file} "^imaging/" windows.h)
     else()
         check_module_file(${file} "^imaging/")
     endif()
@@ -90,7 +93,11 @@ endforeach()
 
 sources(files framework)
 foreach(file IN LISTS files)
-    check_module_file(${file} "^framework/")
+    if(file MATCHES "Windows\\.cpp$")
+        check_system_file(${file} "^framework/" windows.h)
+    else()
+        check_module_file(${file} "^framework/")
+    endif()
 endforeach()
 foreach(file IN LISTS public_headers)
     check_module_file(${file} "^framework/SpecialEffectFilter\\.h$")
@@ -99,7 +106,11 @@ endforeach()
 sources(files effects facetrack)
 foreach(file IN LISTS files)
     get_filename_component(folder ${file} DIRECTORY)
-    check_module_file(${file} "^(framework/|imaging/|${folder}/)")
+    if(file MATCHES "Windows\\.cpp$")
+        check_system_file(${file} "^(framework/|imaging/|${folder}/)" windows.h)
+    else()
+        check_module_file(${file} "^(framework/|imaging/|${folder}/)")
+    endif()
 endforeach()
 
 # An effect's header names the effect. Only the effect itself sees it.
@@ -130,7 +141,9 @@ sources(files sfx)
 foreach(file IN LISTS files)
     if(file STREQUAL "sfx/sfx.h")
         check_module_file(${file} "^$")
-    elseif(file STREQUAL "sfx/Files.cpp")
+    elseif(file MATCHES "Windows\\.cpp$")
+        check_system_file(${file} "^(sfx|imaging)/" windows.h)
+    elseif(file STREQUAL "sfx/FilesPosix.cpp")
         # Where the library itself lies is asked of the dynamic linker.
         check_system_file(${file} "^(sfx|imaging)/" sys/stat.h unistd.h dlfcn.h)
     else()

@@ -100,3 +100,6 @@ void NarrowFromWide(const WideChar* wide, char* narrow, size_t size) {
 void WideFromNarrow(const char* narrow, WideChar* wide, size_t size) {
     Convert(narrow, wide, size);
 }
+void NarrowPathFromWide(const WideChar* wide, char* narrow, size_t size) {
+    NarrowFromWide(wide, narrow, size);
+}
