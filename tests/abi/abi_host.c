@@ -6,11 +6,11 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
 #include "catalogue.h"
 #include "check.h"
 #include "memory.h"
+#include "system.h"
 #include "tests.h"
 
 static const struct {
@@ -35,11 +35,7 @@ static int usage(void) {
  * Effects look for data files in the current directory, so the program works in a fresh one. A picture file
  * of noise spares Clouds the making of its own, which takes seconds.
  */
-static void enter_scratch_directory(char* path) {
-    if (!mkdtemp(path) || chdir(path) != 0) {
-        perror(path);
-        exit(2);
-    }
+static void make_data_files(void) {
     FILE* file = fopen("perlin.dat", "wb");
     if (!file) {
         perror("perlin.dat");
@@ -54,20 +50,15 @@ static void enter_scratch_directory(char* path) {
     fclose(file);
 }
 
-static void leave_scratch_directory(const char* path) {
-    remove("perlin.dat");
-    if (chdir("/") != 0 || rmdir(path) != 0) perror(path);
-}
-
 int main(int argc, char** argv) {
     if (argc < 3) return usage();
-    char* library = realpath(argv[1], NULL);
+    char* library = full_path(argv[1]);
     if (!library) {
         perror(argv[1]);
         return 2;
     }
-    char directory[] = "/tmp/abi_host.XXXXXX";
-    enter_scratch_directory(directory);
+    enter_scratch_directory();
+    make_data_files();
     load_module(library);
     for (int argument = 2; argument < argc; ++argument) {
         int group = 0;
@@ -75,7 +66,8 @@ int main(int argc, char** argv) {
         if (group == GROUPS) return usage();
         groups[group].run();
     }
-    leave_scratch_directory(directory);
+    remove("perlin.dat");
+    leave_scratch_directory();
     free(library);
     return checks_result();
 }

@@ -4,11 +4,17 @@
 
 #include <stdbool.h>
 
+#if defined(__MINGW32__)
+#define ABI_PRINTF gnu_printf
+#else
+#define ABI_PRINTF printf
+#endif
+
 /* Starts a check; it lasts until `end_check`. */
-__attribute__((format(printf, 1, 2))) void begin_check(const char* format, ...);
+__attribute__((format(ABI_PRINTF, 1, 2))) void begin_check(const char* format, ...);
 
 /* Prints the detail and counts the check as failed unless `holds`. Returns `holds`. */
-__attribute__((format(printf, 2, 3))) bool expect(bool holds, const char* format, ...);
+__attribute__((format(ABI_PRINTF, 2, 3))) bool expect(bool holds, const char* format, ...);
 
 void end_check(void);
 

@@ -5,22 +5,17 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/mman.h>
-#include <unistd.h>
+
+#include "system.h"
 
 /* ---- guarded buffers ------------------------------------------------------------------------------ */
 
 enum { CANARY = 0xA7 };
 
 Guarded guarded(size_t size, uint8_t fill) {
-    const size_t page = (size_t)sysconf(_SC_PAGESIZE);
-    const size_t usable = (size / page + 1) * page; /* at least one byte of canary in front */
-    uint8_t* base = mmap(NULL, usable + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (base == MAP_FAILED || mprotect(base + usable, page, PROT_NONE) != 0) {
-        perror("abi_host: guarded buffer");
-        exit(2);
-    }
-    Guarded buffer = {base + usable - size, size, base, usable + page};
+    size_t usable; /* at least one byte of canary in front */
+    uint8_t* base = guarded_pages(size, &usable);
+    Guarded buffer = {base + usable - size, size, base, usable};
     memset(base, CANARY, usable - size);
     memset(buffer.data, fill, size);
     return buffer;
@@ -31,7 +26,7 @@ bool guarded_intact(const Guarded* buffer) {
 }
 
 void guarded_free(Guarded* buffer) {
-    munmap(buffer->base, buffer->mapped);
+    free_guarded_pages(buffer->base, buffer->usable);
     memset(buffer, 0, sizeof *buffer);
 }
 
@@ -42,6 +37,36 @@ bool all_bytes(const uint8_t* data, size_t size, uint8_t value) {
 }
 
 /* ---- the module's heap ---------------------------------------------------------------------------- */
+
+#if defined(_WIN32)
+
+/* The module and this program share a C library and its heap. */
+static long walk(long* bytes) {
+    _HEAPINFO entry = {0};
+    long blocks = 0;
+    *bytes = 0;
+    while (_heapwalk(&entry) == _HEAPOK) {
+        if (entry._useflag != _USEDENTRY) continue;
+        ++blocks;
+        *bytes += (long)entry._size;
+    }
+    return blocks;
+}
+
+long live_blocks(void) {
+    long bytes;
+    return walk(&bytes);
+}
+long live_bytes(void) {
+    long bytes;
+    walk(&bytes);
+    return bytes;
+}
+void module_free(void* block) {
+    free(block);
+}
+
+#else
 
 static atomic_long blocks, bytes;
 
@@ -184,6 +209,8 @@ void _ZdaPvmSt11align_val_t(void* block, size_t size, size_t alignment) {
     (void)alignment;
     module_free(block);
 }
+
+#endif
 
 /* ---- random numbers ------------------------------------------------------------------------------- */
 

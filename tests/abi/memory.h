@@ -11,7 +11,7 @@ typedef struct {
     uint8_t* data;
     size_t size;
     uint8_t* base;
-    size_t mapped;
+    size_t usable;
 } Guarded;
 
 /* The bytes start as `fill`. */
@@ -25,8 +25,8 @@ void guarded_free(Guarded* buffer);
 bool all_bytes(const uint8_t* data, size_t size, uint8_t value);
 
 /*
- * The program brings its own operator new and operator delete, which the module's calls resolve to, so it
- * sees how many blocks and bytes the module holds at any moment.
+ * How many blocks and bytes the module holds at any moment. The program brings its own operator new and
+ * operator delete, which the module's calls resolve to; on Windows it counts what is on the heap.
  */
 long live_blocks(void);
 long live_bytes(void);

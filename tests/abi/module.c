@@ -1,9 +1,10 @@
 #include "module.h"
 
-#include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+
+#include "system.h"
 
 static const char* module_path;
 static void* module;
@@ -11,11 +12,8 @@ static Factory* (*create)(void);
 
 void load_module(const char* path) {
     module_path = path;
-    module = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-    if (!module) {
-        fprintf(stderr, "abi_host: %s\n", dlerror());
-        exit(2);
-    }
+    module = open_library(path);
+    if (!module) exit(2);
     void* address = exported("CreateSpecialEffectFactory");
     if (!address) {
         fprintf(stderr, "abi_host: %s does not export CreateSpecialEffectFactory\n", path);
@@ -26,12 +24,12 @@ void load_module(const char* path) {
 }
 
 void reload_module(void) {
-    dlclose(module);
+    close_library(module);
     load_module(module_path);
 }
 
 void* exported(const char* name) {
-    return dlsym(module, name);
+    return find_symbol(module, name);
 }
 
 Factory* create_factory(void) {

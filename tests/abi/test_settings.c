@@ -1,12 +1,11 @@
 /* Settings files: which effects read one, and what bad records, paths and files do. */
 #include <stdio.h>
 #include <string.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "catalogue.h"
 #include "check.h"
 #include "memory.h"
+#include "system.h"
 #include "tests.h"
 #include "wide.h"
 
@@ -94,11 +93,18 @@ static void test_line_art(Factory* factory) {
     end_check();
 
     begin_check("settings: Line Art reads a file whose name is not ASCII through the wide form");
-    write_file("\xc3\xa9\xe2\x82\xac.txt", "5 6 7");
-    const Wide path[] = {0x00E9, 0x20AC, '.', 't', 'x', 't', 0};
-    expect_code(load_units(effect, path), SUCCESS, "wide LoadSettings");
-    expect_background(effect, "5,6,7", "the wide form");
-    remove("\xc3\xa9\xe2\x82\xac.txt");
+    /* The second name is in no 8-bit code page. */
+    const Wide paths[][7] = {{0x00E9, 0x20AC, '.', 't', 'x', 't', 0},
+                             {0x0416, 0x4E2D, '.', 't', 'x', 't', 0}};
+    for (int i = 0; i < 2; ++i) {
+        FILE* file = open_to_write(paths[i]);
+        if (!expect(file != NULL, "cannot write file %d", i)) continue;
+        fprintf(file, "5 6 %d", 7 + i);
+        fclose(file);
+        expect_code(load_units(effect, paths[i]), SUCCESS, "wide LoadSettings");
+        expect_background(effect, i == 0 ? "5,6,7" : "5,6,8", "the wide form");
+        remove_file(paths[i]);
+    }
     end_check();
 
     begin_check("settings: Line Art fails on what cannot be opened and keeps its colour");
@@ -116,7 +122,7 @@ static void test_line_art(Factory* factory) {
     WideSettings no_wide = {0, NULL, NULL, {0, 0}};
     expect(load_settings(effect, &nothing) != SUCCESS, "a record of nulls succeeds");
     expect(load_settings_wide(effect, &no_wide) != SUCCESS, "a wide record of nulls succeeds");
-    expect_background(effect, "5,6,7", "failures");
+    expect_background(effect, "5,6,8", "failures");
     end_check();
     destroy_effect(factory, effect);
 }

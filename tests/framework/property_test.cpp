@@ -6,6 +6,7 @@
 
 #include "framework/EffectBase.h"
 #include "tests/support/EffectDriver.h"
+#include "tests/support/Wide.h"
 
 namespace {
 
@@ -112,21 +113,21 @@ TEST(Properties, RefuseMissingTexts) {
 
 TEST(Properties, WideFormsAreTheSameOperations) {
     auto effect = EffectDriver::Of<CSampleEffect>();
-    WideChar name[256] = u"INTENSITY", value[256] = u"999";
+    WideChar name[256] = WIDE("INTENSITY"), value[256] = WIDE("999");
     WidePropertyRecord record{42, name, value};
     EXPECT_EQ(effect->SetProperty(&record), kSuccess);
-    value[0] = u'\0';
+    value[0] = WIDE('\0');
     EXPECT_EQ(effect->GetProperty(&record), kSuccess);
-    EXPECT_EQ(std::u16string(value), u"24");
-    EXPECT_EQ(std::u16string(name), u"INTENSITY");
+    EXPECT_EQ(std::basic_string<WideChar>(value), WIDE("24"));
+    EXPECT_EQ(std::basic_string<WideChar>(name), WIDE("INTENSITY"));
     EXPECT_EQ(record.Cookie, 42U);
 
     // An unknown name is refused, and both texts come back as they went in.
-    WideChar unknown[256] = u"Gr\u00F6\u00DFe \U0001F600", other[256] = u"\u20AC5";
+    WideChar unknown[256] = WIDE("Gr\u00F6\u00DFe \U0001F600"), other[256] = WIDE("\u20AC5");
     record = {42, unknown, other};
     EXPECT_EQ(effect->GetProperty(&record), kInvalidArgument);
-    EXPECT_EQ(std::u16string(unknown), u"Gr\u00F6\u00DFe \U0001F600");
-    EXPECT_EQ(std::u16string(other), u"\u20AC5");
+    EXPECT_EQ(std::basic_string<WideChar>(unknown), WIDE("Gr\u00F6\u00DFe \U0001F600"));
+    EXPECT_EQ(std::basic_string<WideChar>(other), WIDE("\u20AC5"));
 }
 
 TEST(Properties, OverlongTextsAreCut) {
@@ -135,7 +136,7 @@ TEST(Properties, OverlongTextsAreCut) {
     EXPECT_EQ(effect.Set("Intensity", longText), kSuccess);
     EXPECT_EQ(effect.Get("Intensity"), "24");
     EXPECT_EQ(effect.Set(longText, "1"), kInvalidArgument);
-    std::u16string wideName = u"Intensity", wideValue(10000, u'\u20AC');
+    std::basic_string<WideChar> wideName = WIDE("Intensity"), wideValue(10000, WIDE('\u20AC'));
     WidePropertyRecord record{0, wideName.data(), wideValue.data()};
     EXPECT_EQ(effect->SetProperty(&record), kSuccess);
     EXPECT_EQ(effect.Get("Intensity"), "1");
@@ -165,7 +166,7 @@ TEST(InternalInfo, ServesTheTable) {
 
     WideChar wide[8];
     EXPECT_EQ(info->GetPropTypeInfo(0, wide, 8, nullptr, 9, wide, 0), PropTypeSet::Integer);
-    EXPECT_EQ(std::u16string(wide), u"Intensi");
+    EXPECT_EQ(std::basic_string<WideChar>(wide), WIDE("Intensi"));
 }
 
 TEST(InternalInfo, CutsTheName) {
@@ -176,16 +177,17 @@ TEST(InternalInfo, CutsTheName) {
         char narrow[48];
         WideChar wide[48];
         std::memset(narrow, '#', sizeof narrow);
-        std::fill(std::begin(wide), std::end(wide), u'#');
+        std::fill(std::begin(wide), std::end(wide), WIDE('#'));
         const int32_t whole = size > full.size() ? 1 : 0;
         EXPECT_EQ(info->GetName(narrow, size), whole) << size;
         EXPECT_EQ(info->GetName(wide, static_cast<int32_t>(size)), whole) << size;
         EXPECT_EQ(narrow[size], '#');
-        EXPECT_EQ(wide[size], u'#');
+        EXPECT_EQ(wide[size], WIDE('#'));
         if (size == 0) continue;
         const std::string expected = full.substr(0, size - 1);
         EXPECT_EQ(std::string(narrow), expected);
-        EXPECT_EQ(std::u16string(wide), std::u16string(expected.begin(), expected.end()));
+        EXPECT_EQ(std::basic_string<WideChar>(wide),
+                  std::basic_string<WideChar>(expected.begin(), expected.end()));
     }
     EXPECT_EQ(info->GetName(static_cast<char*>(nullptr), 10), 0);
     EXPECT_EQ(info->GetName(static_cast<WideChar*>(nullptr), 10), 0);

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/Wide.h"
+
 namespace {
 
 using WideString = std::basic_string<WideChar>;
@@ -47,9 +49,9 @@ std::string Narrow(const WideString& wide, size_t size = kTextCapacity) {
 }
 
 WideString Widen(const std::string& narrow, size_t size = kTextCapacity) {
-    std::vector<WideChar> buffer(size, u'#');
+    std::vector<WideChar> buffer(size, WIDE('#'));
     WideFromNarrow(narrow.c_str(), buffer.data(), size);
-    EXPECT_NE(std::find(buffer.begin(), buffer.end(), u'\0'), buffer.end()) << "no terminator";
+    EXPECT_NE(std::find(buffer.begin(), buffer.end(), WIDE('\0')), buffer.end()) << "no terminator";
     return buffer.data();
 }
 
@@ -96,35 +98,35 @@ TEST(TextBridge, CutsAtAWholeCharacter) {
 
 TEST(TextBridge, ASizeOfZeroWritesNothing) {
     char narrow = '#';
-    WideChar wide = u'#';
-    NarrowFromWide(u"text", &narrow, 0);
+    WideChar wide = WIDE('#');
+    NarrowFromWide(WIDE("text"), &narrow, 0);
     WideFromNarrow("text", &wide, 0);
     EXPECT_EQ(narrow, '#');
-    EXPECT_EQ(wide, u'#');
+    EXPECT_EQ(wide, WIDE('#'));
 }
 
 TEST(TextBridge, LongTextsAreCut) {
-    EXPECT_EQ(Narrow(WideString(10000, u'x')), std::string(kTextCapacity - 1, 'x'));
-    EXPECT_EQ(Widen(std::string(10000, 'x')), WideString(kTextCapacity - 1, u'x'));
-    EXPECT_EQ(Narrow(WideString(10000, u'\u20AC')).size(), 255U);
-    EXPECT_EQ(Narrow(WideString(10000, u'\u00E9')).size(), 254U);
+    EXPECT_EQ(Narrow(WideString(10000, WIDE('x'))), std::string(kTextCapacity - 1, 'x'));
+    EXPECT_EQ(Widen(std::string(10000, 'x')), WideString(kTextCapacity - 1, WIDE('x')));
+    EXPECT_EQ(Narrow(WideString(10000, WIDE('\u20AC'))).size(), 255U);
+    EXPECT_EQ(Narrow(WideString(10000, WIDE('\u00E9'))).size(), 254U);
 }
 
 // Sources of exactly as many units as the buffer, without a terminator: an address sanitizer sees reading on.
 TEST(TextBridge, ReadsNoMoreUnitsThanTheBufferHolds) {
     for (const size_t size : {1U, 2U, 3U, 255U, 256U}) {
-        const std::vector<WideChar> wide(size, u'x');
+        const std::vector<WideChar> wide(size, WIDE('x'));
         std::vector<char> narrow(size, '#');
         NarrowFromWide(wide.data(), narrow.data(), size);
         EXPECT_EQ(std::string(narrow.data()), std::string(size - 1, 'x'));
 
         const std::vector<char> source(size, 'x');
-        std::vector<WideChar> target(size, u'#');
+        std::vector<WideChar> target(size, WIDE('#'));
         WideFromNarrow(source.data(), target.data(), size);
-        EXPECT_EQ(WideString(target.data()), WideString(size - 1, u'x'));
+        EXPECT_EQ(WideString(target.data()), WideString(size - 1, WIDE('x')));
     }
     // The last unit is the first half of a pair.
-    const std::vector<WideChar> wide = {u'a', 0xD83D};
+    const std::vector<WideChar> wide = {WIDE('a'), 0xD83D};
     std::vector<char> narrow(2, '#');
     NarrowFromWide(wide.data(), narrow.data(), 2);
     EXPECT_EQ(std::string(narrow.data()), "a");
@@ -132,9 +134,9 @@ TEST(TextBridge, ReadsNoMoreUnitsThanTheBufferHolds) {
     for (const std::string begun : {"\xC3", "\xE2", "\xE2\x82", "\xF0", "\xF0\x9F", "\xF0\x9F\x98"}) {
         const std::string text = "ab" + begun;
         const std::vector<char> source(text.begin(), text.end());
-        std::vector<WideChar> target(source.size(), u'#');
+        std::vector<WideChar> target(source.size(), WIDE('#'));
         WideFromNarrow(source.data(), target.data(), source.size());
-        EXPECT_EQ(WideString(target.data()).substr(0, 2), u"ab");
+        EXPECT_EQ(WideString(target.data()).substr(0, 2), WIDE("ab"));
     }
 }
 
@@ -142,9 +144,9 @@ TEST(TextBridge, LoneSurrogatesAreReplaced) {
     const std::string replacement = Utf8(kReplacement);
     for (const WideChar lone : {WideChar{0xD800}, WideChar{0xDBFF}, WideChar{0xDC00}, WideChar{0xDFFF}}) {
         EXPECT_EQ(Narrow({lone}), replacement);
-        EXPECT_EQ(Narrow({u'a', lone}), "a" + replacement);
-        EXPECT_EQ(Narrow({lone, u'a'}), replacement + "a");
-        EXPECT_EQ(Narrow({lone, u'\u20AC'}), replacement + Utf8(U'\u20AC'));
+        EXPECT_EQ(Narrow({WIDE('a'), lone}), "a" + replacement);
+        EXPECT_EQ(Narrow({lone, WIDE('a')}), replacement + "a");
+        EXPECT_EQ(Narrow({lone, WIDE('\u20AC')}), replacement + Utf8(U'\u20AC'));
     }
     EXPECT_EQ(Narrow({0xDC00, 0xD800}), replacement + replacement);
     EXPECT_EQ(Narrow({0xD800, 0xD800, 0xDC00}), replacement + Utf8(0x10000));
@@ -164,15 +166,15 @@ TEST(TextBridge, BrokenSequencesAreReplaced) {
         const WideString alone = Widen(broken);
         EXPECT_FALSE(alone.empty());
         EXPECT_EQ(alone.find_first_not_of(static_cast<WideChar>(kReplacement)), WideString::npos);
-        EXPECT_EQ(Widen("a" + broken + "z"), u"a" + alone + u"z");
+        EXPECT_EQ(Widen("a" + broken + "z"), WIDE("a") + alone + WIDE("z"));
     }
 }
 
 TEST(NarrowText, IsACopyForOneCall) {
-    EXPECT_STREQ(NarrowText(u"Intensity").get(), "Intensity");
-    EXPECT_STREQ(NarrowText(u"").get(), "");
+    EXPECT_STREQ(NarrowText(WIDE("Intensity")).get(), "Intensity");
+    EXPECT_STREQ(NarrowText(WIDE("")).get(), "");
     EXPECT_EQ(NarrowText(nullptr).get(), nullptr);
-    EXPECT_EQ(std::string(NarrowText(WideString(10000, u'x').c_str()).get()), std::string(255, 'x'));
+    EXPECT_EQ(std::string(NarrowText(WideString(10000, WIDE('x')).c_str()).get()), std::string(255, 'x'));
 }
 
 }  // namespace

@@ -48,6 +48,19 @@ TEST_P(GoldenWithLibrarysRand, FramesAreTheSame) {
     ExpectGoldens(GetParam(), surroundings, kSmallSizes);
 }
 
+#if defined(_WIN32)
+/// A host may have set the x87 unit, which the C library's functions use here, to the precision of doubles.
+TEST_P(Golden, FramesAreTheSameWithALessPreciseX87) {
+    const auto [row, level] = GetParam();
+    const LevelLimit limit(level);
+    const auto set = [](uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); };
+    set(0x27F);
+    TestSurroundings surroundings;
+    ExpectGoldens(row, surroundings, kSmallSizes);
+    set(0x37F);
+}
+#endif
+
 std::string Name(const testing::TestParamInfo<Golden::ParamType>& info) {
     return std::to_string(std::get<0>(info.param)) + "_" + cpu::Name(std::get<1>(info.param));
 }

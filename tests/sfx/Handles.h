@@ -10,6 +10,7 @@
 
 #include "sfx/sfx.h"
 #include "tests/support/GoldenRun.h"
+#include "tests/support/System.h"
 #include "tests/support/TestFrame.h"
 
 struct DestroyEffect {
@@ -75,15 +76,9 @@ class Variable {
         const char* const old = std::getenv(name);
         was_ = old != nullptr ? old : "";
         hadOne_ = old != nullptr;
-        setenv(name, value.c_str(), 1);
+        SetVariable(name, value.c_str());
     }
-    ~Variable() {
-        if (hadOne_) {
-            setenv(name_, was_.c_str(), 1);
-        } else {
-            unsetenv(name_);
-        }
-    }
+    ~Variable() { SetVariable(name_, hadOne_ ? was_.c_str() : nullptr); }
     Variable(const Variable&) = delete;
     Variable& operator=(const Variable&) = delete;
 
@@ -101,8 +96,8 @@ class Home {
   private:
     TemporaryDirectory folder_;
     Variable home_{"HOME", folder_.path()};
-    Variable cache_{"XDG_CACHE_HOME", folder_.path() + "/cache"};
-    Variable config_{"XDG_CONFIG_HOME", folder_.path() + "/config"};
+    Variable cache_{kCacheVariable, folder_.path() + "/cache"};
+    Variable config_{kConfigVariable, folder_.path() + "/config"};
 };
 
 #endif

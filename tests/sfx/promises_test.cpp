@@ -1,6 +1,5 @@
 // What sfx.h promises, tried from outside with calls that programs should not make but do.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <climits>
@@ -674,16 +673,15 @@ size_t EntriesOf(const std::string& folder) {
 
 TEST(Promises, NoFolderAtAllIsNoReasonToFailOrToWriteHere) {
     const TemporaryDirectory here;
-    const Variable home("HOME", ""), config("XDG_CONFIG_HOME", ""), cache("XDG_CACHE_HOME", "");
-    for (const char* const bad :
-         {"", "relative", "./relative", "/dev/null", "/dev/null/folder", "/proc/none"}) {
+    const Variable home("HOME", ""), config(kConfigVariable, ""), cache(kCacheVariable, "");
+    for (const char* const bad : {"", "relative", "./relative", "/dev/null", kNoFolder, "/proc/none"}) {
         for (const bool unset : {false, true}) {
-            const Variable one("HOME", bad), other("XDG_CACHE_HOME", bad);
+            const Variable one("HOME", bad), other(kCacheVariable, bad);
             if (unset) {
-                unsetenv("HOME");
+                SetVariable("HOME", nullptr);
             }
             const EffectHandle effect = Create("clouds");
-            EXPECT_EQ(sfx_set_data_folder(effect.get(), "/dev/null/folder"), SFX_OK);
+            EXPECT_EQ(sfx_set_data_folder(effect.get(), kNoFolder), SFX_OK);
             TestFrame frame(32, 32);
             EXPECT_EQ(Process(effect, frame, 0), SFX_DATA_MISSING) << bad;
             EXPECT_STRNE(sfx_message(), "");
@@ -717,7 +715,7 @@ TEST(Promises, RelativePathsAreThoseOfTheCall) {
 TEST(Promises, SettingsFilesAreRegularFiles) {
     const Home home;
     const std::string fifo = home.Path("fifo");
-    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    ASSERT_TRUE(MakePipe(fifo));
     const EffectHandle effect = Create("line-art-1");
     ASSERT_NE(effect, nullptr);
     for (const std::string& path : {fifo, home.Path(""), home.Path("none"), std::string("/dev/zero"),

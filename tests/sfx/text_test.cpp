@@ -1,8 +1,6 @@
 // Effects from texts and back, settings, presets, data files.
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -228,7 +226,7 @@ TEST(Settings, ComeFromFiles) {
 
     EXPECT_EQ(sfx_load_settings(effect.get(), home.Path("none.txt").c_str()), SFX_ERROR_FILE);
     EXPECT_EQ(sfx_load_settings(effect.get(), home.Path("").c_str()), SFX_ERROR_FILE);
-    ASSERT_EQ(mkfifo(home.Path("pipe").c_str(), 0600), 0);
+    ASSERT_TRUE(MakePipe(home.Path("pipe")));
     EXPECT_EQ(sfx_load_settings(effect.get(), home.Path("pipe").c_str()), SFX_ERROR_FILE);
     EXPECT_EQ(sfx_load_settings(Create("sepia").get(), home.Path("colour.txt").c_str()), SFX_ERROR_UNKNOWN);
     EXPECT_EQ(sfx_load_settings(effect.get(), nullptr), SFX_ERROR_ARGUMENT);
@@ -346,8 +344,7 @@ TEST(PresetsOfTheUser, AreReadFromTheConfiguration) {
                   "garbage\n[one]\neffect = sepia\n[bad]\neffect = sepai\nmore\n[two]\ntitle = Two\neffect = "
                   "rain\n[noir]\neffect = sepia\n");
         const Variable alone("SFX_TEST_ALONE", "1");
-        const std::string command =
-            fs::canonical("/proc/self/exe").string() + " --gtest_filter=PresetsOfTheUser.* --gtest_brief=1";
+        const std::string command = ThisProgram() + " --gtest_filter=PresetsOfTheUser.* --gtest_brief=1";
         EXPECT_EQ(std::system(command.c_str()), 0);
         return;
     }
@@ -365,7 +362,7 @@ std::vector<std::string> FilesBelow(const std::string& folder) {
     std::vector<std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         if (!entry.is_directory()) {
-            files.push_back(fs::relative(entry.path(), folder).string());
+            files.push_back(fs::relative(entry.path(), folder).generic_string());
         }
     }
     return files;
@@ -413,7 +410,7 @@ TEST(Data, ThatCannotBeHadIsToldAndTheEffectRuns) {
     // A file where the cache folder should be, and a pipe with the name of the data file.
     WriteFile(home.Path("cache"), "");
     fs::create_directories(home.Path("own"));
-    ASSERT_EQ(mkfifo(home.Path("own/haar.txt").c_str(), 0600), 0);
+    ASSERT_TRUE(MakePipe(home.Path("own/haar.txt")));
     const EffectHandle clouds = Create("sepia+clouds");
     TestFrame frame = TestFrame(64, 48).DrawScene(0);
     ASSERT_EQ(Process(clouds, frame, 0), SFX_DATA_MISSING);
