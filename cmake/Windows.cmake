@@ -1,7 +1,15 @@
-# What a Windows build has besides: import libraries for hosts built with Microsoft's compiler, beside those for MinGW.
+# What a Windows build has besides: the face cascade, which a program of this machine makes, and import libraries for
+# hosts built with Microsoft's compiler, beside those for MinGW.
 #
 # Such a host links to C names only. Of the module that is the creation function: all else it reaches through tables of
 # virtual operations.
+set(SE_CASCADE_FOLDER "" CACHE PATH "Folder of haar.txt and its licence, made by a build for this machine")
+if(SE_CASCADE_FOLDER)
+    set(cascade ${SE_CASCADE_FOLDER}/haar.txt ${SE_CASCADE_FOLDER}/haar.license.txt)
+    file(COPY ${cascade} DESTINATION ${PROJECT_BINARY_DIR}/share/specialeffects)
+    install(FILES ${cascade} DESTINATION ${CMAKE_INSTALL_DATADIR}/specialeffects)
+endif()
+
 find_program(SE_DLLTOOL llvm-dlltool)
 if(NOT SE_DLLTOOL)
     message(STATUS "The import libraries for Microsoft's compiler are not built: they need llvm-dlltool")

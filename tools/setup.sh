@@ -14,6 +14,8 @@ check        ccache libgtest-dev ffmpeg
 clang        clang libclang-rt-dev
 slow         qemu-user
 arm64        cmake ninja-build ccache libgtest-dev g++-aarch64-linux-gnu qemu-user
+windows      g++-mingw-w64-x86-64-posix llvm libstb-dev
+check-windows wine wine64 clang lld libgtest-dev ccache
 gstreamer    libgstreamer-plugins-base1.0-dev
 check-gstreamer gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-pipewire
 check-gstreamer gir1.2-gstreamer-1.0 python3-gi pipewire wireplumber dbus
