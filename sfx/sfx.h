@@ -174,7 +174,7 @@ typedef struct sfx_preset_info {
  * Presets are effect texts with a name, usable as "preset:noir". They come from these files; a later one may
  * replace a preset of an earlier one:
  *   presets.ini in the installed data folder, or, without it, a copy inside the library;
- *   $XDG_CONFIG_HOME/specialeffects/presets.ini, by default in ~/.config;
+ *   $XDG_CONFIG_HOME/specialeffects/presets.ini, by default in ~/.config; on Windows in %APPDATA%;
  *   files given to sfx_load_presets.
  * The first two are read once, when presets are first asked for. A preset whose text is not valid is left
  * out. A file has a section for each preset:
@@ -291,10 +291,11 @@ SFX_API sfx_status sfx_get_seed(const sfx_effect* effect, uint32_t* seed) SFX_NO
 
 /*
  * Where data files are looked for: first in this folder (null: none, the default), then in the installed
- * data folder, then in $XDG_CACHE_HOME/specialeffects, by default ~/.cache/specialeffects. The noise file of
- * Clouds is made once when it is in none of them, in the given folder or, where that cannot be written or
- * none is given, in the cache folder; that takes part of a second, in sfx_prepare or in the first
- * frame. Takes effect when the effect is next configured (first frame, change of size, sfx_reset).
+ * data folder, then in $XDG_CACHE_HOME/specialeffects, by default ~/.cache/specialeffects, on Windows
+ * %LOCALAPPDATA%/specialeffects. The noise file of Clouds is made once when it is in none of them, in the
+ * given folder or, where that cannot be written or none is given, in the cache folder; that takes part of a
+ * second, in sfx_prepare or in the first frame. Takes effect when the effect is next configured (first frame,
+ * change of size, sfx_reset).
  */
 SFX_API sfx_status sfx_set_data_folder(sfx_effect* effect, const char* folder) SFX_NOEXCEPT;
 

@@ -50,7 +50,7 @@ function(sources out)
 endfunction()
 
 # Those with a suffix: the compiler's intrinsics, and the C headers of the header for C.
-set(standard_headers immintrin.h stddef.h stdint.h)
+set(standard_headers immintrin.h arm_neon.h wasm_simd128.h stddef.h stdint.h)
 # Targets without threads or a file system have not all of the standard library: framework/Mutex.h and imaging/Files.h
 # stand for these.
 set(missing_headers filesystem fstream mutex shared_mutex thread condition_variable)
