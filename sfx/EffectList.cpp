@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <deque>
-#include <mutex>
 
 #include "framework/AdditiveRandom.h"
 #include "framework/Catalogue.h"
