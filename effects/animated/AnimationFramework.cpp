@@ -1,6 +1,7 @@
 #include "effects/animated/AnimationFramework.h"
 
 #include <algorithm>
+#include <cstring>
 #include <stdexcept>
 #include <utility>
 
@@ -74,17 +75,26 @@ void CAnimationFramework::AnimateAll() {
     for (const AnimationObject& object : Objects) object->NextFrame();
 }
 
-void CAnimationFramework::RenderGlow(CPlane8u* y) {
-    Work.Fill(0);
+template <class Row>
+void CAnimationFramework::ForEachLitRow(Row row) {
     for (const AnimationObject& object : Objects) {
         PlanePoint at{};
         object->GetPosition(&at);
-        ForEachSharedRow(*object->GetFrame(), at.x, at.y, Work.width, Work.height,
-                         [&](const uint8_t* mask, ptrdiff_t offset, size_t count) {
-                             AtLevel<AddLight>(mask, Work.data + offset, count);
-                         });
+        ForEachSharedRow(*object->GetFrame(), at.x, at.y, Work.width, Work.height, row);
     }
-    AtLevel<Screen>(Work.data, y->data, std::min(Work.Size(), y->Size()));
+}
+
+/// Light of 0 changes nothing, so only pixels under masks are touched. `Work` is black before and after.
+void CAnimationFramework::RenderGlow(CPlane8u* y) {
+    ForEachLitRow([&](const uint8_t* mask, ptrdiff_t offset, size_t count) {
+        AtLevel<AddLight>(mask, Work.data + offset, count);
+    });
+    // Where masks overlap, the first one takes all of the light.
+    ForEachLitRow([&](const uint8_t*, ptrdiff_t offset, size_t count) {
+        const auto begin = static_cast<size_t>(offset), end = std::min(begin + count, y->Size());
+        if (begin < end) AtLevel<Screen>(Work.data + offset, y->data + offset, end - begin);
+        std::memset(Work.data + offset, 0, count);
+    });
 }
 
 void CAnimationFramework::RenderTinted(CPlane8u* y, CPlane8u* u, CPlane8u* v, bool withChroma) {

@@ -52,6 +52,9 @@ class CAnimationFramework {
         CPlane8u mask;
     };
 
+    /// Calls `row(mask, offset, count)` for every row of every mask, clipped to the frame.
+    template <class Row>
+    void ForEachLitRow(Row row);
     const CPlane8u& HalfMask(const CPlane8u& mask);
 
     std::vector<HalfSize> Halves;  ///< one for each object size
