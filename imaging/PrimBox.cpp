@@ -67,12 +67,12 @@ SE_INLINE void ForRows(const Region& region, const Buffers<Sum>& buffers, Means 
     const auto kept = [&](ptrdiff_t y) { return buffers.ring + y % (region.anchorY + 1) * columns; };
     const auto add = [&](const uint8_t* SE_RESTRICT entering) {
         for (ptrdiff_t x = 0; x < columns; ++x) {
-            sums[x] += entering[x];
+            sums[x] = static_cast<Sum>(sums[x] + entering[x]);
         }
     };
     const auto exchange = [&](const uint8_t* SE_RESTRICT entering, const uint8_t* SE_RESTRICT leaving) {
         for (ptrdiff_t x = 0; x < columns; ++x) {
-            sums[x] += static_cast<Sum>(entering[x] - leaving[x]);
+            sums[x] = static_cast<Sum>(sums[x] + static_cast<Sum>(entering[x] - leaving[x]));
         }
     };
     const ptrdiff_t reach = region.maskHeight - 1 - region.anchorY;  // rows below the pixel
@@ -125,6 +125,21 @@ SE_INLINE void FilterBox(const Region& region, const Buffers<uint32_t>& buffers)
     });
 }
 
+/// For the mean of 3 by 3 and of 5 by 5 everything fits 16 bits, and the sum over so short a row is not worth
+/// keeping from pixel to pixel.
+template <ptrdiff_t kSide>
+SE_INLINE void FilterBoxNarrow(const Region& region, const Buffers<uint16_t>& buffers) {
+    ForRows(region, buffers, [&](const uint16_t* SE_RESTRICT columnSums, uint8_t* SE_RESTRICT out) {
+        for (ptrdiff_t x = 0; x < region.width; ++x) {
+            auto sum = static_cast<uint16_t>(columnSums[x] + columnSums[x + 1] + columnSums[x + 2]);
+            if constexpr (kSide == 5) {
+                sum = static_cast<uint16_t>(sum + columnSums[x + 3] + columnSums[x + 4]);
+            }
+            out[x] = static_cast<uint8_t>(prim::MeanOfSquare<kSide>(sum));
+        }
+    });
+}
+
 /// For masks whose sums exceed 32 bits.
 void FilterBoxWide(const Region& region, const Buffers<uint64_t>& buffers) {
     const auto area = static_cast<uint64_t>(region.Area());
@@ -144,6 +159,10 @@ bool NeedsWideSums(const Region& region) {
     return region.Area() > Mean<double>::kMaxCount;
 }
 
+bool IsSquare(const Region& region, ptrdiff_t side) {
+    return region.maskWidth == side && region.maskHeight == side;
+}
+
 }  // namespace
 
 size_t box::ScratchBytes(const Region& region) {
@@ -151,7 +170,11 @@ size_t box::ScratchBytes(const Region& region) {
 }
 
 void box::Filter(const Region& region, void* scratch) {
-    if (NeedsWideSums(region)) {
+    if (IsSquare(region, 3)) {
+        AtLevel<FilterBoxNarrow<3>>(region, Buffers<uint16_t>(region, scratch));
+    } else if (IsSquare(region, 5)) {
+        AtLevel<FilterBoxNarrow<5>>(region, Buffers<uint16_t>(region, scratch));
+    } else if (NeedsWideSums(region)) {
         FilterBoxWide(region, Buffers<uint64_t>(region, scratch));
     } else if (region.Area() > Mean<float>::kMaxCount) {
         AtLevel<FilterBox<double>>(region, Buffers<uint32_t>(region, scratch));

@@ -33,6 +33,14 @@ SE_INLINE constexpr uint16_t By571(uint16_t low, uint16_t quarter) {
     return static_cast<uint16_t>(guess + (rest >= 571 ? 1 : 0));
 }
 
+/// The mean (sum + n / 2) / n of n = kSide * kSide bytes for 3 and 5, in 16 bits.
+template <int kSide>
+SE_INLINE constexpr uint16_t MeanOfSquare(uint16_t sum) {
+    static_assert(kSide == 3 || kSide == 5);
+    return kSide == 3 ? MulHigh(static_cast<uint16_t>(sum + 4), 7282)
+                      : static_cast<uint16_t>(MulHigh(static_cast<uint16_t>(sum + 12), 10486) >> 2);
+}
+
 /// The mean (sum + n / 2) / n of n bytes. The argument of the division is moved up by a half, so that it
 /// keeps 1 / (2 n) away from the next whole result on either side; the error of the product has to stay below
 /// that.

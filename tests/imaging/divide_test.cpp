@@ -19,6 +19,16 @@ TEST(Divide, TwentyFifthOf) {
     }
 }
 
+TEST(Divide, MeanOfSquare) {
+    for (uint32_t s = 0; s <= 25 * 255; ++s) {
+        const auto sum = static_cast<uint16_t>(s);
+        ASSERT_EQ(prim::MeanOfSquare<5>(sum), (s + 12) / 25) << s;
+    }
+    for (uint32_t s = 0; s <= 9 * 255; ++s) {
+        ASSERT_EQ(prim::MeanOfSquare<3>(static_cast<uint16_t>(s)), (s + 4) / 9) << s;
+    }
+}
+
 TEST(Divide, By571) {
     for (uint32_t s = 0; s <= 571 * 255; ++s) {
         const uint32_t expected = ((s + 286) * 29382) >> 24;
