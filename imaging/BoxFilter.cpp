@@ -1,6 +1,7 @@
 #include "imaging/BoxFilter.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -37,6 +38,19 @@ void BoxFilter::Apply(const CPlane8u& src, CPlane8u& dst) {
         dst.CopyPixels(src);
     }
     FilterInterior(src, dst);
+}
+
+void BoxFilter::ApplyBand(PlaneRows src, PlaneRows dst, RowRange rows) {
+    if (!scratch_) {
+        std::memcpy(dst[rows.begin], src[rows.begin], src.bytes(rows));
+        return;
+    }
+    const ptrdiff_t mask = maskSize_, r = maskSize_ / 2;
+    FilterBand(src, dst, rows, height_, maskSize_ / 2,
+               [&](const uint8_t* from, ptrdiff_t fromStep, uint8_t* to, ptrdiff_t toStep, ptrdiff_t width,
+                   ptrdiff_t height) {
+                   box::Filter({from, fromStep, to, toStep, width, height, mask, mask, r, r}, scratch_.get());
+               });
 }
 
 void BoxFilter::FilterInterior(const CPlane8u& src, CPlane8u& dst) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "imaging/Bands.h"
 #include "imaging/Plane8u.h"
 
 /// What `PrimFilterBox8uC1` stands on. Nothing is checked here.
@@ -50,6 +51,9 @@ class BoxFilter {
 
     /// The same from a plane to another one: first a copy, then the means of its interior.
     void Apply(const CPlane8u& src, CPlane8u& dst);
+
+    /// Rows of the same, for a pass with a reach of maskSize / 2.
+    void ApplyBand(PlaneRows src, PlaneRows dst, RowRange rows);
 
   private:
     void FilterInterior(const CPlane8u& src, CPlane8u& dst);

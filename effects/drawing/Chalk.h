@@ -22,13 +22,15 @@ class CChalkSpecialEffectFilter final : public PlanarEffect<CChalkSpecialEffectF
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    void DrawTones(CPlane8u& y, CPlane8u& u, CPlane8u& v);
-    void DrawOutline(CPlane8u& y, CPlane8u& u, CPlane8u& v);
+    void DrawTones(PlaneRows luma, int32_t height);
+    void DrawOutline(PlaneRows luma, int32_t height);
 
     bool DrawEdges;
     const bool OutlineOnly;
-    CPlane8u EdgeSource;
-    CPlane8u Scratch;
+    RowWindow Smooth;
+    RowWindow Tones;
+    RowWindow Voted;  ///< tones after the first median
+    RowWindow EdgeSource;
     CPlane8u ChromaScratch;
     BoxFilter Blur;
 };

@@ -18,16 +18,19 @@ SE_INLINE int32_t EdgeStrength(const uint8_t* pixel, ptrdiff_t step) {
     return std::abs(dx) + std::abs(dy);
 }
 
-/// Calls draw(x, strength) for the pixels of row `y` of a plane. The outermost pixels of a plane have
-/// strength 0. `draw` must not write to the plane.
+/// Whether there is a row above row `y` of a plane and one below.
+inline bool IsInside(int32_t height, int32_t y) {
+    return y > 0 && y < height - 1;
+}
+
+/// Calls draw(x, strength) for the pixels of a row of a plane, given whether it is inside. The outermost
+/// pixels of a plane have strength 0. `draw` must not write to the plane.
 template <class Draw>
-SE_INLINE void ForEdgesOfRow(const uint8_t* plane, ptrdiff_t step, ptrdiff_t width, ptrdiff_t height,
-                             ptrdiff_t y, Draw draw) {
-    if (y == 0 || y == height - 1 || width < 3) {
+SE_INLINE void ForEdgesOfRow(const uint8_t* row, ptrdiff_t step, ptrdiff_t width, bool inside, Draw draw) {
+    if (!inside || width < 3) {
         for (ptrdiff_t x = 0; x < width; ++x) draw(x, 0);
         return;
     }
-    const uint8_t* const row = plane + y * step;
     draw(ptrdiff_t{0}, 0);
     for (ptrdiff_t x = 1; x < width - 1; ++x) draw(x, EdgeStrength(row + x, step));
     draw(width - 1, 0);

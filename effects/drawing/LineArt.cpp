@@ -51,15 +51,12 @@ uint32_t ReadColor(std::FILE* file) {
     return color;
 }
 
-SE_INLINE void DrawLines(const uint8_t* source, ptrdiff_t sourceStep, uint8_t* luma, ptrdiff_t width,
-                         ptrdiff_t height, int32_t threshold, uint8_t background) {
+SE_INLINE void DrawLines(const uint8_t* row, ptrdiff_t step, uint8_t* luma, ptrdiff_t width, bool inside,
+                         int32_t threshold, uint8_t background) {
     constexpr uint8_t kLine = 255;
-    for (ptrdiff_t y = 0; y < height; ++y) {
-        uint8_t* const row = luma + y * width;
-        ForEdgesOfRow(source, sourceStep, width, height, y, [=](ptrdiff_t x, int32_t strength) {
-            row[x] = strength < threshold ? background : kLine;
-        });
-    }
+    ForEdgesOfRow(row, step, width, inside, [=](ptrdiff_t x, int32_t strength) {
+        luma[x] = strength < threshold ? background : kLine;
+    });
 }
 
 }  // namespace
@@ -99,8 +96,11 @@ void CLineArtSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     Padded.CopyWithBorder(CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height), kMargin);
     Blur.FilterRows(Padded, BlurredRows);
     Blur.FilterColumns(BlurredRows, Padded);
-    AtLevel<DrawLines>(Padded.Row(kMargin) + kMargin, Padded.width, frame.y.data, frame.y.width,
-                       frame.y.height, EdgeThreshold, PackedToY(BackgroundColor));
+    CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    for (int32_t y = 0; y < luma.height; ++y) {
+        AtLevel<DrawLines>(Padded.Row(kMargin + y) + kMargin, Padded.width, luma.Row(y), luma.width,
+                           IsInside(luma.height, y), EdgeThreshold, PackedToY(BackgroundColor));
+    }
 }
 
 template struct EffectClass<CLineArtSpecialEffectFilter>;

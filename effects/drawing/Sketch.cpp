@@ -33,11 +33,10 @@ void DrawTonePage(CPlane8u& page, int32_t level) {
     if (level >= 101) SprinklePaper(page, 2, 1);
 }
 
-/// The tones of row `y` of a plane, with strong edges on the darkest page.
-SE_INLINE void InkEdges(const uint8_t* luma, ptrdiff_t width, ptrdiff_t height, ptrdiff_t y, uint8_t* tones) {
+/// The tones of a row, with strong edges on the darkest page.
+SE_INLINE void InkEdges(const uint8_t* row, ptrdiff_t width, bool inside, uint8_t* tones) {
     constexpr int32_t kStrongEdge = 250;
-    const uint8_t* const row = luma + y * width;
-    ForEdgesOfRow(luma, width, width, height, y, [=](ptrdiff_t x, int32_t strength) {
+    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int32_t strength) {
         const uint8_t tone = row[x];
         tones[x] = strength < kStrongEdge ? tone : uint8_t{0};
     });
@@ -66,7 +65,7 @@ void CSketchSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     for (int32_t y = 0; y < luma.height; ++y) {
         uint8_t* const row = SoftenTemp.Row(y);
         if (EdgeInk) {
-            AtLevel<InkEdges>(luma.data, luma.width, luma.height, y, row);
+            AtLevel<InkEdges>(luma.Row(y), luma.width, IsInside(luma.height, y), row);
         } else {
             LiftFlatAreas(luma, y, kContour, row);
         }

@@ -3,6 +3,7 @@
 #include <limits>
 #include <vector>
 
+#include "imaging/BitMedian.h"
 #include "imaging/Prim.h"
 #include "tests/check_kernels/Trial.h"
 #include "tests/imaging/models/NeighbourhoodModels.h"
@@ -70,6 +71,15 @@ void MedianAnySize(Trial& t) {
     const int32_t wide = t.Pick("maskWidth", {7, 1, 3, 5, 11});
     const int32_t high = t.Pick("maskHeight", {7, 1, 3, 9});
     FilterMedian(t, wide, high);
+}
+
+void Majority(Trial& t) {
+    const auto src = t.Source<uint8_t>({.margin = Margin::All(2)});
+    const auto dst = t.Target<uint8_t>();
+    t.Run(FilterMajority5, model::FilterMajority5, [&](auto filter, Side side) {
+        filter(src.at(side), src.step(), dst.at(side), dst.step(), t.width(), t.height());
+        return kPrimOk;
+    });
 }
 
 enum Taps { kGaussian, kOneSided, kRandomSmall, kRandomLarge, kRandomHuge };
@@ -204,6 +214,7 @@ const Register kernels(
         {"PrimFilterBox8uC1", Box},
         {"PrimFilterMedian8uC1 5x5", Median5x5},
         {"PrimFilterMedian8uC1", MedianAnySize},
+        {"FilterMajority5", Majority},
         {"PrimFilterColumn8uC1", LineKernel<PrimFilterColumn8uC1, model::PrimFilterColumn8uC1, false>},
         {"PrimFilterRow8uC1", LineKernel<PrimFilterRow8uC1, model::PrimFilterRow8uC1, true>},
         {"PrimDilate3x38uC1", Dilate},

@@ -116,6 +116,24 @@ inline PrimStatus PrimFilterMedian8uC1(const uint8_t* src, int32_t srcStep, uint
     return 0;
 }
 
+/// Each bit is that of most of the 25 pixels around.
+inline void FilterMajority5(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
+                            ptrdiff_t width, ptrdiff_t height) {
+    for (ptrdiff_t y = 0; y < height; ++y) {
+        for (ptrdiff_t x = 0; x < width; ++x) {
+            unsigned result = 0;
+            for (unsigned bit = 1; bit < 256; bit *= 2) {
+                int votes = 0;
+                for (ptrdiff_t i = 0; i < 25; ++i) {
+                    votes += (src[(y + i / 5 - 2) * srcStep + x + i % 5 - 2] & bit) != 0 ? 1 : 0;
+                }
+                if (votes >= 13) result |= bit;
+            }
+            dst[y * dstStep + x] = static_cast<uint8_t>(result);
+        }
+    }
+}
+
 // ---- one-dimensional kernels -----------------------------------------------------------------------------
 
 inline uint8_t Divided(int64_t s, int32_t divisor) {
