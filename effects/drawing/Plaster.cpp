@@ -1,10 +1,15 @@
 #include "effects/drawing/Plaster.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
 
+#include "imaging/ByteSum.h"
+#include "imaging/Morphology.h"
 #include "imaging/PerLevel.h"
+#include "imaging/Prim.h"
+#include "imaging/ReleaseMemory.h"
 
 namespace {
 
@@ -84,14 +89,6 @@ SE_INLINE void EmbossRow(const uint8_t* src, ptrdiff_t step, uint8_t* dst, ptrdi
     }
 }
 
-/// Lights the relief `src` into the interior of `dst`.
-void Emboss(const CPlane8u& src, CPlane8u& dst) {
-    const uint8_t* const shades = Shades().data();
-    for (int32_t y = 1; y < src.height - 1; ++y) {
-        AtLevel<EmbossRow>(src.Row(y), src.width, dst.Row(y), src.width, shades);
-    }
-}
-
 /// kDark up to `limit`, 0 above it.
 SE_INLINE void SplitDark(const uint8_t* SE_RESTRICT src, uint8_t* SE_RESTRICT dst, size_t count,
                          uint8_t limit, uint8_t dark) {
@@ -108,45 +105,82 @@ SE_INLINE void LayDark(const uint8_t* SE_RESTRICT mask, const uint8_t* SE_RESTRI
     }
 }
 
+/// Sets those pixels of the rows that lie within `thickness` of the plane's edges.
+void FillRing(PlaneRows plane, RowRange rows, int32_t height, int32_t thickness, uint8_t value) {
+    const auto width = static_cast<size_t>(plane.width()), side = std::min<size_t>(thickness, width);
+    for (int32_t y = rows.begin; y < rows.end; ++y) {
+        if (y < thickness || y >= height - thickness) {
+            std::memset(plane[y], value, width);
+        } else {
+            std::memset(plane[y], value, side);
+            std::memset(plane[y] + width - side, value, side);
+        }
+    }
+}
+
 }  // namespace
 
 void CPlasterSpecialEffectFilter::Prepare() {
-    Work = NewPlane(Width(), Height());
-    Work.Fill(kFlatShade);
-    Core = NewPlane(Width(), Height());
-    Mask = NewPlane(Width(), Height());
+    for (RowWindow* window : {&Smooth, &Mask, &Wide, &Soft, &Relief, &Lit, &Core})
+        *window = RowWindow(Width(), 8);
     DarkLimit = 40;
 }
 
 void CPlasterSpecialEffectFilter::Release() {
-    Work.Release();
-    Core.Release();
-    Mask.Release();
+    ReleaseMemory(Smooth, Mask, Wide, Soft, Relief, Lit, Core);
 }
 
 void CPlasterSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     frame.FillChroma(176, 96);
-    CPlane8u luma = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
-    FilterLowpass5(luma, Work);
-    ThresholdDark();
+    const CPlane8u plane = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    const PlaneRows luma(plane);
+    const int32_t height = plane.height;
+    const auto lowpass3 = [](auto... region) { PrimFilterLowpass8uC1(region..., kPrimMask3x3); };
+    const auto lowpass5 = [](auto... region) { PrimFilterLowpass8uC1(region..., kPrimMask5x5); };
 
-    Dilate3(Mask, luma, FilterRing::kCopied);
-    FilterLowpass5(luma, Work);
-    FilterLowpass3(Work, luma);
-    luma.FillBorder(3, 0);
-    Emboss(luma, Work);
-    FilterLowpass5(Work, luma);
-    luma.FillBorder(2, kFlatShade);  // as in `Work`, which the filter leaves there
-
-    Erode3(Mask, Core);
-    AtLevel<LayDark>(Mask.data, Core.data, luma.data, luma.Size());
+    // The dark part, widened and softened, is the relief that is lit; then it is laid over it.
+    const auto limit = static_cast<uint8_t>(DarkLimit);
+    const uint8_t dark = DarkLimit > 0 ? kDark : 0;  // at limit 0 nothing is dark, not even black
+    uint64_t darkness = 0;
+    const auto split = [&](RowRange rows) {
+        const PlaneRows smooth = Smooth.Advance(rows), mask = Mask.Advance(rows);
+        FilterBand(luma, smooth, rows, height, 2, lowpass5);
+        FillRing(smooth, rows, height, 2, kFlatShade);
+        AtLevel<SplitDark>(smooth[rows.begin], mask[rows.begin], smooth.bytes(rows), limit, dark);
+        darkness += SumBytes(mask[rows.begin], mask.bytes(rows));
+    };
+    const auto widen = [&](RowRange rows) {
+        FilterBand(Mask.Rows(), Wide.Advance(rows), rows, height, 1, prim::Dilate3x3);
+    };
+    const auto soften = [&](RowRange rows) {
+        FilterBand(Wide.Rows(), Soft.Advance(rows), rows, height, 2, lowpass5);
+    };
+    const auto raise = [&](RowRange rows) {
+        FilterBand(Soft.Rows(), Relief.Advance(rows), rows, height, 1, lowpass3);
+        FillRing(Relief.Rows(), rows, height, 3, 0);
+    };
+    const auto light = [&](RowRange rows) {
+        const PlaneRows relief = Relief.Rows(), lit = Lit.Advance(rows);
+        const uint8_t* const shades = Shades().data();
+        for (int32_t y = std::max(rows.begin, 1); y < std::min(rows.end, height - 1); ++y) {
+            AtLevel<EmbossRow>(relief[y], relief.width(), lit[y], lit.width(), shades);
+        }
+        FillRing(lit, rows, height, 1, kFlatShade);
+    };
+    const auto finish = [&](RowRange rows) {
+        FilterBand(Lit.Rows(), luma, rows, height, 2, lowpass5);
+        FillRing(luma, rows, height, 2, kFlatShade);
+        const PlaneRows mask = Mask.Rows(), core = Core.Advance(rows);
+        FilterBand(mask, core, rows, height, 1, PrimErode3x38uC1);
+        FillRing(core, rows, height, 1, 0);
+        AtLevel<LayDark>(mask[rows.begin], core[rows.begin], luma[rows.begin], luma.bytes(rows));
+    };
+    RunInBands(height, BandPass{2, split}, BandPass{1, widen}, BandPass{2, soften}, BandPass{1, raise},
+               BandPass{1, light}, BandPass{2, finish});
+    if (plane.Size() > 0) MoveLimit(static_cast<int32_t>(darkness / plane.Size()));
 }
 
-void CPlasterSpecialEffectFilter::ThresholdDark() {
-    // At limit 0 nothing is dark, not even black.
-    AtLevel<SplitDark>(Work.data, Mask.data, Mask.Size(), static_cast<uint8_t>(DarkLimit),
-                       DarkLimit > 0 ? kDark : 0);
-    const int32_t share = Mask.MeanByte();
+void CPlasterSpecialEffectFilter::MoveLimit(int32_t share) {
     if (share < 15) ++DarkLimit;
     if (share > 70) --DarkLimit;
     DarkLimit = std::clamp(DarkLimit, 0, 255);

@@ -3,7 +3,7 @@
 #define SPECIALEFFECTS_EFFECTS_DRAWING_PLASTER_H
 
 #include "framework/EffectBase.h"
-#include "imaging/Plane8u.h"
+#include "imaging/Bands.h"
 
 /// A threshold splits the picture into dark and bright. The border between them is raised as a relief, the
 /// dark part is laid over it, and everything is tinted. The threshold moves by at most one level a frame
@@ -17,12 +17,14 @@ class CPlasterSpecialEffectFilter final : public PlanarEffect<CPlasterSpecialEff
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    /// Marks the dark pixels of `Work` in `Mask` and moves the threshold for the next frame.
-    void ThresholdDark();
+    /// Moves the threshold for the next frame; `share` is the mean of the mask.
+    void MoveLimit(int32_t share);
 
-    CPlane8u Work;  // its outermost pixels stay flat plaster
-    CPlane8u Core;  // the dark part without its rim
-    CPlane8u Mask;  // the dark part
+    RowWindow Smooth;
+    RowWindow Mask;  ///< the dark part
+    RowWindow Wide, Soft, Relief;
+    RowWindow Lit;
+    RowWindow Core;  ///< the dark part without its rim
     int32_t DarkLimit = 40;
 };
 
