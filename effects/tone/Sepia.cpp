@@ -1,5 +1,8 @@
 #include "effects/tone/Sepia.h"
 
+#include <algorithm>
+
+#include "imaging/Bands.h"
 #include "imaging/Prim.h"
 #include "imaging/ReleaseMemory.h"
 
@@ -16,7 +19,7 @@ constexpr float ColorTwistMatrix[12] = {
 }  // namespace
 
 void CSepiaSpecialEffectFilter::Prepare() {
-    Workspace.resize(PackedBytes(Width(), Height()));
+    Workspace.resize(PackedBytes(Width(), std::min(Height(), kBandRows)));
     Chroma.Prepare(Width(), Height());
 }
 
@@ -26,9 +29,15 @@ void CSepiaSpecialEffectFilter::Release() {
 
 ResultCode CSepiaSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     return Chroma.Apply(frame, [this](uint8_t* const planes[3]) {
-        PrimYuv420ToRgb(planes, Workspace.data(), Width(), Height());
-        PrimColorTwist8uC3(Workspace.data(), 3 * Width(), Width(), Height(), ColorTwistMatrix);
-        PrimRgbToYuv420(Workspace.data(), planes, Width(), Height());
+        const auto width = ptrdiff_t{Width()}, chromaWidth = (width + 1) / 2;
+        for (int32_t y = 0; y < Height(); y += kBandRows) {
+            const int32_t rows = std::min(kBandRows, Height() - y);
+            uint8_t* const band[3] = {planes[0] + y * width, planes[1] + y / 2 * chromaWidth,
+                                      planes[2] + y / 2 * chromaWidth};
+            PrimYuv420ToRgb(band, Workspace.data(), Width(), rows);
+            PrimColorTwist8uC3(Workspace.data(), 3 * Width(), Width(), rows, ColorTwistMatrix);
+            PrimRgbToYuv420(Workspace.data(), band, Width(), rows);
+        }
     });
 }
 

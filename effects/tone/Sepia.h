@@ -7,8 +7,8 @@
 #include "framework/EffectBase.h"
 #include "framework/RoundedChroma.h"
 
-/// Works on packed pixels, red first. Planar frames go through a packed workspace and come back with their
-/// chroma at the resolution of the planes.
+/// Works on packed pixels, red first. Planar frames go through a packed workspace, some rows at a time, and
+/// come back with their chroma at the resolution of the planes.
 class CSepiaSpecialEffectFilter final : public PlanarEffect<CSepiaSpecialEffectFilter> {
   public:
     static constexpr const char* DisplayName = "Sepia";
