@@ -3,6 +3,7 @@
 #define SPECIALEFFECTS_EFFECTS_DRAWING_CHALK_H
 
 #include "framework/EffectBase.h"
+#include "imaging/Bands.h"
 #include "imaging/BoxFilter.h"
 #include "imaging/Plane8u.h"
 

@@ -1,5 +1,7 @@
 #include "effects/time/MotionDetector.h"
 
+#include <algorithm>
+
 #include "framework/Surroundings.h"
 #include "imaging/ExactDivision.h"
 #include "imaging/PerLevel.h"
@@ -45,7 +47,7 @@ void CMotionDetectorSpecialEffectFilter::Prepare() {
     FirstFrame = true;
     BlurDelay = 50;
     BlurColor = kRed;
-    Smoothed = NewPlane(Width(), Height());
+    Smoothed = RowWindow(Width(), 1);
     Background = NewPlane(Width(), Height());
     History.assign(Background.Size(), 0.0F);
 }
@@ -57,27 +59,37 @@ void CMotionDetectorSpecialEffectFilter::Release() {
 void CMotionDetectorSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     constexpr float kDuration = 1.0F;
     const auto now = static_cast<float>(static_cast<double>(CurrentSurroundings().Milliseconds()) / 1000.0);
-    const int32_t historyStep = Width() * static_cast<int32_t>(sizeof(float));
-
-    CPlane8u y = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
-    FilterGauss3(y, Smoothed, FilterRing::kCopied);
-    if (FirstFrame) {
-        Background.CopyPixels(Smoothed);
-        History.assign(History.size(), 0.0F);
-        FirstFrame = false;
-    }
-
-    AtLevel<MarkMotion>(Smoothed.data, Background.data, y.data, y.Size());
-    PrimUpdateMotionHistory8u32f(y.data, Width(), History.data(), historyStep, Width(), Height(), now,
-                                 kDuration);
+    const int32_t width = Width(), historyStep = width * static_cast<int32_t>(sizeof(float));
 
     // The fade spans one second, from `now` - `delay`.
     const auto delay = static_cast<float>(BlurDelay * 1.8 / 100.0 + 0.1);
     const auto low = static_cast<float>(double{now} - delay);
     const auto high = static_cast<float>(low + 1.0);
-    PrimScale32f8u(History.data(), historyStep, y.data, Width(), Width(), Height(), low, high);
 
-    AtLevel<FollowScene>(Background.data, Smoothed.data, Background.Size());
+    const CPlane8u plane = CPlane8u::Over(frame.y.data, frame.y.width, frame.y.height);
+    const PlaneRows luma(plane);
+    const auto smooth = [&](RowRange rows) {
+        FilterBand(luma, Smoothed.Advance(rows), rows, plane.height, 1,
+                   [](auto... region) { PrimFilterGauss8uC1(region..., kPrimMask3x3); });
+    };
+    const auto draw = [&](RowRange rows) {
+        const size_t count = luma.bytes(rows);
+        const uint8_t* const scene = Smoothed.Rows()[rows.begin];
+        uint8_t* const y = luma[rows.begin];
+        uint8_t* const background = Background.Row(rows.begin);
+        float* const history = History.data() + ptrdiff_t{rows.begin} * width;
+        if (FirstFrame) {
+            std::copy_n(scene, count, background);
+            std::fill_n(history, count, 0.0F);
+        }
+        AtLevel<MarkMotion>(scene, background, y, count);
+        PrimUpdateMotionHistory8u32f(y, width, history, historyStep, width, rows.count(), now, kDuration);
+        PrimScale32f8u(history, historyStep, y, width, width, rows.count(), low, high);
+        AtLevel<FollowScene>(background, scene, count);
+    };
+    RunInBands(plane.height, BandPass{1, smooth}, BandPass{1, draw});
+    FirstFrame = false;
+
     CPlane8u::Over(frame.u.data, frame.u.width, frame.u.height).Fill(PackedToU(BlurColor));
     CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height).Fill(PackedToV(BlurColor));
 }

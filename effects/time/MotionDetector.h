@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "framework/EffectBase.h"
+#include "imaging/Bands.h"
 #include "imaging/Plane8u.h"
 
 /// The fade follows the process clock, so a trail lasts equally long at any frame rate. Each `Configure` for
@@ -20,7 +21,7 @@ class CMotionDetectorSpecialEffectFilter final : public PlanarEffect<CMotionDete
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    CPlane8u Smoothed;
+    RowWindow Smoothed;
     CPlane8u Background;  ///< reference luma that follows the scene slowly
     bool FirstFrame = true;
     std::vector<float> History;  ///< time of each pixel's last motion in seconds; 0 for long ago
