@@ -1,5 +1,6 @@
 #include "effects/animated/Quark.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "framework/Surroundings.h"
@@ -10,26 +11,52 @@ namespace {
 
 constexpr uint32_t kSlots = 16;
 
-/// Pixels that are selected together.
-constexpr size_t kBlock = 128;
+/// Pixels of a block. The sixteen versions of a block lie one behind the other, so that a frame reads the
+/// history in the order of memory.
+constexpr size_t kBlock = 64;
 
-/// dst[i] = history[slot[i]][i]; the planes of the history are `count` bytes apart. Reads all sixteen planes
-/// in step and keeps the right value: sixteen vector selects are faster than one random load a pixel.
-SE_INLINE void PickSlots(const uint8_t* SE_RESTRICT history, const uint8_t* SE_RESTRICT slot,
-                         uint8_t* SE_RESTRICT dst, size_t count) {
-    size_t start = 0;
-    for (; start + kBlock <= count; start += kBlock) {
-        const uint8_t* const past = history + start;
-        uint8_t pixel[kBlock] = {};
-        for (size_t k = 0; k < kSlots; ++k) {
-            for (size_t i = 0; i < kBlock; ++i) {
-                const uint8_t mask = slot[start + i] == static_cast<uint8_t>(k) ? 255 : 0;
-                pixel[i] = static_cast<uint8_t>(pixel[i] | (past[k * count + i] & mask));
-            }
+constexpr size_t HistoryBytes(size_t pixels) {
+    return (pixels + kBlock - 1) / kBlock * kBlock * kSlots;
+}
+
+/// pixels[i] = versions[slots[i] * kBlock + i]. Reads all versions and keeps the right one: sixteen vector
+/// selects are faster than one random load a pixel.
+SE_INLINE void PickBlock(const uint8_t* SE_RESTRICT versions, const uint8_t* SE_RESTRICT slots,
+                         uint8_t* SE_RESTRICT pixels) {
+    uint8_t picked[kBlock] = {};
+    for (size_t k = 0; k < kSlots; ++k) {
+        for (size_t i = 0; i < kBlock; ++i) {
+            const uint8_t mask = slots[i] == static_cast<uint8_t>(k) ? 255 : 0;
+            picked[i] = static_cast<uint8_t>(picked[i] | (versions[k * kBlock + i] & mask));
         }
-        std::memcpy(dst + start, pixel, kBlock);
     }
-    for (; start < count; ++start) dst[start] = history[slot[start] * count + start];
+    std::memcpy(pixels, picked, kBlock);
+}
+
+/// Puts a plane into slot `newest` of its history and picks each of its pixels from the slot that `slots`
+/// names.
+SE_INLINE void RenewAndPick(uint8_t* history, size_t newest, const uint8_t* slots, uint8_t* plane,
+                            size_t count) {
+    for (; count >= kBlock; count -= kBlock) {
+        std::memcpy(history + newest * kBlock, plane, kBlock);
+        PickBlock(history, slots, plane);
+        history += kSlots * kBlock;
+        slots += kBlock;
+        plane += kBlock;
+    }
+    for (size_t i = 0; i < count; ++i) {
+        history[newest * kBlock + i] = plane[i];
+        plane[i] = history[slots[i] * kBlock + i];
+    }
+}
+
+/// Puts a plane into all slots.
+void FillHistory(uint8_t* history, const uint8_t* plane, size_t count) {
+    for (size_t start = 0; start < count; start += kBlock) {
+        for (size_t slot = 0; slot < kSlots; ++slot, history += kBlock) {
+            std::memcpy(history, plane + start, std::min(kBlock, count - start));
+        }
+    }
 }
 
 }  // namespace
@@ -39,9 +66,9 @@ void CQuarkSpecialEffectFilter::Prepare() {
     const size_t chroma = static_cast<size_t>(Width() / 2) * static_cast<size_t>(Height() / 2);
     Counter = 0;
     FirstFrame = true;
-    HistoryY.assign(kSlots * luma, 0);
-    HistoryU.assign(kSlots * chroma, 0);
-    HistoryV.assign(kSlots * chroma, 0);
+    HistoryY.assign(HistoryBytes(luma), 0);
+    HistoryU.assign(HistoryBytes(chroma), 0);
+    HistoryV.assign(HistoryBytes(chroma), 0);
     Noise.resize(2 * luma);
     for (uint8_t& slot : Noise) slot = static_cast<uint8_t>(Rand() % int{kSlots});
     HalfNoise.resize(luma / 2);
@@ -69,11 +96,8 @@ void CQuarkSpecialEffectFilter::ProcessPlane(const FramePlane& plane, History& h
         window = Noise.data() + offset;
         ++Counter;
     }
-    const uint32_t newest = Counter % kSlots;
-    for (uint32_t slot = 0; slot < kSlots; ++slot) {
-        if (FirstFrame || slot == newest) std::memcpy(history.data() + slot * count, plane.data, count);
-    }
-    AtLevel<PickSlots>(history.data(), window, plane.data, count);
+    if (FirstFrame) FillHistory(history.data(), plane.data, count);
+    AtLevel<RenewAndPick>(history.data(), Counter % kSlots, window, plane.data, count);
 }
 
 template struct EffectClass<CQuarkSpecialEffectFilter>;

@@ -18,7 +18,7 @@ class CQuarkSpecialEffectFilter final : public PlanarEffect<CQuarkSpecialEffectF
     void ProcessPlanar(const PlanarFrame& frame);
 
   private:
-    /// 16 planes, one behind the other.
+    /// 16 planes, block by block.
     using History = std::vector<uint8_t>;
 
     void ProcessPlane(const FramePlane& plane, History& history);
