@@ -1,6 +1,7 @@
 #include "effects/time/TimeDistortion.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "imaging/ExactDivision.h"
 #include "imaging/PerLevel.h"
@@ -8,8 +9,8 @@
 
 namespace {
 
-constexpr int kStill = 10;     ///< the largest difference that counts as no change
-constexpr size_t kBlock = 64;  ///< pixels that are skipped together if none has changed
+constexpr int kStill = 10;         ///< the largest difference that counts as no change
+constexpr uint8_t kPresent = 255;  ///< instead of a slot: the pixel has not changed
 
 SE_INLINE void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT y, size_t count) {
     for (size_t i = 0; i < count; ++i) {
@@ -18,31 +19,27 @@ SE_INLINE void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RES
     }
 }
 
-/// The differences of a block, and the largest of them.
-SE_INLINE uint8_t Differences(const uint8_t* SE_RESTRICT a, const uint8_t* SE_RESTRICT b,
-                              uint8_t* SE_RESTRICT difference, size_t count) {
-    uint8_t largest = 0;
+/// The slot of the ring that each pixel of a block comes from, by its difference from the average. `now` is
+/// the slot of the present; delays longer than the ring wrap round it. Returns the set of slots, a bit for
+/// each.
+SE_INLINE uint32_t ChooseSlots(const uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT luma,
+                               uint8_t now, uint8_t* SE_RESTRICT slots, size_t count) {
+    uint32_t used = 0;
     for (size_t i = 0; i < count; ++i) {
-        const auto d = static_cast<uint8_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
-        difference[i] = d;
-        largest = std::max(largest, d);
+        const auto difference =
+            static_cast<uint8_t>(std::max(average[i], luma[i]) - std::min(average[i], luma[i]));
+        const auto slot = static_cast<uint8_t>(static_cast<uint8_t>(now - difference / 4) % 32);
+        const bool changed = difference > kStill;
+        slots[i] = changed ? slot : kPresent;
+        used |= changed ? 1U << slot : 0U;
     }
-    return largest;
+    return used;
 }
 
-/// Calls `reach(i, delay)` for every pixel that has changed; `delay` is how many frames it reaches back.
-template <class Reach>
-void ForEachChange(const CPlane8u& average, const CPlane8u& luma, Reach reach) {
-    uint8_t difference[kBlock];
-    for (size_t start = 0; start < luma.Size(); start += kBlock) {
-        const size_t count = std::min(kBlock, luma.Size() - start);
-        if (AtLevel<Differences>(average.data + start, luma.data + start, difference, count) <= kStill) {
-            continue;
-        }
-        for (size_t k = 0; k < count; ++k) {
-            if (difference[k] > kStill) reach(start + k, difference[k] / 4U);
-        }
-    }
+/// Replaces the pixels that come from `slot`.
+SE_INLINE void TakeFrom(const uint8_t* SE_RESTRICT past, const uint8_t* SE_RESTRICT slots, uint8_t slot,
+                        uint8_t* SE_RESTRICT pixels, size_t count) {
+    for (size_t i = 0; i < count; ++i) pixels[i] = slots[i] == slot ? past[i] : pixels[i];
 }
 
 }  // namespace
@@ -83,14 +80,28 @@ void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     }
     Shrink.Apply(y, SmallLuma);
     Shrink.Apply(Average, SmallAverage);
-    // Delays longer than the ring wrap round it.
-    const auto past = [now = FrameCount](uint32_t delay) { return (now - delay) % kRing; };
-    ForEachChange(Average, y, [&](size_t i, uint32_t delay) { y.data[i] = HistoryY[past(delay)].data[i]; });
-    ForEachChange(SmallAverage, SmallLuma, [&](size_t i, uint32_t delay) {
-        u.data[i] = HistoryU[past(delay)].data[i];
-        v.data[i] = HistoryV[past(delay)].data[i];
-    });
+    ShowPast(Average, y, {{&y, HistoryY}});
+    ShowPast(SmallAverage, SmallLuma, {{&u, HistoryU}, {&v, HistoryV}});
     ++FrameCount;
+}
+
+/// Works on blocks, since the pixels of a block come from few frames, or all from the present.
+void CTimeDistortionSpecialEffectFilter::ShowPast(const CPlane8u& average, const CPlane8u& luma,
+                                                  std::initializer_list<Channel> channels) {
+    constexpr size_t kBlock = 64;
+    const auto now = static_cast<uint8_t>(FrameCount % kRing);
+    uint8_t slots[kBlock];
+    for (size_t start = 0; start < luma.Size(); start += kBlock) {
+        const size_t count = std::min(kBlock, luma.Size() - start);
+        uint32_t used = AtLevel<ChooseSlots>(average.data + start, luma.data + start, now, slots, count);
+        for (; used != 0; used &= used - 1) {
+            const auto slot = static_cast<size_t>(std::countr_zero(used));
+            for (const auto& [pixels, history] : channels) {
+                AtLevel<TakeFrom>(history[slot].data + start, slots, static_cast<uint8_t>(slot),
+                                  pixels->data + start, count);
+            }
+        }
+    }
 }
 
 template struct EffectClass<CTimeDistortionSpecialEffectFilter>;

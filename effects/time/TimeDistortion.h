@@ -2,6 +2,8 @@
 #ifndef SPECIALEFFECTS_EFFECTS_TIME_TIMEDISTORTION_H
 #define SPECIALEFFECTS_EFFECTS_TIME_TIMEDISTORTION_H
 
+#include <initializer_list>
+
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
@@ -18,6 +20,14 @@ class CTimeDistortionSpecialEffectFilter final : public PlanarEffect<CTimeDistor
 
   private:
     static constexpr uint32_t kRing = 32;
+
+    /// A plane of the frame and its earlier versions.
+    struct Channel {
+        CPlane8u* pixels;
+        const CPlane8u* history;
+    };
+    /// Replaces the pixels where `luma` differs from `average`; all planes have one size.
+    void ShowPast(const CPlane8u& average, const CPlane8u& luma, std::initializer_list<Channel> channels);
 
     bool WarmingUp = true;
     uint32_t FrameCount = 0;
