@@ -1,6 +1,5 @@
 #include "effects/distortion/MovingTwirl.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -30,7 +29,7 @@ std::vector<int32_t> MakeSinCosTable() {
 
 /// The parameters of a row that its source indices depend on.
 struct Twist {
-    const int32_t* turn;
+    int32_t phase;
     const int32_t* sinCos;
     int32_t centerX, centerY, width, pixels;
 };
@@ -38,15 +37,15 @@ struct Twist {
 /// Divisions truncate. A source outside the plane, possible on frames higher than wide, is replaced by the
 /// pixel itself; `self` is the index of the first pixel.
 SE_INLINE void FindSources(const Twist& twist, const uint16_t* SE_RESTRICT radius,
-                           const int16_t* SE_RESTRICT angle, int32_t self, int32_t count,
-                           int32_t* SE_RESTRICT sources) {
-    const int32_t* const turn = twist.turn;
+                           const uint16_t* SE_RESTRICT share, const int16_t* SE_RESTRICT angle, int32_t self,
+                           int32_t count, int32_t* SE_RESTRICT sources) {
+    const int32_t phase = twist.phase;
     const int32_t* const sinCos = twist.sinCos;
     const int32_t centerX = twist.centerX, centerY = twist.centerY, width = twist.width;
     const auto pixels = static_cast<uint32_t>(twist.pixels);
     for (int32_t i = 0; i < count; ++i) {
         const int32_t r = radius[i];
-        const int32_t a = (turn[r] + angle[i]) * 100;
+        const int32_t a = (share[i] * phase / kOne + angle[i]) * 100;
         const int32_t entry = sinCos[a / kOne + kTableEntries / 2];
         const int32_t sine = static_cast<int16_t>(entry), cosine = entry >> 16;
         const int32_t row = (sine * r + centerY) / kOne;
@@ -68,7 +67,6 @@ CMovingTwirlSpecialEffectFilter::Disc CMovingTwirlSpecialEffectFilter::MakeDisc(
     disc.centerX = centerX;
     disc.centerY = centerY;
     const int32_t hw = width / 2, hh = height / 2;
-    for (int32_t r = 0; r < hh; ++r) disc.twist.push_back(static_cast<int32_t>(4096.0 * (hh - r) / hh));
     for (int32_t y = 0; y < height; ++y) {
         Disc::Row row{y, 0, 0};
         for (int32_t x = 0; x < width; ++x) {
@@ -77,6 +75,7 @@ CMovingTwirlSpecialEffectFilter::Disc CMovingTwirlSpecialEffectFilter::MakeDisc(
             if (r >= hh) continue;
             if (row.count++ == 0) row.firstColumn = x;
             disc.radius.push_back(static_cast<uint16_t>(r));
+            disc.share.push_back(static_cast<uint16_t>(4096.0 * (hh - r) / hh));
             disc.angle.push_back(static_cast<int16_t>(std::atan2(dy, dx) * 4096.0));
         }
         if (row.count > 0) disc.rows.push_back(row);
@@ -90,14 +89,13 @@ void CMovingTwirlSpecialEffectFilter::Prepare() {
     SinCosTable = MakeSinCosTable();
     Luma = MakeDisc(Width(), Height(), hw * kOne, hh * kOne);
     Chroma = MakeDisc(hw, hh, hw * kOne / 2, hh * kOne / 2);
-    Turn.resize(static_cast<size_t>(hh));
     Sources.resize(static_cast<size_t>(Width()));
     TwistPhase = kStartPhase;
     Direction = 1;
 }
 
 void CMovingTwirlSpecialEffectFilter::Release() {
-    ReleaseMemory(Scratch, SinCosTable, Luma, Chroma, Turn, Sources);
+    ReleaseMemory(Scratch, SinCosTable, Luma, Chroma, Sources);
 }
 
 /// The phase is not clamped at its limits: the next frame brings it back.
@@ -108,14 +106,12 @@ void CMovingTwirlSpecialEffectFilter::Advance() {
 
 template <class Take>
 void CMovingTwirlSpecialEffectFilter::ForEachRow(const Disc& disc, Take take) {
-    std::transform(disc.twist.begin(), disc.twist.end(), Turn.begin(),
-                   [this](int32_t share) { return share * TwistPhase / kOne; });
-    const Twist twist{Turn.data(), SinCosTable.data(), disc.centerX, disc.centerY, disc.width, disc.pixels};
+    const Twist twist{TwistPhase, SinCosTable.data(), disc.centerX, disc.centerY, disc.width, disc.pixels};
     size_t done = 0;
     for (const Disc::Row& row : disc.rows) {
         const int32_t firstPixel = row.y * disc.width + row.firstColumn;
-        AtLevel<FindSources>(twist, disc.radius.data() + done, disc.angle.data() + done, firstPixel,
-                             row.count, Sources.data());
+        AtLevel<FindSources>(twist, disc.radius.data() + done, disc.share.data() + done,
+                             disc.angle.data() + done, firstPixel, row.count, Sources.data());
         take(Sources.data(), firstPixel, row.count);
         done += static_cast<size_t>(row.count);
     }

@@ -28,8 +28,8 @@ class CMovingTwirlSpecialEffectFilter final : public PlanarEffect<CMovingTwirlSp
         int32_t centerX = 0, centerY = 0;  ///< fixed point
         std::vector<Row> rows;
         std::vector<uint16_t> radius;  ///< of each pixel of the rows, in whole pixels
+        std::vector<uint16_t> share;   ///< of each pixel: its share of the twist, fixed point
         std::vector<int16_t> angle;    ///< of each pixel, radians in fixed point
-        std::vector<int32_t> twist;    ///< by radius: its share of the twist, fixed point
     };
 
     static Disc MakeDisc(int32_t width, int32_t height, int32_t centerX, int32_t centerY);
@@ -43,7 +43,6 @@ class CMovingTwirlSpecialEffectFilter final : public PlanarEffect<CMovingTwirlSp
     CPlane8u Scratch;
     std::vector<int32_t> SinCosTable;  ///< sine in the low half, cosine in the high half, fixed point
     Disc Luma, Chroma;
-    std::vector<int32_t> Turn;     ///< by radius: twist in this frame, radians in fixed point
     std::vector<int32_t> Sources;  ///< source indices of one row
     int32_t TwistPhase = 0;        ///< radians in fixed point
     int32_t Direction = 1;
