@@ -32,8 +32,8 @@ static int usage(void) {
 }
 
 /*
- * Effects look for data files in the current directory, so the program works in a fresh one. A picture file
- * of noise spares Clouds the making of its own, which takes seconds.
+ * Effects look for data files in the current directory, so the program works in a fresh one. A noise file
+ * saves Clouds from making its own, which takes seconds.
  */
 static void make_data_files(void) {
     FILE* file = fopen("perlin.dat", "wb");

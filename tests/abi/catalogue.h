@@ -6,7 +6,7 @@
 
 enum { ROWS = 63, LISTED = 41 };
 
-/* In what an effect differs from the rest. */
+/* How an effect differs from the rest. */
 enum {
     NO_WORKSPACE = 1, /* frames are processed in every state */
     PACKED_TOO = 2,   /* processes format 2 */

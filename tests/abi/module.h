@@ -1,5 +1,6 @@
 /*
- * The module as a stranger sees it: one exported name, tables of operations counted from 0, and records.
+ * The module as an outside program sees it: one exported name, tables of operations counted from 0, and
+ * records.
  *
  * Nothing here comes from the module's own headers; the slot numbers, the record layouts and the codes are
  * written down a second time on purpose, so that a change on one side only is noticed.

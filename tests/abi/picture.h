@@ -12,7 +12,7 @@ typedef struct {
     Frame frame, frame_before;
 } Picture;
 
-/* Planes of exactly the given sizes, full of noise; the records' free words hold rubbish. */
+/* Planes of exactly the given sizes, full of noise; the records' unused words hold garbage. */
 void picture_open(Picture* picture, int32_t format, size_t size0, size_t size1, size_t size2, Random* random);
 
 /* A picture of exactly the bytes that the format has at this size; sides below 1 count as 0. */

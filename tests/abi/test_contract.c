@@ -1,4 +1,4 @@
-/* What every effect answers alike: the plain slots, Configure, and the entry checks of frames in their order.
+/* What all effects have in common: the plain slots, Configure, and the entry checks of frames in their order.
  */
 #include <string.h>
 
@@ -24,7 +24,7 @@ static uint32_t configure_as(Effect* effect, int32_t width, int32_t height, int3
     return result;
 }
 
-/* What Configure answers to a format or size that it refuses. */
+/* What Configure returns for a format or size that it refuses. */
 static uint32_t refusal(const CatalogueRow* row) {
     return row->traits & DISTORTION ? (uint32_t)SUCCESS : INVALID_ARGUMENT;
 }

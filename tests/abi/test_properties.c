@@ -15,7 +15,7 @@ enum { COOKIE = 0x13579BDF, FILL = 0x5C, LONG_TEXT = 10000 };
 /* ---- one call, with its record checked ------------------------------------------------------------ */
 
 static uint32_t set(Effect* effect, const char* name, const char* value) {
-    /* Copies that end where readable memory ends, so that reading on is noticed. */
+    /* Copies that end where readable memory ends, so that a read past them is detected. */
     Guarded name_copy = guarded(strlen(name) + 1, 0), value_copy = guarded(strlen(value) + 1, 0);
     memcpy(name_copy.data, name, name_copy.size);
     memcpy(value_copy.data, value, value_copy.size);

@@ -47,7 +47,7 @@ static void check_name_sizes(Description* description, const char* name) {
     }
 }
 
-/* Sizes that cannot be true: what they promise is not there, and half of them are refused. */
+/* Sizes larger than the buffers; half of them are refused. */
 static void check_absurd_name_sizes(Description* description, const char* name) {
     const size_t room = strlen(name) + 1;
     Guarded buffer = guarded(room, FILL), wide = guarded(room * sizeof(Wide), FILL);

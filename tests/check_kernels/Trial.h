@@ -19,7 +19,7 @@
 //
 // Each picture exists twice, with the same pixels at different places: random row steps, unaligned, in the
 // middle of other bytes or hard against a page that cannot be read. The bytes around the two differ, so that
-// a primitive that lets them in gives itself away; and no byte outside a target's region may change.
+// a primitive that reads them is detected; and no byte outside a target's region may change.
 #ifndef SPECIALEFFECTS_TESTS_CHECK_KERNELS_TRIAL_H
 #define SPECIALEFFECTS_TESTS_CHECK_KERNELS_TRIAL_H
 
@@ -79,7 +79,7 @@ struct Margin {
     static Margin All(int32_t pixels) { return {pixels, pixels, pixels, pixels}; }
 };
 
-/// What a picture is like. A width or height of 0 stands for that of the trial.
+/// Properties of a picture. A width or height of 0 means that of the trial.
 template <typename T>
 struct Shape {
     int32_t width = 0;

@@ -63,7 +63,7 @@ void ReplicateBorderInPlace(Trial& t) {
 // ---- remap -----------------------------------------------------------------------------------------
 
 /// Makes the entries of a map for one axis, row after row: a gentle wave around the pixel's own place, or
-/// anything at all in and around the source, whole and half pixels among it.
+/// anything in and around the source, whole and half pixels among it.
 class MapEntries {
   public:
     enum class Kind { kWave, kAnything };
@@ -263,7 +263,7 @@ void Shade(Trial& t) {
 
 enum MapKind { kTurned, kShrunk, kMirrored, kInPlace, kAnywhere };
 
-/// Where each pixel of a picture comes from: mostly from the picture's other pixels, here and there from
+/// Where each pixel of a picture comes from: mostly from the picture's other pixels, occasionally from
 /// none.
 std::vector<uint32_t> MakeMap(MapKind kind, bool holes, int32_t width, int32_t height, Random& random) {
     std::vector<uint32_t> map;

@@ -138,14 +138,14 @@ std::vector<Plan> MakePlans(bool light) {
     return plans;
 }
 
-/// What is being compared, for the word that a crash leaves behind.
+/// What is being compared, for the message after a crash.
 struct {
     std::string_view kernel;
     Size size;
     const check::Trial* trial;
 } current;
 
-/// A primitive touched a page that it must not. (Sanitizers have their own say.)
+/// A primitive touched a page that it must not. (Sanitizers report it themselves.)
 [[maybe_unused]] void ReportCrash(int) {
     std::printf("FAILED %.*s, %s, at %dx%d%s: reads or writes past its pictures\n",
                 static_cast<int>(current.kernel.size()), current.kernel.data(),
@@ -167,8 +167,8 @@ struct Tally {
     std::map<cpu::Level, int64_t> failures;  // no entry without one
 };
 
-/// Compares one kernel at all sizes, up to the third failure of a level. Sizes share the walk through the
-/// combinations of parameters: each goes on where the one before stopped.
+/// Compares one kernel at all sizes, up to the third failure of a level. Sizes share the
+/// combinations of parameters: each continues where the previous one stopped.
 Tally CheckKernel(const check::Kernel& kernel, const std::vector<Plan>& plans, uint64_t seed) {
     Tally tally;
     check::Trial trial(seed, false);

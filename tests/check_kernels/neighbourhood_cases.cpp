@@ -167,7 +167,7 @@ void Erode(Trial& t) {
     });
 }
 
-/// Bytes of scratch, from the operation that tells how many.
+/// Bytes of scratch, from the operation that computes the number.
 template <typename GetSize>
 std::vector<uint8_t> Scratch(GetSize getSize) {
     int32_t size = -1;

@@ -142,8 +142,8 @@ void ReduceBits(Trial& t) {
 }
 
 void Scale(Trial& t) {
-    // The lower end is hit exactly, the numbers between fall on ties where hi - lo is 255, and there are
-    // strays.
+    // The lower end is hit exactly, the numbers between fall on ties where hi - lo is 255, and some lie
+    // outside.
     const float lo = t.Pick("lo", {0.5f, 0.0f, -100.0f});
     const float range = t.Pick("range", {1.5f, 255.0f, 510.0f, 1e-3f, 1e30f});
     const float hi = lo + range;

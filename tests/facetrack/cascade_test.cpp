@@ -69,7 +69,7 @@ TEST_F(CascadeFile, BadOnesAreRefused) {
           "8 6 1 1",
           "no numbers at all",
           "8 6 1 1 2\n1 0.5\n2\n1 2 4 3 -1\n",
-          "8 6 1 1 3\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer rectangles than told
+          "8 6 1 1 3\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer rectangles than stated
           "8 6 1 1 1\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // more
           "8 6 1 2 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer classifiers
           "8 6 2 1 2\n1 0.5\n2\n1 2 4 3 -1\n0 0 2 6 2.5\n0.25 -1 1.5\n",  // fewer stages
@@ -148,7 +148,7 @@ TEST_F(CascadeFile, NumbersAreThoseOfScanf) {
     EXPECT_EQ(cascade.valueAbove[0], 1.0F);
 }
 
-/// While it lives the process has a decimal comma, as far as this system can have one.
+/// While it exists the process has a decimal comma, where this system has such a locale.
 class DecimalComma {
   public:
     DecimalComma() : before_(std::setlocale(LC_ALL, nullptr)) {
@@ -258,7 +258,7 @@ TEST_F(Detector, SaysWhatIsWrong) {
     EXPECT_EQ(Complaint(320, 240), "ERROR: face size and image size are invalid\n");
     EXPECT_EQ(Complaint(16384, 16384), "ERROR: face size and image size are invalid\n");
 
-    // Without a cascade frames go by.
+    // Without a cascade frames pass unchanged.
     CPlane8u plane(320, 240);
     for (int i = 0; i < 9; ++i) detector.TrackFrame(plane);
     EXPECT_EQ(SumPixels(plane), 0U);
@@ -309,7 +309,7 @@ TEST_F(Detector, CutsTheScalesIntoGroups) {
             late += entry.group > 3 ? 1 : 0;
         }
     }
-    // All that can happen did.
+    // Every case occurred.
     EXPECT_GT(opening, 0U);
     EXPECT_GT(closing, 0U);
     EXPECT_GT(late, 0U);
@@ -401,7 +401,7 @@ TEST(Faces, AreOutlinedWithinThePlane) {
     CHitStore store(5.0F, 1.3F);
     store.Add({10, 10, 60});  // reaches out at the upper left
     store.Add({90, 70, 30});  // ends beyond the lower right
-    // These lie outside altogether: left, right, above and below, by one pixel and by many.
+    // These lie entirely outside: left, right, above and below, by one pixel and by many.
     for (const Hit hit : {Hit{-10, 60, 20}, {110, 40, 20}, {70, -10, 20}, {60, 90, 20}, {500, 500, 20}}) {
         store.Add(hit);
     }

@@ -15,7 +15,7 @@
 
 namespace {
 
-// Not square, so that it shows which side is used for what.
+// Not square, to show which side is used where.
 constexpr int kWindowWidth = 12, kWindowHeight = 9;
 
 /// Stages as the file has them: y counted from the window's bottom, weights and thresholds as trained.
@@ -253,7 +253,7 @@ TEST(DetectorModel, EqualsThePlainWayFromFrameToFrame) {
             ASSERT_EQ(Text(detector.PreviousFaces()), Text(model.previous)) << "frame " << i;
             most = std::max(most, model.faces.size());
         }
-        // The cascade keeps some windows and refuses others, or else it would show nothing.
+        // The cascade has to keep some windows and refuse others for the test to mean anything.
         EXPECT_GT(most, 0U);
         EXPECT_LT(model.passed, model.tried / 4);
     }

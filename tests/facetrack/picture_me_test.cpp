@@ -274,7 +274,7 @@ TEST_F(PictureMe, FliesAndLandsByItsSteps) {
             model(expected, asked);
             ASSERT_EQ(FirstDifference(frame, expected), "") << "size " << c.size << ", frame " << i;
         }
-        // What a test before this one has applied must not linger.
+        // Nothing may remain from an earlier test.
         effect = EffectDriver(kGuid);
     }
 }
@@ -412,7 +412,7 @@ TEST_F(PictureMe, ForgetsTheFacesOfAnEarlierStream) {
     ASSERT_EQ(effect.Configure(160, 120), kSuccess);
     ASSERT_NE(FirstDifference(processed(4, kFormatPlanar), plain), "");
 
-    // A packed stream has no cascade, and neither has a planar one whose file is gone.
+    // A packed stream has no cascade, nor has a planar one whose file is missing.
     ASSERT_EQ(effect.Configure(160, 120, kFormatPacked), kSuccess);
     EXPECT_EQ(FirstDifference(processed(4, kFormatPacked), TestFrame(160, 120, kFormatPacked).DrawScene(3)),
               "");

@@ -86,7 +86,7 @@ TEST_F(WorstCascade, AcceptingAllCostsABoundedNumberOfComparisons) {
         EXPECT_GT(work.looks, 0U);
         EXPECT_LT(work.looks, 10'000'000U);
         EXPECT_LT(work.stages, 1'000'000);
-        // Squares as large as faces are lie in each other soon: the list that each group walks is short.
+        // Squares as large as faces soon contain each other, so the list that each group walks is short.
         EXPECT_LT(detector.Faces().size(), 200U);
     }
 }

@@ -134,7 +134,7 @@ TEST(Catalogue, SaysWhatAHostCanExpect) {
     const TestFrame scene = Scene(0);
     for (const CatalogueRow& row : EffectCatalogue()) {
         SCOPED_TRACE(row.shortName);
-        // What Picture Me does depends on a face in the picture.
+        // Picture Me needs a face in the picture.
         if (row.kind == EffectKind::Faces) continue;
         WatchingSurroundings surroundings;
         const std::vector<TestFrame> still = Show(row, scene, 100, scene, 20, surroundings);

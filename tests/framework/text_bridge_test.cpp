@@ -112,7 +112,8 @@ TEST(TextBridge, LongTextsAreCut) {
     EXPECT_EQ(Narrow(WideString(10000, WIDE('\u00E9'))).size(), 254U);
 }
 
-// Sources of exactly as many units as the buffer, without a terminator: an address sanitizer sees reading on.
+// Sources of exactly as many units as the buffer, without a terminator: an address sanitizer detects a read
+// past them.
 TEST(TextBridge, ReadsNoMoreUnitsThanTheBufferHolds) {
     for (const size_t size : {1U, 2U, 3U, 255U, 256U}) {
         const std::vector<WideChar> wide(size, WIDE('x'));
@@ -153,7 +154,7 @@ TEST(TextBridge, LoneSurrogatesAreReplaced) {
     EXPECT_EQ(Narrow({0xD83D, 0xDE00, 0xDE00}), Utf8(0x1F600) + replacement);
 }
 
-// How many replacements one broken sequence gives is open; what stands around it has to come through.
+// The number of replacements for one broken sequence is not fixed; the text around it must survive.
 TEST(TextBridge, BrokenSequencesAreReplaced) {
     for (const std::string broken :
          {"\x80", "\xBF",                      // continuation without a lead

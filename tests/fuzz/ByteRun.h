@@ -17,7 +17,7 @@
 void RunBytes(std::span<const uint8_t> bytes);
 
 /// A directory of its own for the data files that effects read and write; the process works in it. It is
-/// removed when the program ends in order.
+/// removed when the program ends normally.
 class ScratchDirectory {
   public:
     ScratchDirectory();

@@ -219,7 +219,7 @@ class Host {
             return;
         }
         StreamDescription stream = {source_.Byte(), Side(), Side(), Format()};
-        // Large in one direction only: the run is after bounds, not after memory.
+        // Large in one direction only: the run tests bounds, not memory.
         if (IsServed(stream) && Pixels(stream) > kPixelBudget / 4) stream.Height = 1 + stream.Height % 5;
         guest.stream = stream;
         if (IsServed(stream)) pixels_ += Pixels(stream) + 500;
@@ -227,7 +227,7 @@ class Host {
     }
 
     void ProcessFrames(Guest& guest) {
-        // A long stretch now and then: histories fill up and pictures arrive.
+        // Occasionally many frames: histories fill up and snapshots reach their places.
         static constexpr int kStretches[] = {1, 1, 1, 2, 2, 3, 4, 45};
         const int frames = source_.Pick(kStretches);
         for (int i = 0; i < frames && pixels_ < kPixelBudget; ++i) ProcessFrame(guest);
@@ -341,7 +341,7 @@ class Host {
         }
     }
 
-    // As a rule one of the effect's own.
+    // Usually one of the effect's own.
     std::string AnyName(const Guest& guest) {
         CInternalInfo* info = guest.effect->GetInternalInfo();
         const auto rows = static_cast<size_t>(info->GetPropCount());
@@ -570,7 +570,7 @@ class Host {
     int64_t pixels_ = 0;
 };
 
-// The files that a run starts with. The noise file is there, if short: the making of one takes seconds.
+// The files that a run starts with. They include a short noise file, because making one takes seconds.
 void ResetFiles() {
     for (const char* name : {"logo3.bmp", "haar.txt", "settings.txt"}) std::remove(name);
     std::ofstream("perlin.dat", std::ios::binary) << std::string(1000, '\x60');

@@ -107,7 +107,7 @@ class Picture {
         }
     }
 
-    /// Makes it one that has to be refused.
+    /// Turns it into one that must be refused.
     void Spoil(Source& source) {
         spoilt_ = true;
         constexpr int32_t kBadSides[] = {0, -1, SFX_MAX_SIDE + 1, INT32_MAX, INT32_MIN};
@@ -357,7 +357,7 @@ class Program {
 }  // namespace
 
 void RunBytes(std::span<const uint8_t> bytes) {
-    // The user's folders are in the current directory. The noise file is there, if short.
+    // The user's folders are in the current directory. There is a short noise file.
     static const bool ready = [] {
         char folder[4096];
         if (getcwd(folder, sizeof folder) != nullptr) {

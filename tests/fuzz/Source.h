@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-/// Reads numbers off the bytes; zeros follow their end.
+/// Reads numbers from the bytes; zeros follow at their end.
 class Source {
   public:
     explicit Source(std::span<const uint8_t> bytes) : bytes_(bytes) {}

@@ -15,8 +15,8 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 // The process moves to a scratch directory, so the paths of the command line are made absolute first.
-// libFuzzer does not allow that for the program's own, by which it starts others: the program starts itself
-// anew by its whole path.
+// libFuzzer does not allow that for the program's own, by which it starts others: the program restarts itself
+// by its absolute path.
 int LLVMFuzzerInitialize(int* argc, char*** argv) {
     if (!(*argv)[0] || (*argv)[0][0] != '/') {
         std::string program = std::filesystem::read_symlink("/proc/self/exe").string();

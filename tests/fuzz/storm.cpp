@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 
 constexpr unsigned kSecondsPerRun = 60;
 
-// However a run ends the program, its input has been written before.
+// The input is written first, so it exists even if the run ends the program.
 void Play(const Bytes& bytes, const fs::path& keptInput) {
     std::ofstream(keptInput, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

@@ -54,7 +54,7 @@ TEST_F(ApplyTest, WritesFrameNOfAVideo) {
 }
 
 TEST_F(ApplyTest, RunsAllFramesUpToTheOneThatIsWritten) {
-    // A ghost is made of all frames before.
+    // A ghost depends on all earlier frames.
     ASSERT_EQ(Shell("$P apply -e motion-blur-0 test: all.y4m --frames 9 --size 96x64").exitCode, 0);
     ASSERT_EQ(Shell("$P apply -e motion-blur-0 test: one.png --frame 9 --size 96x64").exitCode, 0);
     EXPECT_LT(Difference(FirstFrameOf(Path("one.png")), Frames("all.y4m").at(8)), 3);

@@ -85,14 +85,14 @@ TEST_F(BadInputTest, VideoCutShort) {
     MakeClip(Path("in.mp4"), {.frames = 60});
     Cut("in.mkv", "cut.mkv", 0.5);
     Cut("in.mp4", "cut.mp4", 0.5);
-    // What is there is used, and what is missing is told.
+    // The part that exists is used, and a note says what is missing.
     const Outcome outcome = Run({"apply", "-y", "-e", "sepia", "cut.mkv", "out.mp4"});
     ExpectSuccess(outcome);
     EXPECT_NE(outcome.error.find("note: cut.mkv: cut short, "), std::string::npos) << outcome.error;
     const size_t count = FramesOf(Path("out.mp4")).size();
     EXPECT_GT(count, 15u);
     EXPECT_LT(count, 60u);
-    // With sound the streams need not be of one length.
+    // With sound the streams may differ in length.
     MakeClip(Path("sound.mkv"), {.frames = 60, .sound = AV_CODEC_ID_AAC});
     EXPECT_EQ(Run({"apply", "-y", "-e", "sepia", "sound.mkv", "out.mp4"}).error, "");
     Cut("sound.mkv", "cut.mkv", 0.5);
@@ -139,7 +139,7 @@ TEST_F(BadInputTest, UnwritableOutput) {
     ExpectOutputError("folder.mp4", 1, "cannot write folder.mp4: it is a directory");
     ASSERT_EQ(mkfifo(Path("fifo.mp4").c_str(), 0600), 0);
     ExpectOutputError("fifo.mp4", 1, "cannot write fifo.mp4: it is not a regular file");
-    if (geteuid() == 0) return;  // to whom no permission is denied
+    if (geteuid() == 0) return;  // root is denied nothing
     std::filesystem::create_directory(Path("closed"));
     std::filesystem::permissions(Path("closed"), std::filesystem::perms::owner_read);
     ExpectOutputError("closed/out.mp4", 1, "cannot write closed/out.mp4: Permission denied");
@@ -220,9 +220,9 @@ bool HasLittleRoom() {
     return unlink(kProbe) == 0 && some && !all;
 }
 
-// Runs the program in a file system of its own with 64 kilobytes, which only it sees. Beside the mount point
-// stand then the files `error`, what it printed, and `left`, what it left on the disk. The result is its exit
-// code; nothing where no such file system can be had.
+// Runs the program in a file system of 64 kilobytes that only it sees. Next to the mount point it leaves the
+// files `error` (what it printed) and `left` (what it left on the disk). The result is its exit code, or
+// nothing where such a file system cannot be mounted.
 std::optional<int> RunOnSmallDisk(const std::string& mountPoint, const std::string& outputAndOptions) {
     constexpr int kNoSmallDisk = 99;
     const pid_t pid = fork();

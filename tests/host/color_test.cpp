@@ -66,7 +66,7 @@ TEST_F(ColorTest, RgbIsConvertedByTheMatrixOfItsHeight) {
         SCOPED_TRACE(each.size);
         Make(std::string("-f lavfi -i color=0x20e040:s=") + each.size +
              ":d=0.2,format=gbrp -c:v ffv1 -pix_fmt gbrp in.mkv");
-        // An effect that leaves a flat picture alone: what comes out shows the conversions there and back.
+        // An effect that leaves a flat picture alone: the output shows the conversions there and back.
         ASSERT_EQ(Shell("$P apply -y -e fish-eye in.mkv out.mp4").exitCode, 0);
         EXPECT_EQ(Probe("out.mp4", "stream=color_space"), each.matrix);
         ExpectMiddlePixel("out.mp4", {0x20, 0xe0, 0x40}, 6);

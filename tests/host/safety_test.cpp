@@ -18,7 +18,7 @@ class SafetyTest : public MediaTest {
         Make("-f lavfi -i testsrc2=s=96x64:r=25:d=0.4 -pix_fmt yuv420p -c:v libx264 in.mp4");
     }
 
-    /// A file that takes long to go through.
+    /// A file that takes long to process.
     void MakeLong() const {
         Make("-f lavfi -i testsrc2=s=64x48:r=25:d=400 -pix_fmt yuv420p -c:v mpeg4 long.mkv");
     }

@@ -42,7 +42,7 @@ class WebpTest : public MediaTest {
         EXPECT_FALSE(Exists("out.mkv"));
     }
 
-    // A file with the headers of an animation and nothing behind them.
+    // A file with the headers of an animation and nothing after them.
     static std::string HeadOf(int width, int height) {
         const auto three = [](int n) {
             return std::string{static_cast<char>(n), static_cast<char>(n >> 8), static_cast<char>(n >> 16)};

@@ -22,7 +22,7 @@ size_t Area(int32_t width, int32_t height) {
 
 // ---- edge map --------------------------------------------------------------------------------------------
 
-/// Two gradients and the map that comes of them, rows packed.
+/// Two gradients and the edge map made from them, rows packed.
 struct Canny {
     int32_t width;
     int32_t height;
@@ -100,7 +100,7 @@ TEST(Canny, BufferSizeStatuses) {
     EXPECT_EQ(PrimCannyGetBufferSize(0, 0, nullptr), kPrimNullError);
     EXPECT_EQ(PrimCannyGetBufferSize(0, 4, &size), kPrimSizeError);
     EXPECT_EQ(PrimCannyGetBufferSize(4, -4, &size), kPrimSizeError);
-    EXPECT_EQ(PrimCannyGetBufferSize(kMost, kMost, &size), kPrimSizeError);  // more than a size can say
+    EXPECT_EQ(PrimCannyGetBufferSize(kMost, kMost, &size), kPrimSizeError);  // more than a size can hold
     EXPECT_EQ(PrimCannyGetBufferSize(kMost, 1, &size), kPrimSizeError);
     EXPECT_EQ(size, -1);
     EXPECT_EQ(PrimCannyGetBufferSize(1, 1, &size), kPrimOk);
@@ -174,7 +174,7 @@ TEST(Canny, ThresholdsAreNotPartOfWhatTheyDivide) {
 }
 
 TEST(Canny, AnEdgeIsFollowedAllTheWay) {
-    // A line that winds through the picture, weak but for one end.
+    // A line that winds through the picture, weak except at one end.
     constexpr int32_t kSide = 201;
     Canny canny = {kSide, kSide};
     int32_t length = 0;

@@ -80,7 +80,7 @@ Bytes PackedBand(uint32_t first) {
 
 // ---- twist --------------------------------------------------------------------------------------
 
-/// One pixel, surrounded by others so that all forms of the loop come to it.
+/// One pixel, surrounded by others so that all forms of the loop reach it.
 std::array<uint8_t, 3> Twisted(std::array<uint8_t, 3> pixel, const Matrix& matrix) {
     std::array<uint8_t, 3> result{};
     for (const size_t count : {1u, 8u, 35u}) {

@@ -72,7 +72,7 @@ TEST(Divide, MeanInDoublePrecision) {
 }
 
 TEST(Divide, QuotientInSinglePrecision) {
-    // The form exists where it counts, for the divisors of kernels that blur, and is the exact one.
+    // The product form exists for the divisors of blur kernels, where it matters, and is exact.
     for (int32_t divisor = 1; divisor <= 4096; ++divisor) {
         const auto quotient = prim::SingleQuotient::By(divisor);
         ASSERT_TRUE(quotient) << divisor;

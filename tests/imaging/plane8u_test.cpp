@@ -51,7 +51,7 @@ TEST(Plane8u, FailedAllocationLosesOnlyTheData) {
         EXPECT_EQ(plane.height, 2);
         EXPECT_TRUE(plane.owned);
         EXPECT_TRUE(plane.Empty());
-        plane.Fill(1);  // harmless
+        plane.Fill(1);  // has no effect
         EXPECT_TRUE(plane.Allocate(2, 2));
         EXPECT_EQ(BytesOf(plane), Bytes(4, 0));
     }

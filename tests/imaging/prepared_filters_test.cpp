@@ -69,7 +69,7 @@ TEST(BoxFilter, EqualsTheFormWithoutPreparation) {
     for (const int32_t mask : {1, 2, 3, 5, 20, 130}) {
         for (const auto& [width, height] : {std::pair{1, 1}, {4, 9}, {7, 7}, {30, 50}, {280, 270}}) {
             BoxFilter box(width, height, mask);
-            for (const uint64_t seed : {1U, 2U}) {  // what one picture leaves in the memory must not matter
+            for (const uint64_t seed : {1U, 2U}) {  // leftovers of one picture in memory must not matter
                 const CPlane8u source = RandomPlane(width, height, seed);
                 CPlane8u target = RandomPlane(width, height, 3), inPlace(source), expected(source);
                 FilterBoxInPlace(expected, mask);
@@ -91,7 +91,7 @@ TEST(BoxFilter, EqualsTheFormWithoutPreparation) {
 TEST(PlaneFilters, GaussInPlaceEqualsTheFormFromACopy) {
     for (const auto& [filter, inPlace] :
          {std::pair{&FilterGauss3, &FilterGauss3InPlace}, {&FilterGauss5, &FilterGauss5InPlace}}) {
-        // Heights about those at which a band ends.
+        // Heights around those at which a band ends.
         for (const int32_t height : {1, 2, 3, 4, 5, 6, 16, 17, 18, 19, 20, 21, 22, 33, 36, 37, 100}) {
             for (const int32_t width : {1, 2, 3, 4, 5, 33}) {
                 const CPlane8u source = RandomPlane(width, height, 1);

@@ -143,7 +143,7 @@ TEST(Box, TiesGoUp) {
     EXPECT_EQ(picture.at(2, 2), 0);
 }
 
-/// Window sums by way of a table of sums, for masks that the plain model would take too long for.
+/// Window sums from a table of sums, for masks for which the plain model is too slow.
 void ExpectBoxMean(int32_t size, int32_t maskWidth, int32_t maskHeight, int32_t anchorX, int32_t anchorY) {
     const int32_t margin = std::max(maskWidth, maskHeight);
     Picture<uint8_t> picture(size, size, margin);
@@ -177,8 +177,8 @@ void ExpectBoxMean(int32_t size, int32_t maskWidth, int32_t maskHeight, int32_t 
 }
 
 TEST(Box, LargeMasks) {
-    ExpectBoxMean(200, 127, 129, 63, 64);  // the largest area that single precision serves
-    ExpectBoxMean(200, 128, 128, 0, 127);  // the smallest that it does not
+    ExpectBoxMean(200, 127, 129, 63, 64);  // the largest area for which single precision is used
+    ExpectBoxMean(200, 128, 128, 0, 127);  // the smallest for which it is not
     ExpectBoxMean(300, 299, 1, 150, 0);
     ExpectBoxMean(300, 1, 299, 0, 298);
     ExpectBoxMean(300, 299, 299, 298, 0);

@@ -1,4 +1,4 @@
-// What the point and colour operations answer to bad arguments: the first code that applies, and untouched
+// Statuses of the point and colour operations for bad arguments: the first code that applies, and untouched
 // images.
 #include <gtest/gtest.h>
 
@@ -79,7 +79,7 @@ class PointStatus : public testing::TestWithParam<Call> {
   protected:
     using Change = std::function<void(Arguments&)>;
 
-    /// The answer to good arguments but for the changes.
+    /// The status for good arguments with these changes.
     static void Expect(PrimStatus expected, const std::string& what, const std::vector<Change>& changes,
                        bool badParameters = false) {
         const Call& call = GetParam();

@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<int64_t> bytes, blocks, allocations, failAt;
 
-/// In front of each block lies a stretch, as long as its alignment, that begins with its size.
+/// In front of each block is a header, as long as its alignment, that begins with its size.
 size_t Front(size_t alignment) {
     return std::max(alignment, sizeof(size_t));
 }

@@ -16,7 +16,7 @@ int64_t Allocations();
 /// Makes one allocation fail, the `n`th from now on, counted from 1. Below 1 none fails.
 void FailAllocation(int64_t n);
 
-/// Whether the allocation that `FailAllocation` chose has come and failed.
+/// Whether the allocation that `FailAllocation` chose has been made and has failed.
 bool HasFailed();
 
 }  // namespace heap

@@ -250,8 +250,8 @@ class FrailLife {
     /// Of all frames so far.
     uint64_t Checksum() const { return frames_; }
 
-    /// With memory again: the effect refuses frames, unless it kept its workspace, and then serves a new
-    /// stream.
+    /// Once memory is available again: the effect refuses frames, unless it kept its workspace, and then
+    /// accepts a new stream.
     void ExpectRecovery() {
         if (host_.operator->() == nullptr) {
             ASSERT_NE(host_.Create(), nullptr);
@@ -315,8 +315,8 @@ class FrailLife {
     uint64_t frames_ = 0;
 };
 
-/// Lets one allocation of a life fail for each number that `next` makes of the one before, from the first on
-/// to the last that there is.
+/// Lets one allocation of a life fail: the first, then each number that `next` derives from the previous one,
+/// up to the last.
 void FailAllocations(const CatalogueRow& row, int64_t (*next)(int64_t)) {
     constexpr int64_t kMostAllocations = 400;
     std::vector<PropertyText> texts;
@@ -340,7 +340,7 @@ void FailAllocations(const CatalogueRow& row, int64_t (*next)(int64_t)) {
             if (!failed) break;
             if (ranOut) {
                 life.ExpectRecovery();
-            } else {  // as where memory was only to be saved
+            } else {  // where the allocation was optional
                 ASSERT_EQ(life.Checksum(), complete.Checksum()) << "a failure that went unreported shows";
             }
         }

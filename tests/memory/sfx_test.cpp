@@ -1,4 +1,4 @@
-// libsfx when memory runs out: an error, nothing lost, and the effect goes on.
+// libsfx when memory runs out: it reports an error, loses nothing, and the effect can be used again.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -29,7 +29,7 @@ TEST_P(FailingAllocations, AreReportedAndLoseNothing) {
     const TemporaryDirectory directory;
     std::vector<uint8_t> first, second;
     const sfx_picture picture = LayOver(first, SFX_RGBA, 61, 33), other = LayOver(second, SFX_NV12, 32, 48);
-    // What the library keeps for ever is there before.
+    // What the library keeps for the process is allocated before.
     sfx_effect* warm = nullptr;
     ASSERT_GE(sfx_create(GetParam(), &warm), 0) << sfx_message();
     sfx_set_data_folder(warm, directory.path().c_str());
@@ -63,7 +63,7 @@ TEST_P(FailingAllocations, AreReportedAndLoseNothing) {
         const bool failed = heap::HasFailed();
         heap::FailAllocation(0);
         if (effect != nullptr) {
-            // With memory it goes on.
+            // With memory it continues.
             EXPECT_GE(sfx_process(effect, &other, 2), 0) << sfx_message();
             EXPECT_GE(sfx_process(effect, &picture, 3), 0) << sfx_message();
         }

@@ -47,7 +47,7 @@ TEST(Flags, DependOnTimeWhereTheListSaysSo) {
             ASSERT_GE(sfx_process(fast.get(), &pb, frame * int64_t{10000000}), 0);
             differs = differs || !(a == b);
         }
-        // Logo Animation reads the clock before its first frame alone.
+        // Logo Animation reads the clock before its first frame only.
         EXPECT_EQ(differs || std::strcmp(info.id, "logo-animation") == 0, (info.flags & SFX_USES_TIME) != 0)
             << info.id;
     }
@@ -58,13 +58,13 @@ TEST(Flags, MoveByThemselvesWhereTheListSaysSo) {
     for (size_t i = 0; i < sfx_effect_count(); ++i) {
         const sfx_effect_info& info = *sfx_effect_at(i);
         const std::vector<uint64_t> sums = StillFrames(info.id, 40000000);
-        // An effect with a memory may need some frames to come to rest.
+        // An effect with a memory may need some frames to settle.
         const bool moves = sums[28] != sums[29] || sums[27] != sums[28] || sums[20] != sums[29];
         if ((info.flags & SFX_MOVES) != 0) {
             // There are no faces in the picture that Picture Me could fly.
             EXPECT_TRUE(moves || std::strcmp(info.id, "picture-me") == 0) << info.id;
         } else {
-            // What adapts itself to the scene can take long to come to rest.
+            // An effect that adapts to the scene can take long to settle.
             EXPECT_TRUE(!moves || (info.flags & SFX_HAS_MEMORY) != 0) << info.id;
         }
     }
@@ -84,7 +84,7 @@ TEST(Flags, RememberWhereTheListSaysSo) {
             ASSERT_GE(Process(two, b, frame), 0);
             differs = differs || (frame >= 22 && !(a == b));
         }
-        // Time Distortion shows only what has gone for long; Picture Me needs faces.
+        // Time Distortion shows only old frames; Picture Me needs faces.
         const bool hidden =
             std::strcmp(info.id, "time-distortion") == 0 || std::strcmp(info.id, "picture-me") == 0;
         EXPECT_EQ(differs || hidden, (info.flags & SFX_HAS_MEMORY) != 0) << info.id;

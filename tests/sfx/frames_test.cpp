@@ -220,7 +220,7 @@ TEST(Frames, FollowDifferencesOfTimeOnly) {
     EXPECT_EQ(run(1700000000000000000, 100), plain);
     EXPECT_EQ(run(-800000000, 100), plain);
     EXPECT_EQ(run(INT64_MAX - 20 * int64_t{40000000}, 100), plain);
-    // Where time stamps go back the clock stands still for one frame, and goes on.
+    // Where time stamps go back the clock stands still for one frame and then continues.
     EXPECT_NE(run(0, 10), plain);
 
     // Without time stamps, frames are a thirtieth of a second apart.
@@ -232,7 +232,7 @@ TEST(Frames, FollowDifferencesOfTimeOnly) {
         ASSERT_EQ(sfx_process(unstamped.get(), &pb, SFX_NO_TIME), SFX_OK);
         ASSERT_EQ(FirstDifference(a, b), "");
     }
-    // Whatever the caller passes, nothing overflows.
+    // No time stamp overflows.
     TestFrame frame(160, 120);
     const sfx_picture picture = PictureOf(frame);
     for (const int64_t time : {INT64_MAX, INT64_MIN + 1, INT64_MAX, SFX_NO_TIME, SFX_NO_TIME, INT64_MIN + 1,

@@ -1,4 +1,4 @@
-// What sfx.h promises, tried from outside with calls that programs should not make but do.
+// What sfx.h promises, tested from outside, including calls that programs should not make but do.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ std::vector<const sfx_effect_info*> AllEffects() {
     return all;
 }
 
-/// Effects that run without a file made first, which takes seconds.
+/// Effects that do not need a data file, which takes seconds to make.
 std::vector<const sfx_effect_info*> EffectsWithoutData() {
     std::vector<const sfx_effect_info*> all = AllEffects();
     std::erase_if(all, [](const sfx_effect_info* info) { return (info->flags & SFX_NEEDS_DATA) != 0; });
@@ -187,7 +187,7 @@ TEST(Promises, IndexesOutOfRangeGiveNothing) {
                 EXPECT_EQ(sfx_plane_rows(format, plane, side), 0) << side;
                 EXPECT_EQ(sfx_plane_row_bytes(format, plane, side), 0U) << side;
             }
-            // Of a size that is refused: no wrong number.
+            // A size that is refused gives 0, not a wrong number.
             EXPECT_GE(sfx_plane_rows(format, plane, INT32_MAX), 0);
         }
         for (const int32_t side : {INT32_MIN, -1, 0, SFX_MAX_SIDE + 1, INT32_MAX}) {
@@ -292,7 +292,7 @@ TEST(Promises, StridesOfZeroMeanTightRows) {
     }
 }
 
-// The result is up to the caller; the memory beside is not.
+// The result is up to the caller; the memory next to the buffer is not.
 TEST(Promises, PlanesThatOverlapHarmNobody) {
     for (int format = 0; format < SFX_FORMAT_COUNT; ++format) {
         PlainPicture picture(static_cast<sfx_format>(format), 9, 7, Rows::kGaps);
@@ -501,7 +501,7 @@ TEST(Promises, MessagesBelongToTheirThread) {
     EXPECT_EQ(first, "");
     EXPECT_NE(theirs, mine);
     EXPECT_EQ(sfx_message(), mine);
-    CreateStatus("sepia");  // done, and nothing to tell
+    CreateStatus("sepia");  // succeeds without a message
     EXPECT_EQ(sfx_message(), mine);
 }
 
@@ -614,7 +614,7 @@ TEST(Promises, TheProcesssGeneratorIsLeftAlone) {
         sums.push_back(Sums(effect, 2));
     }
     EXPECT_EQ(std::rand(), expected[1]);
-    // Nor does what the process draws show in frames, on whichever thread.
+    // Nor do numbers that the process draws show in frames, on any thread.
     std::srand(12345);
     std::thread([&] {
         size_t i = 0;
@@ -659,7 +659,7 @@ TEST(Promises, AnyTimeStampIsTaken) {
         EXPECT_EQ(SumsAt(id, {0, SFX_NO_TIME, SFX_NO_TIME, 1000 * ms, SFX_NO_TIME, 5000 * ms}),
                   SumsAt(id, {0, 33333333, 66666666, 1000 * ms, 1033333333, 5000 * ms}))
             << id;
-        // Undefined behaviour is all that could go wrong here.
+        // Only undefined behaviour could go wrong here.
         SumsAt(id, {INT64_MIN + 1, INT64_MAX, INT64_MIN + 1, INT64_MAX, SFX_NO_TIME, SFX_NO_TIME, 0});
         SumsAt(id, {SFX_NO_TIME, INT64_MAX, SFX_NO_TIME, SFX_NO_TIME, INT64_MIN + 1, SFX_NO_TIME, INT64_MAX});
     }
@@ -685,7 +685,7 @@ TEST(Promises, NoFolderAtAllIsNoReasonToFailOrToWriteHere) {
             TestFrame frame(32, 32);
             EXPECT_EQ(Process(effect, frame, 0), SFX_DATA_MISSING) << bad;
             EXPECT_STRNE(sfx_message(), "");
-            EXPECT_EQ(Process(effect, frame, 1), SFX_OK) << bad;  // told once
+            EXPECT_EQ(Process(effect, frame, 1), SFX_OK) << bad;  // reported once
             EXPECT_EQ(sfx_reset(effect.get()), SFX_OK);
             EXPECT_EQ(EntriesOf("."), 0U) << bad;
         }

@@ -47,7 +47,7 @@ TEST(Text, PrintsWhatDiffersFromTheStart) {
         const EffectHandle again = Create(printed);
         EXPECT_EQ(Print(again.get()), printed);
     }
-    // Cut texts are terminated, and their whole length is told.
+    // Cut texts are terminated, and the result is their whole length.
     const EffectHandle effect = Create("sepia+rain:drop-size=9");
     char buffer[8];
     EXPECT_EQ(sfx_print(effect.get(), buffer, sizeof buffer), 22);
@@ -336,7 +336,7 @@ TEST(Presets, CanBeAdded) {
     EXPECT_EQ(sfx_load_presets(nullptr), SFX_ERROR_ARGUMENT);
 }
 
-// Run by itself in a process of its own: the user's file is read once.
+// Needs a process of its own, because the user's file is read once.
 TEST(PresetsOfTheUser, AreReadFromTheConfiguration) {
     if (std::getenv("SFX_TEST_ALONE") == nullptr) {
         const Home home;

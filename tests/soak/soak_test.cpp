@@ -1,5 +1,5 @@
-// Every effect for a long time: born and destroyed over and over, fed thousands of frames, and all of them at
-// once on many threads. How long is set where the test program is built (SE_SOAK_...).
+// Every effect for a long time: created and destroyed repeatedly, given thousands of frames, and all of them
+// at once on many threads. How long is set where the test program is built (SE_SOAK_...).
 #include <gtest/gtest.h>
 #include <malloc.h>
 
@@ -49,7 +49,7 @@ std::vector<TestFrame> DrawScene(int32_t width, int32_t height, int pictures) {
     return scene;
 }
 
-/// An empty directory to work in, but for the cascade of the face detector.
+/// An empty directory to work in, except for the cascade of the face detector.
 class SoakDirectory {
   public:
     SoakDirectory() {
@@ -163,7 +163,7 @@ TEST(SoakThreads, EffectsOnManyThreadsComputeWhatTheyComputeAlone) {
     std::vector<uint64_t> alone;
     for (const CatalogueRow& row : EffectCatalogue()) alone.push_back(RunLife(row, scene, false));
 
-    // The threads meet nowhere before they end: what one learns from another would hide a race.
+    // The threads do not synchronize before they end, since that would hide a race.
     struct Outcome {
         size_t lives = 0, wrongRow = 0;
     };

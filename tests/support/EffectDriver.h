@@ -43,7 +43,7 @@ class EffectDriver {
     std::unique_ptr<CSpecialEffectFilter, Destroy> effect_;
 };
 
-/// What the few effects that differ from the rest differ in.
+/// How a few effects differ from the rest.
 struct ContractTraits {
     bool needsWorkspace = true;  ///< false: frames are processed before `Configure` and after `Shutdown`
     bool needsLuma = true;       ///< false: a null luma plane is accepted

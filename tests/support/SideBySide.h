@@ -32,8 +32,8 @@ inline TestFrame StreamPicture(int32_t width, int32_t height, int index) {
 
 /// Configures `effect` to each of the sizes and compares its frames, byte for byte, with those of the model
 /// that `makeModel(width, height)` gives: something that changes a TestFrame when it is called. Both draw
-/// from the same random stream, from `Configure` on, and have to leave it in the same state. `set` is called
-/// after `Configure`, as a host sets properties that `Configure` resets.
+/// from the same random stream, starting with `Configure`, and must leave it in the same state. `set` is
+/// called after `Configure`, as a host sets properties that `Configure` resets.
 template <class MakeModel, class Set>
 void ExpectEqualsModel(EffectDriver& effect, MakeModel makeModel, Set set, int frames = kModelFrames,
                        const FrameSizes& sizes = kModelSizes) {

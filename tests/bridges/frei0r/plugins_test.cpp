@@ -282,7 +282,7 @@ TEST(Frei0rSizes, OutOfRangeAreRefused) {
     plugin.update(nullptr, 0, nullptr, nullptr);
 }
 
-// As after an update of the plugins alone. Hosts ask every plugin that they find what it is.
+// As after an update of the plugins alone. Hosts query every plugin that they find.
 TEST(Frei0rFolder, MayHavePluginsForEffectsThatTheLibraryDoesNotHave) {
     const Plugin plugin(UNKNOWN_PLUGIN);
     ASSERT_TRUE(plugin.Loaded());

@@ -1,3 +1,3 @@
-// What a plugin has for itself, with the id of no effect.
+// The source of a plugin, with an id that no effect has.
 extern const char sfx_frei0r_effect[];
 const char sfx_frei0r_effect[] = "no-such-effect";

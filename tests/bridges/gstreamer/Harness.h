@@ -48,7 +48,7 @@ class Harness {
     /// Frame n of a scene in the format that was set.
     BufferHandle Input(int frame) const;
     GstFlowReturn Push(BufferHandle buffer);
-    /// Null where nothing came out.
+    /// Null if there was no output.
     BufferHandle Pull();
     BufferHandle PushAndPull(BufferHandle buffer);
     Picture PictureOf(const BufferHandle& buffer) const;

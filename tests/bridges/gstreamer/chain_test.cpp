@@ -155,7 +155,7 @@ TEST(Chain, CannotBeStartedWithAWrongText) {
     g_error_free(error);
     gst_message_unref(message);
 
-    // Another text makes it good.
+    // Another text corrects it.
     gst_element_set_state(element, GST_STATE_NULL);
     g_object_set(element, "effect", "sepia", nullptr);
     EXPECT_EQ(gst_element_set_state(element, GST_STATE_PAUSED), GST_STATE_CHANGE_SUCCESS);

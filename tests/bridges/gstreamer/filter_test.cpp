@@ -36,7 +36,7 @@ TEST(Filter, StartsAnewWhenItIsSwitchedOnAgain) {
     g_object_set(harness.element(), "enabled", TRUE, nullptr);
     Reference after("motion-blur-1");
     harness.ExpectSameFrames(after, 6, 5);
-    g_object_set(harness.element(), "enabled", TRUE, nullptr);  // it is already
+    g_object_set(harness.element(), "enabled", TRUE, nullptr);  // it already is
     harness.ExpectSameFrames(after, 11, 5);
 }
 
@@ -82,7 +82,7 @@ TEST(Filter, ANewSeedStartsAnewAndTheSameSeedDoesNot) {
 }
 
 TEST(Filter, TimeStampsDriveTheClock) {
-    // Motion fades within a time, independent of the number of frames.
+    // Motion fades with time, not with the number of frames.
     for (const GstClockTime interval : {kFrame, 5 * kFrame, 50 * kFrame}) {
         Harness harness("sfx-motion-detector");
         Reference reference("motion-detector");

@@ -33,7 +33,7 @@ await sh -c 'wpctl status | grep -q WirePlumber'
 
 shell_commands "$root/docs/gstreamer.md" | grep pipewire > commands.txt
 [ "$(wc -l < commands.txt)" -eq 2 ] || fail "the page has other commands for PipeWire"
-# For ever, and without colour, so that the effect can be told.
+# Endless, and without colour, so that the effect can be recognized.
 sed -n 1p commands.txt | sed 's/num-buffers=30//; s/sfx-rain/sfx-gray-scale/; s/^/exec /' > camera.sh
 start sh camera.sh
 await sh -c 'pw-cli ls Node | grep -q sfx-camera'

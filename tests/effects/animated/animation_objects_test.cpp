@@ -208,7 +208,7 @@ TEST(BitmapObject, KeepsOffTheMiddle) {
     EXPECT_NEAR(inMiddle, 200, 70);
 }
 
-/// Planes and sprites of a test, and what the passes make of them by their definitions.
+/// Planes and sprites of a test, and the results of the passes by their definitions.
 struct Stage {
     Stage() {
         TestRandom random(3);

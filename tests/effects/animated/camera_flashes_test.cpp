@@ -288,7 +288,7 @@ TEST(CameraFlashes, PropertiesTakeHoldWithTheNextFrame) {
     EXPECT_EQ(effect.Get("Mode"), "9");
     run(1);
     EXPECT_EQ(effect.Get("Mode"), "3");
-    EXPECT_EQ(effect.Set("Mode", "3"), kSuccess);  // what it is already: nothing is rebuilt
+    EXPECT_EQ(effect.Set("Mode", "3"), kSuccess);  // unchanged: nothing is rebuilt
     EXPECT_EQ(effect.Set("Moving", "FALSE"), kSuccess);
     run(2);
     EXPECT_EQ(effect.Set("Animation", "no"), kSuccess);
@@ -340,7 +340,7 @@ TEST(CameraFlashes, HasThreeSwitches) {
 }
 
 TEST(Flares, SizesFollowTheFrame) {
-    // Small pictures have the largest sprites. At its widest a glare fills its sprite, but for the rim.
+    // Small pictures have the largest sprites. At its widest a glare fills its sprite except for the rim.
     for (const auto& [height, size] :
          {std::pair{480, 76}, {240, 76}, {239, 38}, {120, 38}, {119, 128}, {100, 128}}) {
         CFlaresField field(640, height, 2);

@@ -98,7 +98,7 @@ class Clouds : public testing::Test {
         ASSERT_EQ(effect.Process(frame), kSuccess);
         ++shown;
     }
-    /// Twenty pictures of random bytes: as good as clouds, and quicker made.
+    /// Twenty pictures of random bytes: they serve as well as clouds and are faster to make.
     static void WriteRandomFile(size_t bytes = 20 * kRecord) {
         TestRandom random(9);
         std::vector<uint8_t> content(bytes);
@@ -124,7 +124,7 @@ TEST_F(Clouds, KeepsTheContract) {
     WriteRandomFile();
     EXPECT_EQ(effect.Name(), "Clouds");
     ExpectContract(effect);
-    // How many frames that showed: ask an effect whose pictures can be told apart.
+    // How many frames that showed, from an effect whose pictures can be distinguished.
     std::vector<uint8_t> numbered(20 * kRecord);
     for (size_t i = 0; i < numbered.size(); ++i) numbered[i] = static_cast<uint8_t>(i / kRecord * 10);
     std::ofstream("perlin.dat", std::ios::binary)

@@ -221,7 +221,7 @@ TEST_F(LogoAnimation, FollowsItsProperties) {
     EXPECT_EQ(effect.Set("objects number", "0"), kSuccess);
     run(2);
     EXPECT_EQ(effect.Set("Colorize", "FALSE"), kSuccess);
-    EXPECT_EQ(effect.Set("Moving Animation", "TRUE"), kSuccess);  // makes the logos anew
+    EXPECT_EQ(effect.Set("Moving Animation", "TRUE"), kSuccess);  // rebuilds the logos
     EXPECT_EQ(effect.Set("Objects Number", "4"), kSuccess);
     run(30);
     EXPECT_EQ(effect.Set("Type", "2"), kSuccess);
@@ -317,7 +317,7 @@ TEST_F(LogoAnimation, ShowsTheBitmapOfTheDirectory) {
         Model model(640, 480), text(640, 480);
         for (int i = 0; i < 10; ++i) model.Add(logo, true, {});
         for (int i = 0; i < 10; ++i) text.Add(InkOf("+44"), true, {});
-        model.Keep(0);  // setting the type makes them anew
+        model.Keep(0);  // setting the type rebuilds them
         for (int i = 0; i < 10; ++i) model.Add(logo, true, {});
         model.Render(expected, false, true);
         ASSERT_EQ(FirstDifference(frame, expected), "") << w << " by " << h;

@@ -55,7 +55,7 @@ TEST(Quark, EqualsItsModel) {
 }
 
 TEST(Quark, EqualsItsModelWhileTheWindowsWrap) {
-    // On small planes the windows come round: luma after 60 frames, chroma after 15.
+    // On small planes the windows return: luma after 60 frames, chroma after 15.
     EffectDriver effect(kGuid);
     std::srand(7);
     ASSERT_EQ(effect.Configure(10, 6), kSuccess);

@@ -238,7 +238,7 @@ TEST(RainDrops, DomesGrowWithTheWaterUpToSixteen) {
 }
 
 TEST(RainDrops, ARunnerThatLeavesTheGlassTakesItsWaterAlong) {
-    // The only cell is the last row too: what stays is what clings to it, five times its stickiness.
+    // The only cell is the last row too: it keeps five times its stickiness.
     for (unsigned seed = 1; seed < 20; ++seed) {
         std::srand(seed);
         const double stickiness = std::rand() % 1000 / 1000.0;
@@ -270,7 +270,7 @@ TEST(RainDrops, BetweenEqualsARunnerGoesRightToWaterAndLeftToDryGlass) {
     EXPECT_EQ(grid.water(0, 1), left);
     EXPECT_GT(grid.water(2, 1), left);
 
-    // The same above dry cells, of which the outer two cling alike and the middle one less.
+    // The same above dry cells, of which the outer two are equally sticky and the middle one less.
     double stickiness[6];
     unsigned seed = 0;
     do {

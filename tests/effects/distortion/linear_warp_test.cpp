@@ -59,8 +59,8 @@ TEST(LinearWarp, EqualsThePrimitive) {
     }
 }
 
-/// Mixtures as close to whole numbers as coordinates allow, on either side: single precision cannot tell them
-/// apart. One in each row, so that none is told by its neighbours.
+/// Mixtures as close to whole numbers as coordinates allow, on either side: single precision cannot
+/// distinguish them. One in each row, so that no neighbour reveals it.
 TEST(LinearWarp, EqualsThePrimitiveNextToWholeNumbers) {
     constexpr int32_t w = 64, h = 2048;
     for (uint64_t seed = 0; seed < 20; ++seed) {

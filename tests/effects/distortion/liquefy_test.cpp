@@ -223,7 +223,7 @@ TEST_P(Liquefy, HasTwoProperties) {
 }
 
 TEST_P(Liquefy, EqualsItsModel) {
-    int index = 0;  // goes on over Configure
+    int index = 0;  // Configure does not reset it
     for (const auto& [w, h] : {std::pair{320, 240}, {176, 144}, {640, 480}, {161, 121}, {37, 90}}) {
         LiquefyModel model = Begin(w, h);
         model.index = index;

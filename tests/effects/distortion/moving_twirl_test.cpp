@@ -123,7 +123,7 @@ TEST(MovingTwirl, TurnsBackWhereThePhasePassesPi) {
     EXPECT_EQ(FirstDifference(results[21], results[23]), "");
     EXPECT_NE(FirstDifference(results[22], results[23]), "");
 
-    // On its way back, `Configure` sets it forth again: one frame alone could not tell.
+    // On its way back, `Configure` makes it swing forward again; one frame alone would not show it.
     ASSERT_EQ(effect.Configure(64, 48), kSuccess);
     for (size_t i = 0; i < 2; ++i) {
         TestFrame again = scene;

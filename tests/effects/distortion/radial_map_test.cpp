@@ -1,4 +1,4 @@
-// Radial maps against the formulas that they stand in for.
+// Radial maps against the formulas that they replace.
 #include "effects/distortion/RadialMap.h"
 
 #include <gtest/gtest.h>

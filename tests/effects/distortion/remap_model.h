@@ -1,4 +1,4 @@
-// The road of a frame through a table of source coordinates, in its plain form: the remap primitive into a
+// How a frame passes through a table of source coordinates, in its plain form: the remap primitive into a
 // picture that is kept from frame to frame, and the copy back.
 #ifndef SPECIALEFFECTS_TESTS_EFFECTS_DISTORTION_REMAP_MODEL_H
 #define SPECIALEFFECTS_TESTS_EFFECTS_DISTORTION_REMAP_MODEL_H

@@ -61,7 +61,7 @@ inline void Lowpass5(const PlainPlane& src, PlainPlane& dst) {
     });
 }
 
-/// The median of 25 is the largest value that no more than 12 of them lie below: found bit by bit.
+/// The median of 25 is the largest value with no more than 12 of them below it. It is found bit by bit.
 inline void Median5(const PlainPlane& src, PlainPlane& dst) {
     ForInterior(src, 2, [&](int x, int y) {
         std::array<uint8_t, 25> window;

@@ -93,8 +93,8 @@ TEST(Chalk, AnyOtherVariantIsTheFirst) {
     }
 }
 
-/// The property, whenever it is set, makes either of the two tone variants the other one; on the outline it
-/// plays no part.
+/// The property, whenever it is set, turns either of the two tone variants into the other one; it does not
+/// affect the outline.
 TEST(Chalk, TheFirstTwoVariantsDifferInThePropertyAlone) {
     EffectDriver plain(kPlain), inked(kInked), outline(kOutline), outlineSet(kOutline);
     for (EffectDriver* effect : {&plain, &inked, &outline, &outlineSet}) effect->Configure(96, 80);
@@ -158,7 +158,7 @@ TEST(Chalk, InksNoStepsBetweenTones) {
     EXPECT_EQ(tones, (std::set<uint8_t>{15, 47, 95, 127, 174, 206, 238, 255}));
 }
 
-/// On a frame too small for the box means the edges stand as they were found. A pixel of level a on black
+/// On a frame too small for the box means the edges stay as they were found. A pixel of level a on black
 /// makes an edge of strength 2 * a at its diagonal neighbours; no edge is ever of odd strength.
 TEST(Chalk, RampsTheOutline) {
     EffectDriver effect(kOutline);

@@ -72,7 +72,7 @@ TEST(CottonCandy, AUniformFrameIsFlatAndOfTheHighStop) {
     ExpectUniformFramesBecome(kGuid, 191, 181, 35);
 }
 
-/// Detail that the blur swallows shows in the luma and not in the chroma.
+/// Detail that the blur removes shows in the luma and not in the chroma.
 TEST(CottonCandy, ColoursFollowTheBlur) {
     EffectDriver effect(kGuid);
     ASSERT_EQ(effect.Configure(96, 96), kSuccess);

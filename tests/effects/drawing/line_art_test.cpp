@@ -116,7 +116,7 @@ class LineArtSettings : public testing::Test {
   protected:
     void TearDown() override { std::filesystem::remove(path_); }
 
-    /// What `LoadSettings` answers to a file of this content.
+    /// The result of `LoadSettings` for a file with this content.
     ResultCode Load(const std::string& content) {
         std::ofstream(path_, std::ios::binary) << content;
         return LoadPath(path_);

@@ -154,7 +154,7 @@ TEST_F(MotionDetector, ADifferenceOf16IsNoMotion) {
 }
 
 TEST_F(MotionDetector, TheOutermostPixelsAreNotSmoothed) {
-    // A quarter of a lone bright pixel is left of it inside the frame; at its corner it stands as it came.
+    // A quarter of a lone bright pixel is left of it inside the frame; at its corner it is unchanged.
     ASSERT_EQ(effect.Configure(40, 30), kSuccess);
     Process(TestFrame(40, 30).Fill(100, 1, 1));
     now += 40;

@@ -14,9 +14,9 @@ constexpr const char* kGuid = "{A50A308E-0D60-46E5-A336-409E22F395DD}";
 
 class Model {
   public:
-    /// With the tile size that the width brings.
+    /// With the tile size that follows from the width.
     Model(int width, int height) : Model(width, height, SizeFor(width)) {}
-    /// With one that a host then sets.
+    /// With one that a host sets afterwards.
     Model(int width, int height, int set) : width_(width), height_(height), shade_(width, height) {
         tile_ = SizeFor(width);
         BuildGrout();
@@ -149,7 +149,7 @@ TEST(TiledUp, DrawsTheGroutAnewOnlyWhenTheSizeChanges) {
     };
     EXPECT_EQ(drawnBy("8"), 0);  // no map yet
     ASSERT_EQ(effect.Configure(100, 60), kSuccess);
-    EXPECT_EQ(drawnBy("5"), 0);  // what it is already
+    EXPECT_EQ(drawnBy("5"), 0);  // unchanged
     EXPECT_EQ(drawnBy("10"), 6 * 10);
     effect->Shutdown();
     EXPECT_EQ(drawnBy("20"), 0);

@@ -103,7 +103,7 @@ TEST(TimeDistortion, AStaticSceneStaysAsItIs) {
     }
 }
 
-/// A nearly still scene whose frames can be told apart by their level, 100 to 103, and then a frame that is
+/// A nearly still scene whose frames differ by their level, 100 to 103, and then a frame that is
 /// `difference` above the average that it leaves: what comes out of that frame, number 41.
 int LumaAfterAStep(int difference) {
     EffectDriver effect(kGuid);

@@ -28,7 +28,7 @@ void SepiaPixel(uint8_t* p) {
     std::copy_n(out, 3, p);
 }
 
-/// The road of a planar frame of even size: widen, twist, average back.
+/// A planar frame of even size: widen, twist, average back.
 void SepiaModel(TestFrame& frame) {
     const int w = frame.width(), h = frame.height();
     std::vector<uint8_t> rgb(static_cast<size_t>(3 * w * h));

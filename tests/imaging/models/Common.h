@@ -1,7 +1,7 @@
 // What the plain models share: rounding words and access to pixels by coordinates.
 //
-// A model is the definition of a primitive turned into the simplest loops. It checks no arguments, knows no
-// trick, and shares no code with the primitive. Where speed and plainness meet, plainness wins.
+// A model is the definition of a primitive written as the simplest loops. It checks no arguments, uses no
+// tricks, and shares no code with the primitive. Plain code is preferred to fast code.
 #ifndef SPECIALEFFECTS_TESTS_IMAGING_MODELS_COMMON_H
 #define SPECIALEFFECTS_TESTS_IMAGING_MODELS_COMMON_H
 

@@ -67,7 +67,7 @@ inline PrimStatus PrimCanny16s8u(const int16_t* dx, int32_t dxStep, const int16_
             }
         };
         ForEach(width, height, extend);
-        // Backwards too, which spares sweeps where an edge climbs.
+        // Backwards too, which saves sweeps where an edge climbs.
         ForEach(width, height, [&](int32_t x, int32_t y) { extend(width - 1 - x, height - 1 - y); });
     }
     return 0;
