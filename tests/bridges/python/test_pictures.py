@@ -10,7 +10,7 @@ import specialeffects
 from conftest import noise, planes
 from specialeffects import Effect, PictureError, _libsfx
 from specialeffects._libsfx import lib
-from specialeffects._pictures import _CHANNELS, FORMATS
+from specialeffects._pictures import _CHANNELS, FORMATS, picture_of
 
 PACKED = {name: _CHANNELS[number] for name, number in FORMATS.items() if number in _CHANNELS}
 PLANAR = [name for name in FORMATS if name not in PACKED]
@@ -111,7 +111,7 @@ def test_planes_below_each_other_in_one_array(format):
 
 def test_planes_are_changed_in_place_without_a_copy():
     y, u, v = planes(48, 64)
-    picture = __import__("specialeffects._pictures", fromlist=["picture_of"]).picture_of((y, u, v), None, "bt601", False)
+    picture = picture_of((y, u, v), None, "bt601", False)
     assert [picture.planes[i] for i in range(3)] == [p.ctypes.data for p in (y, u, v)]
     assert [picture.strides[i] for i in range(3)] == [64, 32, 32]
     assert [picture.sizes[i] for i in range(3)] == [48 * 64, 24 * 32, 24 * 32]
