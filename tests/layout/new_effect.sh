@@ -10,6 +10,7 @@ rm -rf "$scratch"
 mkdir -p "$scratch"
 (cd "$source" && tar -cf - --exclude=./build --exclude=./.git .) | tar -xf - -C "$scratch"
 cd "$scratch"
+export CCACHE_BASEDIR="$scratch"  # the compiler's cache knows most of it
 
 # The first block of commands under the heading, which is meant to be typed as it stands.
 awk '/^## /{ here = $0 == "## Add an effect" } here && /^```$/ { exit } here && block { print } here && /^```sh$/ { block = 1 }' \
