@@ -189,11 +189,13 @@ export class Engine implements Guest {
     }
   }
 
-  /** Frees the memory of its effects. */
+  /** Frees the memory of its effects, once no frame is in the works. */
   destroy(): void {
     ++this.#request;
     this.#host.remove(this);
-    this.#replace(null);
+    this.#locked(() => {
+      this.#replace(null);
+    }).catch(() => undefined); // an instance that broke is gone anyway
   }
 
   // ---- one thing at a time: while a frame is copied nothing may make the memory grow ----

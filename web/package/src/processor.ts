@@ -43,7 +43,7 @@ interface Running {
   readonly path: Path;
   readonly session: Session | RemoteSession;
   readonly track: MediaStreamTrack;
-  setInput(track: MediaStreamTrack): Promise<void>;
+  setInput(track: MediaStreamTrack): Promise<void> | void;
   end(): void;
 }
 
@@ -75,23 +75,27 @@ class TrackProcessor implements Processor {
       if (track.kind !== 'video') throw new SpecialEffectsError('argument', 'the track is not a video track');
       this.#input = track;
       try {
+        if (this.#running?.track.readyState === 'ended') await this.#end(); // somebody has stopped the output track
         if (this.#running === null) this.#running = await this.#run(track);
         else await this.#running.setInput(track);
       } catch (error) {
         throw asError(error);
       }
+      this.#running.session.setEnabled(this.#isEnabled);
       return this.#running.track;
     });
   }
 
   async setEffects(effects: Effects): Promise<void> {
     const text = toEffectText(effects);
+    await this.#lock;
     await this.#running?.session.setEffects(text, sizeOf(this.#input));
     this.#effects = text;
     this.#properties.clear();
   }
 
   async setProperty(property: string, value: PropertyValue): Promise<void> {
+    await this.#lock;
     await this.#running?.session.setProperty(property, value);
     this.#properties.set(property, value);
   }
@@ -102,14 +106,16 @@ class TrackProcessor implements Processor {
   }
 
   stop(): Promise<void> {
-    return this.#locked(async () => {
-      const running = this.#running;
-      this.#running = null;
-      this.#input = null;
-      running?.end();
-      await running?.session.stop();
-      running?.track.stop();
-    });
+    return this.#locked(() => this.#end());
+  }
+
+  async #end(): Promise<void> {
+    const running = this.#running;
+    this.#running = null;
+    this.#input = null;
+    running?.end();
+    await running?.session.stop();
+    running?.track.stop();
   }
 
   #locked<T>(use: () => Promise<T>): Promise<T> {
@@ -162,7 +168,7 @@ class TrackProcessor implements Processor {
       show = (frame) => {
         output.show(frame);
       };
-      return await runWorkerCanvas(session, track, output);
+      return runWorkerCanvas(session, track, output);
     } catch (error) {
       await session.stop();
       throw error;
@@ -181,12 +187,14 @@ class TrackProcessor implements Processor {
     const source = new VideoSource(false, (frame) => {
       session.push(frame);
     });
-    await source.setTrack(track);
+    source.setTrack(track);
     return {
       path: 'canvas',
       session,
       track: output.track,
-      setInput: (next) => source.setTrack(next),
+      setInput: (next) => {
+        source.setTrack(next);
+      },
       end: () => {
         source.stop();
       },
@@ -227,11 +235,7 @@ async function runWorkerStreams(session: RemoteSession, track: MediaStreamTrack)
   };
 }
 
-async function runWorkerCanvas(
-  session: RemoteSession,
-  track: MediaStreamTrack,
-  output: CanvasOutput,
-): Promise<Running> {
+function runWorkerCanvas(session: RemoteSession, track: MediaStreamTrack, output: CanvasOutput): Running {
   const source = new VideoSource(true, (frame) => {
     session.push(frame);
   });
@@ -243,12 +247,14 @@ async function runWorkerCanvas(
   };
   document.addEventListener('visibilitychange', onVisibility);
   onVisibility();
-  await source.setTrack(track);
+  source.setTrack(track);
   return {
     path: 'worker-canvas',
     session,
     track: output.track,
-    setInput: (next) => source.setTrack(next),
+    setInput: (next) => {
+      source.setTrack(next);
+    },
     end: () => {
       document.removeEventListener('visibilitychange', onVisibility);
       source.stop();

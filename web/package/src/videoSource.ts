@@ -19,9 +19,9 @@ export class VideoSource {
     this.#video.playsInline = true;
   }
 
-  async setTrack(track: MediaStreamTrack): Promise<void> {
+  setTrack(track: MediaStreamTrack): void {
     this.#video.srcObject = new MediaStream([track]);
-    await this.#video.play();
+    this.#video.play().catch(() => undefined); // another track took its place
     this.#cancel();
     this.#wait();
   }

@@ -352,6 +352,28 @@ pageTest('properties change while frames flow; mistakes are refused', async (pag
   assert.match(complaints.splice(0).join('\n'), /^Failed to load resource: .*404[^\n]*$/); // nowhere.wasm
 });
 
+pageTest('changes during the start count, and an output track that was stopped is made anew', async (page) => {
+  const found = await page.evaluate(async () => {
+    const running = processor({ effects: 'gray-scale' });
+    const starting = running.start(await camera());
+    const setting = running.setEffects('line-art-1');
+    const properties = running.setProperty('background-color', '#ff0000');
+    const first = await starting;
+    await Promise.all([setting, properties]);
+    await sleep(200);
+    const [before] = await hashes(first, 1);
+    first.stop();
+    const second = await running.start(await camera());
+    await sleep(200);
+    const [after] = await hashes(second, 1);
+    await running.stop();
+    return { before: before.hash, after: after.hash, isSame: first === second };
+  });
+  const shape = { format: 'i420', width: WIDTH, height: HEIGHT };
+  const expected = await expectedHash('line-art-1:background-color=#ff0000', picture, shape);
+  assert.deepEqual(found, { before: expected, after: expected, isSame: false });
+});
+
 pageTest('maxFps bounds the rate', async (page) => {
   const found = await page.evaluate(async () => {
     const { track, write } = handMadeTrack();

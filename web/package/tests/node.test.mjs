@@ -313,6 +313,47 @@ test('a data file that cannot be had is told, and the effect runs without', asyn
   assert.equal(engine.tryPixels(pixels(2), 0n), true);
 });
 
+test('an engine that ends while a frame is copied finishes the frame', async () => {
+  const { engine } = await createEngine();
+  await engine.setEffects('gray-scale');
+  globalThis.VideoFrame = class {
+    constructor(bytes, init) {
+      Object.assign(this, init, { bytes: bytes.slice() });
+    }
+  };
+  let copied;
+  const frame = {
+    format: 'RGBX',
+    timestamp: 0,
+    duration: null,
+    colorSpace: { toJSON: () => ({}) },
+    visibleRect: { x: 0, y: 0, width: WIDTH, height: HEIGHT },
+    displayWidth: WIDTH,
+    displayHeight: HEIGHT,
+    copyTo: (bytes) =>
+      new Promise((resolve) => {
+        copied = () => {
+          bytes.set(pixels(3).data);
+          resolve();
+        };
+      }),
+  };
+  const result = engine.applyToFrame(frame);
+  while (!copied) await new Promise((resolve) => setTimeout(resolve, 1));
+  engine.destroy();
+  const later = engine.setEffects('sepia'); // would use the freed memory
+  await new Promise((resolve) => setTimeout(resolve, 5));
+  copied();
+  const { bytes } = await result;
+  await later;
+  delete globalThis.VideoFrame;
+  const { engine: other } = await createEngine();
+  await other.setEffects('gray-scale');
+  const expected = pixels(3);
+  other.applyToPixels(expected, 0n);
+  assert.ok(Buffer.from(bytes).equals(Buffer.from(expected.data)));
+});
+
 test('changing effects and sizes does not make the memory grow', async () => {
   const noise = (await createEffect('clouds')).dataFile('perlin.dat');
   const { engine } = await createEngine({ dataFiles: async (name) => (name === 'perlin.dat' ? noise : null) });
