@@ -201,6 +201,10 @@ addEventListener("keydown", (event) => {
 // ---- the chain --------------------------------------------------------------------------------------------------
 
 byId("undo").addEventListener("click", () => { chain.undo(); });
+byId("stack").addEventListener("click", () => {
+    byId("gallery").scrollIntoView({ behavior: reducedMotion.matches ? "instant" : "smooth" });
+    byId("search").focus({ preventScroll: true });
+});
 byId("clear").addEventListener("click", () => { chain.replace([]); });
 
 const saveDialog = byId<HTMLDialogElement>("save-dialog");

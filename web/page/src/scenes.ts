@@ -39,9 +39,12 @@ const kRidges: readonly Ridge[] = [
 
 /** Hot-air balloons over hills in the evening, with birds. */
 export function balloons(still: boolean): Scene {
+    let sky: OffscreenCanvas | undefined;
     return (context, width, height, now) => {
         const seconds = still ? 4 : now;
-        drawSky(context, width, height, seconds);
+        sky ??= drawSky(width, height);
+        context.drawImage(sky, 0, 0);
+        drawClouds(context, width, height, seconds);
         drawRidge(context, width, height, seconds, kRidges[0]!);
         for (const balloon of kBalloons) drawBalloon(context, width, height, seconds, balloon);
         for (const ridge of kRidges.slice(1)) drawRidge(context, width, height, seconds, ridge);
@@ -49,7 +52,10 @@ export function balloons(still: boolean): Scene {
     };
 }
 
-function drawSky(context: CanvasRenderingContext2D, width: number, height: number, seconds: number): void {
+/** What does not move, drawn once. */
+function drawSky(width: number, height: number): OffscreenCanvas {
+    const canvas = new OffscreenCanvas(width, height);
+    const context = canvas.getContext("2d", { alpha: false })!;
     const sky = context.createLinearGradient(0, 0, 0, height);
     sky.addColorStop(0, "#27427c");
     sky.addColorStop(0.4, "#b0679b");
@@ -65,6 +71,10 @@ function drawSky(context: CanvasRenderingContext2D, width: number, height: numbe
     sun.addColorStop(1, "#ffdf9a00");
     context.fillStyle = sun;
     context.fillRect(0, 0, width, height);
+    return canvas;
+}
+
+function drawClouds(context: CanvasRenderingContext2D, width: number, height: number, seconds: number): void {
     context.fillStyle = "#ffffff55";
     for (let i = 0; i < 5; ++i) {
         const x = ((i * 0.27 + seconds * 0.006 * (1 + i % 3)) % 1.4 - 0.2) * width;
