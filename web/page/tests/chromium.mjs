@@ -20,7 +20,7 @@ process.on("exit", () => { rmSync(scratch, { recursive: true, force: true }); })
 function makeClip() {
     const clip = join(scratch, "camera.mjpeg");
     execFileSync("ffmpeg", ["-v", "error", "-loop", "1", "-i", portrait, "-vf",
-        "scale=1408:-2,crop=1280:720:64+50*sin(n*2*PI/60):40+26*cos(n*2*PI/30)", "-frames:v", "60", "-q:v", "4", clip]);
+        "scale=1408:-2,crop=1280:720:64+50*sin(n*2*PI/60):40+26*cos(n*2*PI/30)", "-frames:v", "60", "-pix_fmt", "yuvj420p", "-q:v", "4", clip]);
     return clip;
 }
 

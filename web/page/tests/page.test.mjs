@@ -74,6 +74,7 @@ describe("sources", () => {
     on("asks for the camera at a press only, and mirrors it", { init: spy }, async (page) => {
         assert.equal(await page.evaluate(() => window.asked.length), 0);
         await page.click("#start-camera");
+        await until(page, ({ width, mean }) => width === 1280 && mean[0] > mean[1], "#before");
         await until(page, ({ width }) => width === 1280);
         assert.equal(await page.evaluate(() => window.asked.length), 1);
         assert.equal(await page.evaluate(() => window.asked[0].audio), false);
@@ -135,15 +136,15 @@ describe("sources", () => {
     });
 
     on("takes a dropped picture, and explains what it cannot show", {}, async (page) => {
-        const drop = (bytes, name, type) => page.evaluate(([bytes, name, type]) => {
+        const drop = (bytes, name, type) => page.evaluate(([base64, name, type]) => {
             const dataTransfer = new DataTransfer();
-            dataTransfer.items.add(new File([new Uint8Array(bytes)], name, { type }));
+            dataTransfer.items.add(new File([Uint8Array.from(atob(base64), (c) => c.charCodeAt(0))], name, { type }));
             for (const kind of ["dragenter", "dragover", "drop"])
                 document.body.dispatchEvent(new DragEvent(kind, { dataTransfer, bubbles: true, cancelable: true }));
-        }, [[...bytes], name, type]);
+        }, [bytes.toString("base64"), name, type]);
         await drop(await readFile(portrait), "me.jpg", "image/jpeg");
         await until(page, ({ width, height }) => width === 640 && height === 480);
-        await drop([1, 2, 3], "notes.mp4", "video/mp4");
+        await drop(Buffer.from("notes"), "notes.mp4", "video/mp4");
         await page.waitForSelector(".toast:has-text('notes.mp4')");
         assert.equal(await page.getAttribute("#use-file", "aria-pressed"), "true");
     });
@@ -343,15 +344,15 @@ describe("screen", () => {
             const download = page.waitForEvent("download");
             await page.keyboard.press("s");
             assert.match((await download).suggestedFilename(), /^special-effects-.*\.png$/);
-            const bytes = [...await readFile(await (await download).path())];
-            return page.evaluate(async (bytes) => {
-                const bitmap = await createImageBitmap(new Blob([new Uint8Array(bytes)], { type: "image/png" }));
+            const bytes = await readFile(await (await download).path());
+            return page.evaluate(async (base64) => {
+                const bitmap = await createImageBitmap(new Blob([Uint8Array.from(atob(base64), (c) => c.charCodeAt(0))]));
                 const context = new OffscreenCanvas(2, 1).getContext("2d");
                 context.imageSmoothingQuality = "high";
                 context.drawImage(bitmap, 0, 0, bitmap.width, bitmap.height, 0, 0, 2, 1);
                 const { data } = context.getImageData(0, 0, 2, 1);
                 return { width: bitmap.width, height: bitmap.height, left: data[0], right: data[4] };
-            }, bytes);
+            }, bytes.toString("base64"));
         };
         const plain = await take();
         await page.keyboard.press("m");
