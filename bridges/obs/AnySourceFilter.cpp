@@ -117,13 +117,23 @@ void AnySourceFilter::Render() {
     }
 }
 
+/// Reads the source back, and processes what was read in the frame before. While the effect gets ready for
+/// another size, the latest result stays.
 void AnySourceFilter::Advance(const Below& below, Size size) {
-    if (!runner().IsReadyFor(static_cast<int32_t>(size.width), static_cast<int32_t>(size.height))) return;
+    switch (runner().ReadinessFor(static_cast<int32_t>(size.width), static_cast<int32_t>(size.height))) {
+        case Runner::Readiness::None:
+            return;
+        case Runner::Readiness::Soon:
+            for (Slot& slot : slots_) slot.isFilled = false;
+            return;
+        case Runner::Readiness::Ready:
+            break;
+    }
     Slot& present = slots_[next_];
     Slot& previous = slots_[1 - next_];
     next_ = 1 - next_;
     if (!Capture(below, size, present)) return Forget();
-    if (previous.isFilled) Process(previous);
+    if (previous.isFilled && previous.size == size) Process(previous);
 }
 
 void DrawTexture(gs_texture_t* texture, Size size, const char* technique) {
@@ -214,7 +224,7 @@ void AnySourceFilter::Process(Slot& slot) {
     }
 }
 
-/// The result, which in the frame after a change of size still has the old one.
+/// The result, which may still have an earlier size.
 void AnySourceFilter::Draw(Size size) const {
     gs_blend_state_push();
     gs_enable_blending(true);

@@ -11,13 +11,18 @@ class CameraFilter : public Filter {
   public:
     using Filter::Filter;
 
-    void Process(const obs_source_frame& frame) {
+    /// Whether the frame is to be shown.
+    bool Process(const obs_source_frame& frame) {
         sfx_picture picture;
         if (!PictureOf(frame, picture)) {
             TellOfFormat(frame.format);
-        } else if (runner().IsReadyFor(picture.width, picture.height)) {
+            return true;
+        }
+        const Runner::Readiness readiness = runner().ReadinessFor(picture.width, picture.height);
+        if (readiness == Runner::Readiness::Ready) {
             runner().Process(picture, static_cast<int64_t>(frame.timestamp));
         }
+        return readiness != Runner::Readiness::Soon;
     }
 
   private:
@@ -31,8 +36,11 @@ class CameraFilter : public Filter {
 };
 
 obs_source_frame* FilterVideo(void* data, obs_source_frame* frame) noexcept {
-    Guarded([&] { static_cast<CameraFilter*>(static_cast<Filter*>(data))->Process(*frame); });
-    return frame;
+    auto& filter = *static_cast<CameraFilter*>(static_cast<Filter*>(data));
+    if (Guarded(true, [&] { return filter.Process(*frame); })) return frame;
+    // OBS goes on showing the frame before.
+    obs_source_release_frame(obs_filter_get_parent(filter.source()), frame);
+    return nullptr;
 }
 
 }  // namespace

@@ -12,6 +12,8 @@ namespace {
 
 // A look at times after this many frames, and after four times as many each time that something was said.
 constexpr int64_t kMostFramesToLookAt = 100000;
+// Where frames change their size faster than effects get ready, one of this many is processed anyway.
+constexpr int kMostSkippedFrames = 8;
 
 /// Whether a wish is met by other values of the effect that an earlier wish created. A value that is no
 /// longer set needs a new effect: it may depend on the size of frames.
@@ -50,7 +52,8 @@ void Runner::Work() {
     std::unique_lock lock(mutex_);
     while (true) {
         changed_.wait(lock, [this] {
-            return stop_ || hasWish_ || retired_ != nullptr || (fresh_ != nullptr && size_ != Size());
+            const bool isSizeNew = newest_ != nullptr && size_ != Size() && size_ != newestSize_;
+            return stop_ || hasWish_ || retired_ != nullptr || isSizeNew;
         });
         if (stop_) return;
         Effect retired = std::move(retired_);
@@ -61,7 +64,7 @@ void Runner::Work() {
         retired.reset();
         try {
             if (hasWish) Follow(std::move(wish));
-            if (fresh_ != nullptr && size != Size()) Offer(std::move(fresh_), size);
+            if (newest_ != nullptr && size != Size() && size != newestSize_) Offer(size);
         } catch (const std::exception& problem) {
             // What runs goes on; the next wish creates a new effect.
             blog(LOG_WARNING, "[specialeffects] '%s': %s", obs_source_get_name(filter_), problem.what());
@@ -78,21 +81,27 @@ void Runner::Follow(Wish wish) {
         followed_ = std::move(wish);
         return;
     }
-    if (wish.effect == refused_) return;
+    if (Build(wish)) followed_ = std::move(wish);
+}
+
+/// Makes a fresh effect. False where the wish names none: everything stays as it is.
+bool Runner::Build(const Wish& wish) {
+    if (wish.effect == refused_) return false;
     Effect effect = CreateEffect(wish.effect);
     if (effect == nullptr) {
         blog(LOG_WARNING, "[specialeffects] '%s': %s", obs_source_get_name(filter_), sfx_message());
         refused_ = wish.effect;
-        return;
+        return false;
     }
     refused_.clear();
     std::vector<Value> values = ValuesFor(wish, effect.get());
     for (const Value& value : values) sfx_set_int(effect.get(), value.property.c_str(), value.number);
     sfx_set_seed(effect.get(), wish.seed);
     newest_ = effect.get();
+    newestSize_ = {};
     values_ = std::move(values);
-    followed_ = std::move(wish);
     fresh_ = std::move(effect);
+    return true;
 }
 
 void Runner::Change(std::vector<Value> values) {
@@ -107,27 +116,32 @@ void Runner::Change(std::vector<Value> values) {
     if (fresh_ == nullptr) (offered_ != nullptr ? offeredText_ : runningText_) = std::move(text);
 }
 
-void Runner::Offer(Effect effect, const Size& size) {
+/// Gets the fresh effect ready for a size, or another one like the newest.
+void Runner::Offer(Size size) {
+    const bool isBuilt = fresh_ != nullptr || Build(followed_);
+    newestSize_ = size;
+    if (!isBuilt) return;
     // Data files are read or made here, and tables built.
-    sfx_prepare(effect.get(), size.width, size.height);
-    std::string text = TextOf(effect.get());
+    sfx_prepare(fresh_.get(), size.width, size.height);
+    std::string text = TextOf(fresh_.get());
+    Effect effect = std::move(fresh_);
     const std::lock_guard lock(mutex_);
     std::swap(offered_, effect);
     offeredText_ = std::move(text);
+    offeredSize_ = size;
 }
 
 // ---- the thread of the frames -------------------------------------------------------------------------
 
-bool Runner::IsReadyFor(int32_t width, int32_t height) {
+Runner::Readiness Runner::ReadinessFor(int32_t width, int32_t height) {
+    const Size size{width, height};
     // Where the worker holds the lock, the next frame will do.
     const std::unique_lock lock(mutex_, std::try_to_lock);
     if (lock) {
-        if (const Size size{width, height}; size != size_) {
-            size_ = size;
-            changed_.notify_one();
-        }
+        if (size != std::exchange(size_, size)) changed_.notify_one();
         if (offered_ != nullptr && retired_ == nullptr) {
             retired_ = std::exchange(running_, std::move(offered_));
+            runningSize_ = offeredSize_;
             runningText_.swap(offeredText_);
             frameCount_ = 0;
             reported_ = SFX_OK;
@@ -135,7 +149,11 @@ bool Runner::IsReadyFor(int32_t width, int32_t height) {
             if (retired_ != nullptr) changed_.notify_one();
         }
     }
-    return running_ != nullptr;
+    if (running_ == nullptr) return Readiness::None;
+    if (size != runningSize_ && ++skippedFrames_ < kMostSkippedFrames) return Readiness::Soon;
+    runningSize_ = size;
+    skippedFrames_ = 0;
+    return Readiness::Ready;
 }
 
 void Runner::Process(const sfx_picture& picture, int64_t time) {

@@ -33,10 +33,15 @@ class Runner {
     /// Any thread. Returns at once; takes effect some frames later.
     void Want(Wish wish);
 
-    /// Thread of the frames: takes over an effect that has become ready. False where there is none yet, and
-    /// frames of this size should pass unchanged. Never waits.
-    bool IsReadyFor(int32_t width, int32_t height);
-    /// Thread of the frames, after IsReadyFor: the effect on a picture, in place. `time` is in nanoseconds.
+    enum class Readiness {
+        None,   // there is no effect yet: frames pass unchanged
+        Soon,   // the effect gets ready for this size: better no frame than an unchanged one
+        Ready,  // for Process
+    };
+    /// Thread of the frames: takes over an effect that has become ready. Never waits.
+    Readiness ReadinessFor(int32_t width, int32_t height);
+    /// Thread of the frames, where ReadinessFor the picture's size was Ready: the effect on a picture, in
+    /// place. `time` is in nanoseconds.
     void Process(const sfx_picture& picture, int64_t time);
 
     /// Any thread.
@@ -50,8 +55,9 @@ class Runner {
 
     void Work();
     void Follow(Wish wish);
+    bool Build(const Wish& wish);
     void Change(std::vector<Value> values);
-    void Offer(Effect effect, const Size& size);
+    void Offer(Size size);
     void Report(sfx_status status, const sfx_picture& picture);
     void NoteTime(int64_t time, const sfx_picture& picture);
 
@@ -63,7 +69,8 @@ class Runner {
     bool hasWish_ = false;
     Wish wish_;
     Size size_;                             // of the latest frame; none before the first
-    Effect offered_{nullptr, sfx_destroy};  // ready to take over
+    Effect offered_{nullptr, sfx_destroy};  // ready to take over, for frames of offeredSize_
+    Size offeredSize_;
     Effect retired_{nullptr, sfx_destroy};  // to be destroyed
     std::string offeredText_, runningText_;
 
@@ -72,11 +79,13 @@ class Runner {
     sfx_effect* newest_ = nullptr;        // fresh, offered or running
     Wish followed_;                       // what the newest effect comes from
     std::vector<Value> values_;           // of the newest effect
+    Size newestSize_;                     // for which it is ready; none for a fresh one
     std::string refused_;                 // the latest text that is no effect
 
     // Of the thread of the frames.
     Effect running_{nullptr, sfx_destroy};
-    Size requested_;
+    Size runningSize_;  // for which it is ready
+    int skippedFrames_ = 0;
     sfx_status reported_ = SFX_OK;
     int64_t frames_ = 0, slowFrames_ = 0, totalTime_ = 0;  // since the last look at times
     int64_t framesToLookAt_ = 100;

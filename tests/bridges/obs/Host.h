@@ -95,8 +95,12 @@ class Camera {
     explicit Camera(const char* settings = nullptr);
     ~Camera();
 
-    /// Sends a frame and waits for what comes out behind the filters.
+    /// Sends a frame. False where nothing comes out behind the filters.
+    bool Try(const Picture& picture, uint64_t time);
+    /// Sends a frame, again and again, until it comes out behind the filters.
     Picture Send(const Picture& picture, uint64_t time);
+    /// What has come out last; in the form of `picture`.
+    Picture Latest(const Picture& picture);
     /// Sends frames until the filter's effect has processed the first, which it returns.
     Picture SendUntilReady(const Picture& picture, uint64_t time);
     /// Waits, while frames run, until the filter runs what a text describes.

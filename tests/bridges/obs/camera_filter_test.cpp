@@ -216,6 +216,22 @@ TEST(CameraFilter, FollowsChangesOfSizeAndFormat) {
     }
 }
 
+TEST(CameraFilter, ShowsNoUnchangedFrameWhereTheSizeChangesAllTheTime) {
+    Camera camera(R"({"effect": "liquefy-2"})");
+    const Effect reference = CreateEffect("liquefy-2");
+    camera.SendUntilReady(Picture(VIDEO_FORMAT_I420, 64, 48).Draw(0), TimeOf(0));
+    int shown = 0;
+    for (int index = 1; index < 100; ++index) {
+        const Picture picture = Picture(VIDEO_FORMAT_I420, 320 + 2 * index, 240).Draw(index);
+        if (!camera.Try(picture, TimeOf(index))) continue;
+        ++shown;
+        Picture expected = picture;
+        Process(reference, expected, TimeOf(index));
+        ASSERT_TRUE(expected == camera.Latest(picture)) << "frame " << index;
+    }
+    EXPECT_GE(shown, 100 / 8 - 1);
+}
+
 TEST(CameraFilter, SaysThatAnEffectIsTooSlow) {
     ForgetLog();
     Camera camera(R"({"effect": "chalk-2+sketch-2+chalk-3"})");
