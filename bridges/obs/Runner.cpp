@@ -97,10 +97,10 @@ bool Runner::Build(const Wish& wish) {
     std::vector<Value> values = ValuesFor(wish, effect.get());
     for (const Value& value : values) sfx_set_int(effect.get(), value.property.c_str(), value.number);
     sfx_set_seed(effect.get(), wish.seed);
-    newest_ = effect.get();
+    fresh_ = std::move(effect);
+    newest_ = fresh_.get();
     newestSize_ = {};
     values_ = std::move(values);
-    fresh_ = std::move(effect);
     return true;
 }
 

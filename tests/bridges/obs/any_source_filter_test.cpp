@@ -184,12 +184,13 @@ TEST(AnySourceFilter, IsOneFrameLate) {
     obs_sceneitem_t* const item = obs_scene_add(scene, filtered.get());
     const vec2 position{{{kCanvasWidth / 2, 0}}};
     obs_sceneitem_set_pos(item, &position);
-    std::vector<std::pair<int, int>> grays;  // without and with the filter
-    std::mutex mutex;
-    struct Both {
-        std::vector<std::pair<int, int>>& grays;
-        std::mutex& mutex;
-    } both{grays, mutex};
+    // The gray of one frame with the filter, and of the frame before without, where both are there: OBS
+    // repeats and leaves out frames of its output where the machine is slow.
+    struct Pairs {
+        std::mutex mutex;
+        std::vector<std::pair<int, int>> grays;
+        int seen = 0, before = -1;
+    } pairs;
     Counter counter{plain, filtered};
     const auto count = [](void* data, float) {
         auto& c = *static_cast<Counter*>(data);
@@ -198,38 +199,32 @@ TEST(AnySourceFilter, IsOneFrameLate) {
         SetStillPicture(c.filtered, Plain(static_cast<uint8_t>(20 + 4 * c.frame)));
     };
     const auto keep = [](void* data, video_data* frame) {
-        auto& [kept, guard] = *static_cast<Both*>(data);
-        const std::lock_guard lock(guard);
-        kept.emplace_back(frame->data[0][0], frame->data[0][size_t{4} * (kCanvasWidth - 1)]);
+        auto& p = *static_cast<Pairs*>(data);
+        const std::lock_guard lock(p.mutex);
+        const int gray = frame->data[0][0];
+        const bool isNext = (gray - p.before + 200) % 200 == 4;
+        if (isNext && ++p.seen > 4) {
+            p.grays.emplace_back(frame->data[0][size_t{4} * (kCanvasWidth - 1)], p.before);
+        }
+        p.before = gray;
     };
     {
         const Shown shown(obs_scene_get_source(scene));
         ASSERT_TRUE(WaitForFilter(filter));
         obs_add_tick_callback(count, &counter);
-        obs_add_raw_video_callback(nullptr, keep, &both);
+        obs_add_raw_video_callback(nullptr, keep, &pairs);
         EXPECT_TRUE(WaitUntil([&] {
-            const std::lock_guard lock(mutex);
-            return grays.size() > 60;
+            const std::lock_guard lock(pairs.mutex);
+            return pairs.grays.size() > 30;
         }));
-        obs_remove_raw_video_callback(keep, &both);
+        obs_remove_raw_video_callback(keep, &pairs);
         obs_remove_tick_callback(count, &counter);
     }
-    std::vector<int> negatives;
-    for (int gray = 0; gray < 256; ++gray) {
-        StillPicture one{2, 2, std::vector<uint8_t>(16, static_cast<uint8_t>(gray))};
-        Process("polarize", one);
-        negatives.push_back(one.pixels[2]);  // blue, as below
+    for (const auto& [shown, before] : pairs.grays) {
+        StillPicture expected{2, 2, std::vector<uint8_t>(16, static_cast<uint8_t>(before))};
+        Process("polarize", expected);
+        EXPECT_EQ(shown, expected.pixels[2]);  // blue, too
     }
-    int compared = 0;
-    for (size_t i = 10; i < grays.size(); ++i) {
-        // OBS may repeat a frame of its output where the machine is slow.
-        if (grays[i].first == grays[i - 1].first) continue;
-        const int step = (grays[i].first - grays[i - 1].first + 200) % 200;
-        if (step != 4) continue;
-        EXPECT_EQ(grays[i].second, negatives[static_cast<size_t>(grays[i - 1].first)]) << "frame " << i;
-        ++compared;
-    }
-    EXPECT_GT(compared, 20);
     obs_source_filter_remove(filtered.get(), filter.get());
     obs_scene_release(scene);
 }
@@ -274,20 +269,21 @@ TEST(AnySourceFilter, FollowsChangesOfSizeWithoutAPlainFrame) {
 TEST(AnySourceFilter, LivesThroughScenesSizesAndRemoval) {
     std::vector<Source> sources, filters;
     std::vector<obs_scene_t*> scenes;
-    sources.reserve(8);
     for (int i = 0; i < 4; ++i) {
         obs_scene_t* const scene = scenes.emplace_back(obs_scene_create("Scene"));
-        const Source& source = sources.emplace_back(Create("test_picture", "Picture"));
+        Source source = Create("test_picture", "Picture");
         SetStillPicture(source, Scene(100 + i, 70 - i, i % 2 == 0));
         obs_scene_add(scene, source.get());
         // Sources with a size of nothing, too.
-        const Source& empty = sources.emplace_back(Create("test_picture", "Empty"));
+        Source empty = Create("test_picture", "Empty");
         obs_scene_add(scene, empty.get());
         filters.push_back(AddFilter(empty, kAnyFilter, R"({"effect": "sepia"})"));
         for (const char* const effect : {"rain", "time-distortion", "preset:noir"}) {
             filters.push_back(
                 AddFilter(source, kAnyFilter, (std::string(R"({"effect": ")") + effect + "\"}").c_str()));
         }
+        sources.push_back(std::move(source));
+        sources.push_back(std::move(empty));
     }
     for (int round = 0; round < 60; ++round) {
         const auto at = static_cast<size_t>(round) % scenes.size();
