@@ -1,6 +1,6 @@
 // The effects of one processor: which run, which are being made ready, and what becomes of them when the instance breaks.
 import { asError } from './errors.js';
-import type { Guest, Host } from './host.js';
+import type { RuntimeClient, Runtime } from './runtime.js';
 import { type Chain, type PictureFormat, isTrap } from './library.js';
 import { type PropertyValue, SpecialEffectsError } from './types.js';
 
@@ -10,7 +10,7 @@ const GOOD_FRAMES = 100;
 
 export interface EngineOptions {
   /** Where it runs. Engines that process VideoFrames do not share one. */
-  readonly host: Host;
+  readonly runtime: Runtime;
   readonly seed: number;
   /** Told of errors that no caller gets: on frames, and in data files. */
   readonly onError: (error: SpecialEffectsError) => void;
@@ -26,8 +26,8 @@ export interface Pixels extends Size {
   readonly data: Uint8Array | Uint8ClampedArray;
 }
 
-export class Engine implements Guest {
-  readonly #host: Host;
+export class Engine implements RuntimeClient {
+  readonly #runtime: Runtime;
   readonly #seed: number;
   readonly #onError: (error: SpecialEffectsError) => void;
   #chain: Chain | null = null;
@@ -40,11 +40,11 @@ export class Engine implements Guest {
   #goodFrames = 0;
   #reported = ''; // the last error of a frame; told once until a frame succeeds
 
-  constructor({ host, seed, onError }: EngineOptions) {
-    this.#host = host;
+  constructor({ runtime, seed, onError }: EngineOptions) {
+    this.#runtime = runtime;
     this.#seed = seed;
     this.#onError = onError;
-    host.add(this);
+    runtime.add(this);
   }
 
   /** Whether frames would change now. */
@@ -54,12 +54,12 @@ export class Engine implements Guest {
 
   /** How often the instance broke and was replaced. */
   get restarts(): number {
-    return this.#host.restarts;
+    return this.#runtime.restarts;
   }
 
   /** Bytes of WebAssembly memory; 0 while there is no instance. */
   get memory(): number {
-    return this.#host.instance?.library.memorySize ?? 0;
+    return this.#runtime.instance?.library.memorySize ?? 0;
   }
 
   /**
@@ -76,11 +76,11 @@ export class Engine implements Guest {
     const request = ++this.#request;
     this.#size = size ?? this.#size;
     this.#trapsInRow = 0;
-    await this.#host.ready();
+    await this.#runtime.ready();
     const isEmpty = text.trim() === '';
     if (!isEmpty) {
       const names = await this.#locked(() => this.#dataFiles(text));
-      await this.#host.provide(names, this.#onError);
+      await this.#runtime.provide(names, this.#onError);
     }
     await this.#locked(() => {
       if (request === this.#request) this.#replace(isEmpty ? null : this.#ready(text));
@@ -122,7 +122,7 @@ export class Engine implements Guest {
   applyToFrame(frame: VideoFrame): Promise<VideoFrame | null> {
     return this.#locked(async () => {
       const shape = shapeOf(frame);
-      const [chain, instance] = [this.#chain, this.#host.instance];
+      const [chain, instance] = [this.#chain, this.#runtime.instance];
       if (shape === null || chain === null || instance === null) return null;
       const { picture } = instance;
       const { format, pixelFormat, width, height } = shape;
@@ -164,7 +164,7 @@ export class Engine implements Guest {
    * nanoseconds; null: 1/30 s after the picture before. Throws where they fail; the pixels are then as they were.
    */
   applyToPixels({ data, width, height }: Pixels, time: bigint | null): void {
-    const [chain, instance] = [this.#chain, this.#host.instance];
+    const [chain, instance] = [this.#chain, this.#runtime.instance];
     if (instance === null) throw new SpecialEffectsError('trap', 'the WebAssembly instance is being replaced');
     if (chain === null) return;
     this.#size = { width, height };
@@ -192,7 +192,7 @@ export class Engine implements Guest {
   /** Frees the memory of its effects, once no frame is in the works. */
   destroy(): void {
     ++this.#request;
-    this.#host.remove(this);
+    this.#runtime.remove(this);
     this.#locked(() => {
       this.#replace(null);
     }).catch(() => undefined); // an instance that broke is gone anyway
@@ -209,7 +209,7 @@ export class Engine implements Guest {
   // ---- effects ----
 
   #create(text: string): Chain {
-    const { instance } = this.#host;
+    const { instance } = this.#runtime;
     if (instance === null) throw new SpecialEffectsError('trap', 'the WebAssembly instance is being replaced');
     return instance.library.create(text, this.#seed);
   }
@@ -269,7 +269,7 @@ export class Engine implements Guest {
 
   #guarded<T>(use: () => T): T {
     try {
-      return this.#host.guarded(use);
+      return this.#runtime.guarded(use);
     } catch (error) {
       if (error instanceof SpecialEffectsError && error.code === 'trap' && ++this.#trapsInRow > MOST_TRAPS) {
         this.#text = '';

@@ -4,7 +4,7 @@ import { dataFilesFrom } from './dataFiles.js';
 import { toEffectText } from './effectText.js';
 import { Engine } from './engine.js';
 import { type Context, createContext, pixelsOf } from './frames.js';
-import { Host } from './host.js';
+import { Runtime } from './runtime.js';
 import type {
   Assets,
   Effects,
@@ -38,7 +38,7 @@ export async function applyEffects(
 export async function createImageProcessor(options: ImageProcessorOptions = {}): Promise<ImageProcessor> {
   const { assets = {}, effects = '', seed = 1 } = options;
   const engine = new Engine({
-    host: hostOf(await compile(assets), assets),
+    runtime: runtimeOf(await compile(assets), assets),
     seed,
     onError: () => undefined, // the effect runs without its data file
   });
@@ -46,19 +46,19 @@ export async function createImageProcessor(options: ImageProcessorOptions = {}):
   return new EngineProcessor(engine);
 }
 
-const hosts = new WeakMap<WebAssembly.Module, Host>();
+const runtimes = new WeakMap<WebAssembly.Module, Runtime>();
 
 /** The instance of this module that all processors of this thread share. */
-function hostOf(module: WebAssembly.Module, assets: Assets): Host {
-  let host = hosts.get(module);
-  if (host === undefined) {
-    host = new Host(
+function runtimeOf(module: WebAssembly.Module, assets: Assets): Runtime {
+  let runtime = runtimes.get(module);
+  if (runtime === undefined) {
+    runtime = new Runtime(
       module,
       dataFilesFrom(cascadeOf(assets), () => createWorker(assets)),
     );
-    hosts.set(module, host);
+    runtimes.set(module, runtime);
   }
-  return host;
+  return runtime;
 }
 
 class EngineProcessor implements ImageProcessor {

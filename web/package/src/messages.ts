@@ -2,13 +2,13 @@
 import type { MakeNoise } from './dataFiles.js';
 import type { Size } from './engine.js';
 import type { PostedFrame } from './frames.js';
-import type { SessionStats } from './pump.js';
-import type { SessionInit } from './session.js';
+import type { PipelineStats } from './pump.js';
+import type { PipelineInit } from './pipeline.js';
 import type { ErrorCode, PropertyValue } from './types.js';
 
 /** Calls with an answer, and their parameters. */
 export type Call =
-  | { readonly name: 'create'; readonly init: SessionInit }
+  | { readonly name: 'create'; readonly init: PipelineInit }
   | { readonly name: 'setEffects'; readonly text: string; readonly size: Size | null }
   | { readonly name: 'setProperty'; readonly property: string; readonly value: PropertyValue }
   | { readonly name: 'setOutput'; readonly stream: WritableStream<VideoFrame> }
@@ -39,7 +39,7 @@ export interface PostedError {
 export type FromWorker =
   | { readonly type: 'answer'; readonly number: number; readonly value: Answer }
   | { readonly type: 'failure'; readonly number: number; readonly error: PostedError }
-  | { readonly type: 'stats'; readonly stats: SessionStats }
+  | { readonly type: 'stats'; readonly stats: PipelineStats }
   | { readonly type: 'error'; readonly error: PostedError }
   | { readonly type: 'frame'; readonly frame: PostedFrame }
   | { readonly type: 'tick' };

@@ -5,8 +5,8 @@ import { toEffectText } from './effectText.js';
 import type { Size } from './engine.js';
 import { asError } from './errors.js';
 import type { Frame } from './frames.js';
-import { RemoteSession } from './remoteSession.js';
-import { Session, type SessionEvents, type SessionInit } from './session.js';
+import { RemotePipeline } from './remotePipeline.js';
+import { Pipeline, type PipelineEvents, type PipelineInit } from './pipeline.js';
 import {
   type Assets,
   type Effects,
@@ -41,7 +41,7 @@ const HIDDEN_INTERVAL = 33;
 /** What runs between `start` and `stop`. */
 interface Running {
   readonly path: Path;
-  readonly session: Session | RemoteSession;
+  readonly pipeline: Pipeline | RemotePipeline;
   readonly track: MediaStreamTrack;
   setInput(track: MediaStreamTrack): Promise<void> | void;
   end(): void;
@@ -81,7 +81,7 @@ class TrackProcessor implements Processor {
       } catch (error) {
         throw asError(error);
       }
-      this.#running.session.setEnabled(this.#isEnabled);
+      this.#running.pipeline.setEnabled(this.#isEnabled);
       return this.#running.track;
     });
   }
@@ -89,20 +89,20 @@ class TrackProcessor implements Processor {
   async setEffects(effects: Effects): Promise<void> {
     const text = toEffectText(effects);
     await this.#lock;
-    await this.#running?.session.setEffects(text, sizeOf(this.#input));
+    await this.#running?.pipeline.setEffects(text, sizeOf(this.#input));
     this.#effects = text;
     this.#properties.clear();
   }
 
   async setProperty(property: string, value: PropertyValue): Promise<void> {
     await this.#lock;
-    await this.#running?.session.setProperty(property, value);
+    await this.#running?.pipeline.setProperty(property, value);
     this.#properties.set(property, value);
   }
 
   setEnabled(enabled: boolean): void {
     this.#isEnabled = enabled;
-    this.#running?.session.setEnabled(enabled);
+    this.#running?.pipeline.setEnabled(enabled);
   }
 
   stop(): Promise<void> {
@@ -114,7 +114,7 @@ class TrackProcessor implements Processor {
     this.#running = null;
     this.#input = null;
     running?.end();
-    await running?.session.stop();
+    await running?.pipeline.stop();
     running?.track.stop();
   }
 
@@ -127,7 +127,7 @@ class TrackProcessor implements Processor {
   async #run(track: MediaStreamTrack): Promise<Running> {
     if (!isSupported()) throw new SpecialEffectsError('unsupported', 'this browser has no streams of frames');
     const { assets = {}, seed = 1, maxFps } = this.#options;
-    const init: SessionInit = {
+    const init: PipelineInit = {
       module: await compile(assets),
       effects: this.#effects,
       properties: [...this.#properties],
@@ -144,7 +144,7 @@ class TrackProcessor implements Processor {
       frame.close();
     };
     let path = wanted;
-    const session = await RemoteSession.create(
+    const pipeline = await RemotePipeline.create(
       init,
       this.#events(
         () => path,
@@ -155,9 +155,9 @@ class TrackProcessor implements Processor {
       assets,
     );
     try {
-      if (wanted === 'window-streams') return await runWindowStreams(session, track);
-      if (wanted === 'worker-streams' && (await session.hasStreams())) {
-        const running = await runWorkerStreams(session, track).catch(() => null); // tracks cannot be transferred
+      if (wanted === 'window-streams') return await runWindowStreams(pipeline, track);
+      if (wanted === 'worker-streams' && (await pipeline.hasStreams())) {
+        const running = await runWorkerStreams(pipeline, track).catch(() => null); // tracks cannot be transferred
         if (running !== null) return running;
       }
       if (this.#options.path === 'worker-streams') {
@@ -168,14 +168,14 @@ class TrackProcessor implements Processor {
       show = (frame) => {
         output.show(frame);
       };
-      return runWorkerCanvas(session, track, output);
+      return runWorkerCanvas(pipeline, track, output);
     } catch (error) {
-      await session.stop();
+      await pipeline.stop();
       throw error;
     }
   }
 
-  async #runInWindow(track: MediaStreamTrack, init: SessionInit, assets: Assets): Promise<Running> {
+  async #runInWindow(track: MediaStreamTrack, init: PipelineInit, assets: Assets): Promise<Running> {
     const output = outputFor(track);
     const events = this.#events(
       () => 'canvas',
@@ -183,14 +183,14 @@ class TrackProcessor implements Processor {
         output.show(frame);
       },
     );
-    const session = await Session.create(init, dataFilesFrom(init.cascade, () => createWorker(assets)), events);
+    const pipeline = await Pipeline.create(init, dataFilesFrom(init.cascade, () => createWorker(assets)), events);
     const source = new VideoSource(false, (frame) => {
-      session.push(frame);
+      pipeline.push(frame);
     });
     source.setTrack(track);
     return {
       path: 'canvas',
-      session,
+      pipeline,
       track: output.track,
       setInput: (next) => {
         source.setTrack(next);
@@ -201,7 +201,7 @@ class TrackProcessor implements Processor {
     };
   }
 
-  #events(path: () => Path, show: (frame: Frame) => void): SessionEvents {
+  #events(path: () => Path, show: (frame: Frame) => void): PipelineEvents {
     return {
       onStats: (stats) => this.#options.onStats?.({ ...stats, path: path() }),
       onError: (error) => this.#options.onError?.(error),
@@ -210,47 +210,47 @@ class TrackProcessor implements Processor {
   }
 }
 
-async function runWindowStreams(session: RemoteSession, track: MediaStreamTrack): Promise<Running> {
+async function runWindowStreams(pipeline: RemotePipeline, track: MediaStreamTrack): Promise<Running> {
   const generator = createGenerator();
-  await session.setOutput(generator.writable);
-  await session.setInput(framesOf(track));
+  await pipeline.setOutput(generator.writable);
+  await pipeline.setInput(framesOf(track));
   return {
     path: 'window-streams',
-    session,
+    pipeline,
     track: generator,
-    setInput: (next) => session.setInput(framesOf(next)),
+    setInput: (next) => pipeline.setInput(framesOf(next)),
     end: () => undefined,
   };
 }
 
-async function runWorkerStreams(session: RemoteSession, track: MediaStreamTrack): Promise<Running> {
+async function runWorkerStreams(pipeline: RemotePipeline, track: MediaStreamTrack): Promise<Running> {
   // The caller keeps the track, so the worker gets a clone, and stops it.
-  await session.setTrack(track.clone());
+  await pipeline.setTrack(track.clone());
   return {
     path: 'worker-streams',
-    session,
-    track: await session.createTrack(),
-    setInput: (next) => session.setTrack(next.clone()),
+    pipeline,
+    track: await pipeline.createTrack(),
+    setInput: (next) => pipeline.setTrack(next.clone()),
     end: () => undefined,
   };
 }
 
-function runWorkerCanvas(session: RemoteSession, track: MediaStreamTrack, output: CanvasOutput): Running {
+function runWorkerCanvas(pipeline: RemotePipeline, track: MediaStreamTrack, output: CanvasOutput): Running {
   const source = new VideoSource(true, (frame) => {
-    session.push(frame);
+    pipeline.push(frame);
   });
-  session.onTick = () => {
+  pipeline.onTick = () => {
     source.poll();
   };
   const onVisibility = () => {
-    session.setTicks(document.hidden ? HIDDEN_INTERVAL : 0);
+    pipeline.setTicks(document.hidden ? HIDDEN_INTERVAL : 0);
   };
   document.addEventListener('visibilitychange', onVisibility);
   onVisibility();
   source.setTrack(track);
   return {
     path: 'worker-canvas',
-    session,
+    pipeline,
     track: output.track,
     setInput: (next) => {
       source.setTrack(next);

@@ -6,7 +6,7 @@ import type { Frame } from './frames.js';
 import type { Stats } from './types.js';
 
 /** All but the path, which only the window knows. */
-export type SessionStats = Omit<Stats, 'path'>;
+export type PipelineStats = Omit<Stats, 'path'>;
 
 export interface PumpOptions {
   readonly engine: Engine;
@@ -16,7 +16,7 @@ export interface PumpOptions {
   readonly show: (frame: Frame) => Promise<void>;
   readonly maxFps: number | undefined;
   readonly isEnabled: boolean;
-  readonly onStats: (stats: SessionStats) => void;
+  readonly onStats: (stats: PipelineStats) => void;
 }
 
 const STATS_INTERVAL = 1000;

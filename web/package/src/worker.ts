@@ -4,7 +4,7 @@ import { dataFilesFrom, makeNoise } from './dataFiles.js';
 import { asError } from './errors.js';
 import { fromPosted, toPosted } from './frames.js';
 import type { Answer, Call, FromWorker, PostedError, ToWorker } from './messages.js';
-import { Session, type SessionInit } from './session.js';
+import { Pipeline, type PipelineInit } from './pipeline.js';
 
 /** The part of a worker's scope that TypeScript's types for windows lack. */
 interface WorkerScope {
@@ -14,7 +14,7 @@ interface WorkerScope {
 }
 const scope = globalThis as unknown as WorkerScope;
 
-let session: Session | null = null;
+let pipeline: Pipeline | null = null;
 let track: MediaStreamTrack | null = null;
 let ticks: ReturnType<typeof setInterval> | undefined;
 
@@ -27,10 +27,10 @@ function posted(error: unknown): PostedError {
   return { code, message };
 }
 
-function createSession(init: SessionInit): Promise<Session> {
+function createPipeline(init: PipelineInit): Promise<Pipeline> {
   // A second worker of this script makes the noise of Clouds.
   const createWorker = () => new Worker(scope.location.href, { type: 'module', name: 'specialeffects-noise' });
-  return Session.create(init, dataFilesFrom(init.cascade, createWorker), {
+  return Pipeline.create(init, dataFilesFrom(init.cascade, createWorker), {
       onStats: (stats) => {
         post({ type: 'stats', stats });
       },
@@ -47,38 +47,38 @@ function createSession(init: SessionInit): Promise<Session> {
 /** Carries out a call. */
 async function run(call: Call): Promise<Answer> {
   if (call.name === 'create') {
-    session = await createSession(call.init);
+    pipeline = await createPipeline(call.init);
     return undefined;
   }
-  if (session === null) throw new Error('there is no session');
+  if (pipeline === null) throw new Error('there is no pipeline');
   switch (call.name) {
     case 'hasStreams':
       return hasStreams();
     case 'setEffects':
-      await session.setEffects(call.text, call.size);
+      await pipeline.setEffects(call.text, call.size);
       break;
     case 'setProperty':
-      await session.setProperty(call.property, call.value);
+      await pipeline.setProperty(call.property, call.value);
       break;
     case 'setOutput':
-      session.setOutput(call.stream);
+      pipeline.setOutput(call.stream);
       break;
     case 'setInput':
-      session.setInput(call.stream);
+      pipeline.setInput(call.stream);
       break;
     case 'createTrack': {
       const generator = createWorkerGenerator();
-      session.setOutput(generator.writable);
+      pipeline.setOutput(generator.writable);
       return generator.track;
     }
     case 'setTrack':
-      session.setInput(framesOf(call.track));
+      pipeline.setInput(framesOf(call.track));
       track?.stop();
       track = call.track;
       break;
     case 'stop':
-      await session.stop();
-      session = null;
+      await pipeline.stop();
+      pipeline = null;
       track?.stop();
       track = null;
       break;
@@ -111,12 +111,12 @@ scope.onmessage = ({ data }) => {
       void answer(data.number, data.call);
       break;
     case 'setEnabled':
-      session?.setEnabled(data.isEnabled);
+      pipeline?.setEnabled(data.isEnabled);
       break;
     case 'frame': {
       const frame = fromPosted(data.frame);
-      if (session === null) frame.close();
-      else session.push(frame);
+      if (pipeline === null) frame.close();
+      else pipeline.push(frame);
       break;
     }
     case 'setTicks':

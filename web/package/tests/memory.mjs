@@ -8,10 +8,10 @@ import { launch, openPage, root, scene, serve, temporaryFolder, writeY4m } from 
 
 /** Changes effects for some seconds. Throws where memory grows after the first round. */
 export async function watchMemory(page, seconds) {
-  const session = await page.context().newCDPSession(page);
+  const protocol = await page.context().newCDPSession(page);
   const heap = async () => {
-    await session.send('HeapProfiler.collectGarbage');
-    return (await session.send('Runtime.getHeapUsage')).usedSize;
+    await protocol.send('HeapProfiler.collectGarbage');
+    return (await protocol.send('Runtime.getHeapUsage')).usedSize;
   };
   await page.evaluate(async () => {
     window.watched = processor({ effects: 'sepia' });

@@ -181,7 +181,7 @@ test('the layout of structures is that of the module', async () => {
 // ---- the engine of processors -----------------------------------------------------------------------------------
 
 const { Engine } = await load('engine');
-const { Host } = await load('host');
+const { Runtime } = await load('runtime');
 const WIDTH = 64;
 const HEIGHT = 48;
 const pixels = (value) => ({
@@ -193,7 +193,7 @@ const pixels = (value) => ({
 async function createEngine({ dataFiles = async () => null } = {}) {
   const errors = [];
   const engine = new Engine({
-    host: new Host(module, dataFiles),
+    runtime: new Runtime(module, dataFiles),
     seed: 1,
     onError: (error) => errors.push(error),
   });

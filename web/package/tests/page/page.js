@@ -1,4 +1,4 @@
-// Helpers for the tests in the browser; they call them by page.evaluate.
+// What the tests call in the browser, by page.evaluate.
 import * as image from '../dist/image.js';
 import * as main from '../dist/index.js';
 import * as livekit from '../dist/livekit.js';

@@ -3,12 +3,12 @@ import type { Cascade } from './assets.js';
 import type { DataFiles } from './dataFiles.js';
 import { Engine, type Size } from './engine.js';
 import { type Context, type Frame, StillFrame, createContext, pixelsOf } from './frames.js';
-import { Host } from './host.js';
-import { Pump, type SessionStats } from './pump.js';
+import { Runtime } from './runtime.js';
+import { Pump, type PipelineStats } from './pump.js';
 import type { PropertyValue, SpecialEffectsError } from './types.js';
 
-/** What a session starts with; goes to the worker as a message. */
-export interface SessionInit {
+/** What a pipeline starts with; goes to the worker as a message. */
+export interface PipelineInit {
   readonly module: WebAssembly.Module;
   readonly effects: string;
   /** What has been set since. */
@@ -20,22 +20,22 @@ export interface SessionInit {
   readonly cascade: Cascade;
 }
 
-export interface SessionEvents {
-  onStats(stats: SessionStats): void;
+export interface PipelineEvents {
+  onStats(stats: PipelineStats): void;
   onError(error: SpecialEffectsError): void;
-  /** Shows a frame and closes it. For sessions without an output stream. */
+  /** Shows a frame and closes it. For pipelines without an output stream. */
   onFrame(frame: Frame): void;
 }
 
-export class Session {
+export class Pipeline {
   readonly #engine: Engine;
   readonly #pump: Pump;
-  readonly #events: SessionEvents;
+  readonly #events: PipelineEvents;
   #reader: ReadableStreamDefaultReader<VideoFrame> | null = null;
   #writer: WritableStreamDefaultWriter<VideoFrame> | null = null;
   #context: Context | null = null;
 
-  private constructor(engine: Engine, init: SessionInit, events: SessionEvents) {
+  private constructor(engine: Engine, init: PipelineInit, events: PipelineEvents) {
     this.#engine = engine;
     this.#events = events;
     this.#pump = new Pump({
@@ -51,9 +51,9 @@ export class Session {
   }
 
   /** Resolves when the effects are ready; rejects where they are not valid. */
-  static async create(init: SessionInit, dataFiles: DataFiles, events: SessionEvents): Promise<Session> {
+  static async create(init: PipelineInit, dataFiles: DataFiles, events: PipelineEvents): Promise<Pipeline> {
     const engine = new Engine({
-      host: new Host(init.module, dataFiles),
+      runtime: new Runtime(init.module, dataFiles),
       seed: init.seed,
       onError: (error) => {
         events.onError(error);
@@ -61,7 +61,7 @@ export class Session {
     });
     await engine.setEffects(init.effects, init.size);
     for (const [property, value] of init.properties) await engine.setProperty(property, value);
-    return new Session(engine, init, events);
+    return new Pipeline(engine, init, events);
   }
 
   /** Writes frames there from now on. */

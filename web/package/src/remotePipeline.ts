@@ -1,9 +1,9 @@
-// A session in a worker, as the window sees it.
+// A pipeline in a worker, as the window sees it.
 import { createWorker } from './assets.js';
 import type { Size } from './engine.js';
 import { type Frame, fromPosted, toPosted } from './frames.js';
 import type { Answer, Call, FromWorker, PostedError, ToWorker } from './messages.js';
-import type { SessionEvents, SessionInit } from './session.js';
+import type { PipelineEvents, PipelineInit } from './pipeline.js';
 import { type Assets, type PropertyValue, SpecialEffectsError } from './types.js';
 
 interface Waiting {
@@ -11,17 +11,17 @@ interface Waiting {
   readonly reject: (error: SpecialEffectsError) => void;
 }
 
-export class RemoteSession {
+export class RemotePipeline {
   readonly #worker: Worker;
   readonly #waiting = new Map<number, Waiting>();
-  readonly #events: SessionEvents;
+  readonly #events: PipelineEvents;
   #number = 0;
   #failure: SpecialEffectsError | null = null; // the worker is gone
 
   /** Called about as often as `setTicks` asks for. */
   onTick: () => void = () => undefined;
 
-  private constructor(worker: Worker, events: SessionEvents) {
+  private constructor(worker: Worker, events: PipelineEvents) {
     this.#worker = worker;
     this.#events = events;
     worker.onmessage = ({ data }: MessageEvent<FromWorker>) => {
@@ -35,15 +35,15 @@ export class RemoteSession {
     };
   }
 
-  static async create(init: SessionInit, events: SessionEvents, assets: Assets): Promise<RemoteSession> {
-    const session = new RemoteSession(createWorker(assets), events);
+  static async create(init: PipelineInit, events: PipelineEvents, assets: Assets): Promise<RemotePipeline> {
+    const pipeline = new RemotePipeline(createWorker(assets), events);
     try {
-      await session.#call({ name: 'create', init });
+      await pipeline.#call({ name: 'create', init });
     } catch (error) {
-      session.#worker.terminate();
+      pipeline.#worker.terminate();
       throw error;
     }
-    return session;
+    return pipeline;
   }
 
   async setOutput(stream: WritableStream<VideoFrame>): Promise<void> {

@@ -10,8 +10,8 @@ export interface Instance {
   readonly picture: Picture;
 }
 
-/** An engine, as its host sees it. */
-export interface Guest {
+/** An engine, as its runtime sees it. */
+export interface RuntimeClient {
   /** All that the instance held is gone. */
   onBroken(): void;
   /** There is a new one. */
@@ -20,13 +20,13 @@ export interface Guest {
   onError(error: SpecialEffectsError): void;
 }
 
-export class Host {
+export class Runtime {
   /** How often the instance broke and was replaced. */
   restarts = 0;
 
   readonly #module: WebAssembly.Module;
   readonly #dataFiles: DataFiles;
-  readonly #guests = new Set<Guest>();
+  readonly #clients = new Set<RuntimeClient>();
   readonly #files = new Map<string, Promise<Uint8Array | null>>();
   #instance: Instance | null = null;
   #starting: Promise<void> | null = null;
@@ -41,12 +41,12 @@ export class Host {
     return this.#instance;
   }
 
-  add(guest: Guest): void {
-    this.#guests.add(guest);
+  add(client: RuntimeClient): void {
+    this.#clients.add(client);
   }
 
-  remove(guest: Guest): void {
-    this.#guests.delete(guest);
+  remove(client: RuntimeClient): void {
+    this.#clients.delete(client);
   }
 
   /** Resolves when there is an instance. */
@@ -87,14 +87,14 @@ export class Host {
   #replace(): void {
     if (this.#instance === null) return; // already on its way
     this.#instance = null;
-    for (const guest of this.#guests) guest.onBroken();
+    for (const client of this.#clients) client.onBroken();
     this.ready().then(
       () => {
         ++this.restarts;
-        for (const guest of this.#guests) guest.onReplaced();
+        for (const client of this.#clients) client.onReplaced();
       },
       (error: unknown) => {
-        for (const guest of this.#guests) guest.onError(asError(error));
+        for (const client of this.#clients) client.onError(asError(error));
       },
     );
   }
