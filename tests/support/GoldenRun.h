@@ -19,9 +19,9 @@ int GoldenRows();
 std::string GoldenRowName(int row);
 
 /// Runs the effect of a row over its frames at one size and returns a checksum of all that came out, of the
-/// result codes and of the state in which the generator was left. Clock and generator are set to fixed values
-/// first. Works in the current directory, which should be empty. The sizes on record were run in their order
-/// in the same surroundings, so Clouds continued at its place.
+/// result codes, of writes outside the planes and of the state in which the generator was left. Clock and
+/// generator are set to fixed values first. Works in the current directory, which should be empty. The sizes
+/// on record were run in their order in the same surroundings, so Clouds continued at its place.
 uint64_t RunGolden(int row, const GoldenSize& size, TestClock& surroundings);
 
 /// "row WxH" to checksum, from the text file that the tool `update_goldens` writes.
