@@ -1,10 +1,9 @@
 #include "bench/Scenes.h"
 
 #include <algorithm>
-#include <fstream>
 #include <stdexcept>
-#include <string>
 
+#include "imaging/Files.h"
 #include "imaging/Plane8u.h"
 
 namespace bench {
@@ -42,11 +41,11 @@ void DrawShapes(uint8_t* data, int32_t width, int32_t height, int32_t index) {
 
 CPlane8u LoadPortrait() {
     CPlane8u portrait(640, 480);
-    std::ifstream file(SE_SOURCE_DIR "/tests/facetrack/portrait.pgm", std::ios::binary);
-    std::string line;
-    for (int i = 0; i < 3; ++i) std::getline(file, line);
-    file.read(reinterpret_cast<char*>(portrait.data), static_cast<std::streamsize>(portrait.Size()));
-    if (!file) throw std::runtime_error("cannot read tests/facetrack/portrait.pgm");
+    const files::File file = files::OpenToRead(SE_SOURCE_DIR "/tests/facetrack/portrait.pgm");
+    char header[15];  // "P5", the size and the largest value
+    if (!files::Read(file, header, sizeof header) || !files::Read(file, portrait.data, portrait.Size())) {
+        throw std::runtime_error("cannot read tests/facetrack/portrait.pgm");
+    }
     return portrait;
 }
 
