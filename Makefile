@@ -6,7 +6,7 @@ RELEASE := build/release
 INSTALLED ?= build/installed.txt
 
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web
 
 .PHONY: build arm64 windows install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
@@ -196,6 +196,18 @@ PORT ?= 8000
 .PHONY: serve
 serve:
 	@node web/page/serve.mjs build/web/page $(PORT)
+
+# libsfx in WebAssembly: all of it below.
+check-web: check-web-module check-web-package check-web-page
+
+# The modules in Node: every effect's frames with vectors and without, the interface, memory, traps, size.
+.PHONY: check-web-module
+check-web-module: web
+	cmake --preset wasm -DSE_BUILD_TESTS=ON
+	cmake --build --preset wasm
+	cmake --preset wasm-baseline -DSE_BUILD_TESTS=ON
+	cmake --build --preset wasm-baseline
+	node --test tests/web/golden.test.mjs tests/web/library.test.mjs
 
 # The npm package: its types and style, frames in Node, and tracks in Chromium.
 .PHONY: check-web-package

@@ -107,7 +107,8 @@ SE_INLINE void LayDark(const uint8_t* SE_RESTRICT mask, const uint8_t* SE_RESTRI
 
 /// Sets those pixels of the rows that lie within `thickness` of the plane's edges.
 void FillRing(PlaneRows plane, RowRange rows, int32_t height, int32_t thickness, uint8_t value) {
-    const auto width = static_cast<size_t>(plane.width()), side = std::min(static_cast<size_t>(thickness), width);
+    const auto width = static_cast<size_t>(plane.width()),
+               side = std::min(static_cast<size_t>(thickness), width);
     for (int32_t y = rows.begin; y < rows.end; ++y) {
         if (y < thickness || y >= height - thickness) {
             std::memset(plane[y], value, width);
