@@ -10,6 +10,7 @@
 #   host         its own folder and sfx.h
 #   tests/abi    its own folder
 #   bridges/*    its own folder, sfx.h; so do its tests
+#   web          its own folder, sfx.h
 #
 # The module itself includes nothing from outside but the standard library and the compiler's intrinsics; the operating
 # system's headers are for files named after it.
@@ -183,6 +184,11 @@ sources(files bridges)
 foreach(file IN LISTS files)
     get_filename_component(folder ${file} DIRECTORY)
     check_outside_file(${file} ${folder} sfx/sfx.h)
+endforeach()
+
+sources(files web)
+foreach(file IN LISTS files)
+    check_outside_file(${file} web sfx/sfx.h)
 endforeach()
 
 sources(files tests/abi)
