@@ -1,11 +1,15 @@
 #include "effects/animated/TextRenderer.h"
 
+#include <atomic>
+
 #include "effects/animated/GlyphTable.h"
 #if defined(_WIN32)
 #include "effects/animated/SystemGlyphs.h"
 #endif
 
 namespace {
+
+std::atomic<int> keptToTable{0};
 
 void DrawBox(CPlane8u& cell) {
     constexpr int32_t kLeft = 3, kRight = 12, kTop = 4, kBottom = 19;
@@ -37,11 +41,12 @@ CPlane8u RenderText(std::string_view text) {
     CPlane8u cell = NewPlane(kGlyphWidth, kGlyphHeight);
 #if defined(_WIN32)
     const SystemGlyphs system(kGlyphWidth, kGlyphHeight);
+    const bool bySystem = keptToTable == 0;
 #endif
     int32_t x = 0;
     for (const char character : text) {
 #if defined(_WIN32)
-        if (!system.Draw(character, cell)) DrawFromTable(cell, character);
+        if (!bySystem || !system.Draw(character, cell)) DrawFromTable(cell, character);
 #else
         DrawFromTable(cell, character);
 #endif
@@ -49,4 +54,11 @@ CPlane8u RenderText(std::string_view text) {
         x += kGlyphWidth;
     }
     return picture;
+}
+
+TextFromTable::TextFromTable() {
+    ++keptToTable;
+}
+TextFromTable::~TextFromTable() {
+    --keptToTable;
 }

@@ -11,4 +11,13 @@
 /// An empty text gives an empty plane.
 CPlane8u RenderText(std::string_view text);
 
+/// Keeps all threads to the table for a scope. For tests that compare frames with those of other systems.
+class TextFromTable {
+  public:
+    TextFromTable();
+    ~TextFromTable();
+    TextFromTable(const TextFromTable&) = delete;
+    TextFromTable& operator=(const TextFromTable&) = delete;
+};
+
 #endif

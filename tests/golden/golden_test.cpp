@@ -6,6 +6,7 @@
 #include <string>
 #include <tuple>
 
+#include "effects/animated/TextRenderer.h"
 #include "tests/support/GoldenRun.h"
 #include "tests/support/LevelLimit.h"
 
@@ -18,6 +19,7 @@ constexpr std::span<const GoldenSize> kSizes = SE_SANITIZED ? kSmallSizes : kGol
 void ExpectGoldens(int row, TestClock& surroundings, std::span<const GoldenSize> sizes) {
     static const GoldenTable goldens = ReadGoldens(SE_SOURCE_DIR "/tests/golden/checksums.txt");
     const TemporaryDirectory directory;
+    const TextFromTable text;  // the system may draw Logo Animation's otherwise
     for (const GoldenSize& size : sizes) {
         const auto golden = goldens.find(GoldenKey(row, size));
         ASSERT_NE(golden, goldens.end()) << "nothing is on record for " << GoldenKey(row, size);

@@ -91,6 +91,14 @@ TEST(GdiText, ComesFromTheTableWhereGdiFails) {
     EXPECT_FALSE(IsFromTable(RenderText("+44"), "+44"));
 }
 
+TEST(GdiText, GivesWayToTheTableForAScope) {
+    {
+        const TextFromTable scope;
+        EXPECT_TRUE(IsFromTable(RenderText("+44"), "+44"));
+    }
+    EXPECT_FALSE(IsFromTable(RenderText("+44"), "+44"));
+}
+
 TEST(GdiText, AppearsInFrames) {
     TestSurroundings surroundings;
     const SurroundingsScope scope(surroundings);
