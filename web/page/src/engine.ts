@@ -5,6 +5,7 @@ import { type Assets, type Processor, type Stats, createProcessor } from "specia
 import { type Chain, type Links, applied } from "./chain";
 import type { Source } from "./sources";
 
+/** Events: source, when another is shown; lost, when it ended by itself; stats; trouble, with a sentence. */
 export class Engine extends EventTarget {
     readonly #processor: Processor;
     readonly #before: HTMLVideoElement;
@@ -35,7 +36,12 @@ export class Engine extends EventTarget {
         this.#source?.stop();
         this.#source = source;
         this.#before.srcObject = new MediaStream([source.track]);
+        source.track.addEventListener("ended", () => {
+            if (this.#source === source) this.dispatchEvent(new Event("lost"));
+        });
+        const text = this.#text;
         const output = await this.#processor.start(source.track);
+        if (this.#text !== text) await this.#processor.setEffects(this.#text);  // changed while it was getting ready
         if (this.#source !== source) return;
         const shown = this.#after.srcObject;
         if (!(shown instanceof MediaStream) || shown.getVideoTracks()[0] !== output)

@@ -102,6 +102,11 @@ engine.addEventListener("stats", () => {
     thumbnails.yieldTo(framesPerSecond / (engine.source?.track.getSettings().frameRate ?? 30));
 });
 
+engine.addEventListener("lost", () => {
+    toast("The camera is gone.");
+    void showOther(openPortrait);
+});
+
 engine.addEventListener("trouble", (event) => { toast((event as CustomEvent<string>).detail); });
 
 for (const id of ["use-camera", "start-camera"]) byId(id).addEventListener("click", () => { void showCamera(); });
