@@ -121,15 +121,19 @@ export class PropertiesView {
         const isBoolean = property.type === "boolean";
         for (const choice of property.choices)
             select.append(make("option", { value: isBoolean ? String(choice.value !== 0) : choice.id, title: choice.description },
-                capitalized(choice.id)));
+                capitalized(choice.id.replaceAll("-", " "))));
         const named = select.options.length;
+        const element = field(property, id, select);
+        const hint = element.querySelector(".small")!;
         select.addEventListener("change", () => { this.#set(property, select.value); });
         return {
-            element: field(property, id, select),
+            element,
             show: (value) => {
                 while (select.options.length > named) select.options[named]!.remove();
                 select.value = value;
                 if (select.value !== value) select.append(make("option", { value, selected: true }, value));
+                const chosen = property.choices[select.selectedIndex];
+                hint.textContent = chosen ? `${property.description} ${capitalized(chosen.description)}.` : property.description;
             },
         };
     }
@@ -140,7 +144,6 @@ function field(property: Property, id: string, input: HTMLElement, output?: HTML
     return make("div", { class: `field ${property.type}` }, row, input, make("p", { class: "small", id: `${id}-hint` }, property.description));
 }
 
-function capitalized(id: string): string {
-    const words = id.replaceAll("-", " ");
+function capitalized(words: string): string {
     return words.charAt(0).toUpperCase() + words.slice(1);
 }
