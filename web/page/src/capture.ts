@@ -23,7 +23,7 @@ function canvasFor(video: HTMLVideoElement): CanvasRenderingContext2D {
     return canvas.getContext("2d", { alpha: false })!;
 }
 
-/** Saves the video's present picture as PNG. False if there is none yet. */
+/** Saves the video's present picture as PNG. False if there is no picture yet. */
 export async function savePicture(video: HTMLVideoElement, mirrored: boolean): Promise<boolean> {
     if (!video.videoWidth) return false;
     const context = canvasFor(video);

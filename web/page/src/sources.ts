@@ -15,7 +15,7 @@ export interface Source {
 
 /** Asks for permission where it has not been given. Rejects as getUserMedia does. */
 export async function openCamera(deviceId?: string): Promise<Source> {
-    if (!isSecureContext) throw new Error("Browsers give a camera only to pages that come by https.");
+    if (!isSecureContext) throw new Error("Browsers allow a camera only to pages served over https.");
     const stream = await navigator.mediaDevices.getUserMedia({
         audio: false,
         video: {

@@ -12,7 +12,7 @@ const processors = new Map<string, ImageProcessor | null>();
 let setup: Setup;
 
 /**
- * The processor for a text, made when first asked for; null where there is none, or none yet: data files may take
+ * The processor for a text, made when first asked for; null if there is none, or not yet: data files may take
  * seconds to come, which the others do not wait for. The longest unused make room.
  */
 async function processorFor(text: string): Promise<ImageProcessor | null> {

@@ -29,7 +29,7 @@ const isGrey = ({ colour }) => colour < 3;
 const isColoured = ({ colour }) => colour > 15;
 /** Waits until the service worker has all files and answers for the network. */
 const isKept = (page) => page.waitForFunction(() => navigator.serviceWorker.controller !== null);
-/** Browsers look for a newer service worker whenever they like. */
+/** Browsers look for a newer service worker on their own. */
 const isPagesOwn = ({ path }) => path !== "/service-worker.js";
 const titles = (page) => page.locator("#links .title").allTextContents();
 const address = (page) => page.evaluate(() => decodeURIComponent(location.hash));
@@ -110,6 +110,15 @@ describe("sources", () => {
         await page.waitForSelector(".toast:has-text('camera is blocked')");
         assert.equal(await page.getAttribute("#use-portrait", "aria-pressed"), "true");
         assert.equal(await page.evaluate(() => document.getElementById("before").srcObject.getVideoTracks()[0].readyState), "live");
+    });
+
+    on("shows a scene when the camera goes away", {}, async (page) => {
+        await page.click("#use-camera");
+        await until(page, ({ width }) => width === 1280);
+        await page.evaluate(() => { document.getElementById("before").srcObject.getVideoTracks()[0].dispatchEvent(new Event("ended")); });
+        await until(page, ({ width }) => width === 960);
+        assert.equal(await page.getAttribute("#use-portrait", "aria-pressed"), "true");
+        assert.equal(await page.getAttribute("#mirror", "aria-pressed"), "false");
     });
 
     on("has a scene that moves", { hash: "#fx=gray-scale" }, async (page) => {
@@ -279,6 +288,7 @@ describe("properties", () => {
         await page.selectOption("#property-type", { label: "Picture" });
         await set(page, "color-2", "#12ab34");
         assert.equal(await address(page), "#fx=logo-animation:objects-number=12,moving-animation=true,type=picture,color-2=#12ab34");
+        assert.match(await page.textContent("#property-type-hint"), /\w\. \w.*\./);
         await page.click(".reset");
         assert.equal(await address(page), "#fx=logo-animation");
         assert.equal(await page.inputValue("#property-objects-number"), "10");
@@ -364,9 +374,9 @@ describe("screen", () => {
     });
 
     on("is recorded to a file that plays, mirrored as it is shown", { hash: "#fx=gray-scale" }, async (page) => {
-        await page.click("#use-camera");
-        await until(page, ({ width, colour }) => width === 1280 && colour < 3);
-        assert.equal(await page.getAttribute("#mirror", "aria-pressed"), "true");
+        await page.setInputFiles("#file", portrait);
+        await until(page, ({ width, height, colour }) => width === 640 && height === 480 && colour < 3);
+        await page.keyboard.press("m");
         const download = page.waitForEvent("download");
         await page.keyboard.press("r");
         await page.waitForSelector("#recording:has-text('0:01')");
@@ -376,14 +386,26 @@ describe("screen", () => {
         const bytes = await readFile(await (await download).path());
         const type = (await download).suggestedFilename().endsWith("mp4") ? "video/mp4" : "video/webm";
         const seen = await page.evaluate(async ([base64, type]) => {
+            const halves = (video) => {
+                const context = new OffscreenCanvas(2, 1).getContext("2d");
+                context.imageSmoothingQuality = "high";
+                context.drawImage(video, 0, 0, 2, 1);
+                const { data } = context.getImageData(0, 0, 2, 1);
+                return [data[0], data[4]];
+            };
             const blob = new Blob([Uint8Array.from(atob(base64), (c) => c.charCodeAt(0))], { type });
             const video = Object.assign(document.createElement("video"), { muted: true, src: URL.createObjectURL(blob) });
             await video.play();
-            const frames = await new Promise((resolve) => { video.onended = () => { resolve(video.getVideoPlaybackQuality().totalVideoFrames); }; });
-            return { width: video.videoWidth, height: video.videoHeight, frames };
+            await new Promise((resolve) => { video.onended = resolve; });
+            const frames = video.getVideoPlaybackQuality().totalVideoFrames;
+            return { width: video.videoWidth, height: video.videoHeight, frames, recorded: halves(video), shown: halves(document.getElementById("after")) };
         }, [bytes.toString("base64"), type]);
-        assert.deepEqual([seen.width, seen.height], [1280, 720]);
-        assert.ok(seen.frames >= 8, JSON.stringify(seen));
+        const what = JSON.stringify(seen);
+        assert.deepEqual([seen.width, seen.height], [640, 480]);
+        assert.ok(seen.frames > 1, what);
+        const [left, right] = seen.shown;
+        assert.ok(Math.abs(left - right) > 5, what);
+        assert.ok(Math.abs(seen.recorded[0] - right) < 5 && Math.abs(seen.recorded[1] - left) < 5, what);
         assert.equal(await page.isVisible("#recording"), false);
     });
 
@@ -471,7 +493,7 @@ describe("looks and links", () => {
 });
 
 describe("privacy", () => {
-    it("makes no request after loading, whatever is used, and sets no cookie", async () => {
+    it("makes no request after loading, in any of its features, and sets no cookie", async () => {
         const page = await open(world, { serviceWorkers: "allow" });
         const outside = [];
         page.context().on("request", (request) => {
@@ -524,8 +546,8 @@ describe("installed", () => {
 
     it("has all that a browser asks of an app", async () => {
         const page = await open(world, { serviceWorkers: "allow" });
-        const session = await page.context().newCDPSession(page);
-        const { installabilityErrors } = await session.send("Page.getInstallabilityErrors");
+        const protocol = await page.context().newCDPSession(page);
+        const { installabilityErrors } = await protocol.send("Page.getInstallabilityErrors");
         assert.deepEqual(installabilityErrors.map(({ errorId }) => errorId).filter((id) => id !== "in-incognito"), []);
         const manifest = JSON.parse(await readFile(join(built, "manifest.webmanifest"), "utf8"));
         for (const { src, sizes, type } of manifest.icons) {
