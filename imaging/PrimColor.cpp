@@ -122,56 +122,54 @@ void TwistPixels(uint8_t* row, ptrdiff_t count, const Twist& twist) {
     }
 }
 
-/// One output of 16 pixels in 16 bits, in single precision; whether a sum lies so near a half that its error
-/// could tip it.
-SE_INLINE bool TwistChannel(const float* m, const float* p0, const float* p1, const float* p2, float limit,
-                            uint8_t* out) {
-    // Added to a sum, it leaves no bits below 1: the number is rounded to even, and is the low half of the
-    // float's bits.
+/// One output of four pixels in single precision. Sets a number of `doubtful` to all bits where a sum lies so
+/// near a half that its error could tip it.
+SE_INLINE vector128::Ints TwistFour(const float* m, const vector128::Floats* p, float limit,
+                                    vector128::Ints& doubtful) {
+    // Added to a sum, it leaves no bits below 1: the number is rounded to even, and is what the float's bits
+    // are above those of the rounder.
     constexpr float kRounder = 0x1.8p23f;
-    const float m0 = m[0];
-    const float m1 = m[1];
-    const float m2 = m[2];
-    const float m3 = m[3];
-    int16_t words[16];
-    int32_t doubtful = 0;
-#pragma GCC unroll 1  // or GCC unrolls all of it and vectorises little
-    for (int i = 0; i < 16; ++i) {
-        const float sum = m0 * p0[i] + (m1 * p1[i] + (m2 * p2[i] + m3));
-        const float raised = sum + kRounder;
-        doubtful |= static_cast<int32_t>(std::fabs(sum - (raised - kRounder)) >= limit);
-        words[i] = static_cast<int16_t>(std::bit_cast<int32_t>(raised));
-    }
-#pragma GCC unroll 1  // or GCC unrolls all of it and vectorises little
-    for (int i = 0; i < 16; ++i) {
-        out[i] = static_cast<uint8_t>(std::clamp<int16_t>(words[i], 0, 255));
-    }
-    return doubtful != 0;
+    const vector128::Floats sum = m[0] * p[0] + (m[1] * p[1] + (m[2] * p[2] + m[3]));
+    const vector128::Floats raised = sum + kRounder;
+    const auto distance = reinterpret_cast<vector128::Ints>(sum - (raised - kRounder)) & 0x7fffffff;
+    doubtful |= reinterpret_cast<vector128::Floats>(distance) >= limit;
+    return reinterpret_cast<vector128::Ints>(raised) - std::bit_cast<int32_t>(kRounder);
 }
 
 /// 16 pixels at a time in single precision; those with a sum in doubt are done again in double.
 void TwistRow(uint8_t* row, ptrdiff_t width, const Twist& twist) {
+    using namespace vector128;
     ptrdiff_t x = 0;
     for (; x + 16 <= width; x += 16, row += 48) {
         alignas(16) uint8_t bytes[3][16];
-        float p[3][16];
-        vector128::SplitPixels(row, bytes[0], bytes[1], bytes[2]);
-        for (int channel = 0; channel < 3; ++channel) {
-#pragma GCC unroll 1  // or GCC unrolls all of it and vectorises little
-            for (int i = 0; i < 16; ++i) {
-                p[channel][i] = static_cast<float>(bytes[channel][i]);
+        SplitPixels(row, bytes[0], bytes[1], bytes[2]);
+        Shorts words[3][2];
+        Ints doubtful{};
+        for (int half = 0; half < 2; ++half) {
+            Floats first[3];
+            Floats second[3];
+            for (int channel = 0; channel < 3; ++channel) {
+                const Bytes eight = LoadHalf(bytes[channel] + 8 * half);
+                const auto wide = reinterpret_cast<Words>(InterleaveLow(eight, Bytes{}));
+                first[channel] = LowToFloats(wide);
+                second[channel] = HighToFloats(wide);
+            }
+            for (int channel = 0; channel < 3; ++channel) {
+                const float* const m = twist.rough.data() + 4 * channel;
+                const Ints low = TwistFour(m, first, twist.limit, doubtful);
+                const Ints high = TwistFour(m, second, twist.limit, doubtful);
+                words[channel][half] = Pack(low, high);
             }
         }
-        bool doubtful = false;
-        for (int channel = 0; channel < 3; ++channel) {
-            doubtful |=
-                TwistChannel(twist.rough.data() + 4 * channel, p[0], p[1], p[2], twist.limit, bytes[channel]);
-        }
-        if (doubtful) [[unlikely]] {
+        const auto halves = reinterpret_cast<Longs>(doubtful);
+        if ((halves[0] | halves[1]) != 0) [[unlikely]] {
             TwistPixels(row, 16, twist);
-        } else {
-            vector128::JoinPixels(bytes[0], bytes[1], bytes[2], row);
+            continue;
         }
+        for (int channel = 0; channel < 3; ++channel) {
+            Store(bytes[channel], Pack(words[channel][0], words[channel][1]));
+        }
+        JoinPixels(bytes[0], bytes[1], bytes[2], row);
     }
     TwistPixels(row, width - x, twist);
 }
@@ -322,6 +320,29 @@ SE_INLINE int16_t LumaPart(int16_t d0, int16_t d2, int32_t bias) {
     return static_cast<int16_t>((d0 * int16_t{19595} + d2 * int16_t{7471} + bias) >> 16);
 }
 
+/// The same for eight pixels.
+SE_INLINE vector128::Shorts LumaParts(vector128::Shorts d0, vector128::Shorts d2) {
+    using namespace vector128;
+    const auto weights = reinterpret_cast<Shorts>(Ints{} + (19595 | 7471 << 16));
+    const auto a = reinterpret_cast<Words>(d0);
+    const auto b = reinterpret_cast<Words>(d2);
+    return Pack(DotPairs(reinterpret_cast<Shorts>(InterleaveLow(a, b)), weights) >> 16,
+                DotPairs(reinterpret_cast<Shorts>(InterleaveHigh(a, b)), weights) >> 16);
+}
+
+/// The luma of 16 pixels, from their channels.
+SE_INLINE vector128::Bytes Luma16(vector128::Bytes c0, vector128::Bytes c1, vector128::Bytes c2) {
+    using namespace vector128;
+    const Bytes zero{};
+    const auto low0 = reinterpret_cast<Shorts>(InterleaveLow(c0, zero));
+    const auto low1 = reinterpret_cast<Shorts>(InterleaveLow(c1, zero));
+    const auto low2 = reinterpret_cast<Shorts>(InterleaveLow(c2, zero));
+    const auto high0 = reinterpret_cast<Shorts>(InterleaveHigh(c0, zero));
+    const auto high1 = reinterpret_cast<Shorts>(InterleaveHigh(c1, zero));
+    const auto high2 = reinterpret_cast<Shorts>(InterleaveHigh(c2, zero));
+    return Pack(low1 + LumaParts(low0 - low1, low2 - low1), high1 + LumaParts(high0 - high1, high2 - high1));
+}
+
 /// v * factor >> 16.
 SE_INLINE int16_t HighProduct(int16_t v, int16_t factor) {
     return static_cast<int16_t>((v * factor) >> 16);
@@ -344,13 +365,10 @@ SE_INLINE void RgbToYuv32Plain(const PackedRows& p, ptrdiff_t x) {
         alignas(16) uint8_t c[3][32];
         vector128::SplitPixels(src, c[0], c[1], c[2]);
         vector128::SplitPixels(src + 48, c[0] + 16, c[1] + 16, c[2] + 16);
-        alignas(16) uint8_t luma[32];
-        for (int i = 0; i < 32; ++i) {
-            const auto d0 = static_cast<int16_t>(c[0][i] - c[1][i]);
-            const auto d2 = static_cast<int16_t>(c[2][i] - c[1][i]);
-            luma[i] = static_cast<uint8_t>(c[1][i] + LumaPart(d0, d2, 0));
+        for (int i = 0; i < 32; i += 16) {
+            vector128::Store(p.luma[row] + x + i, Luma16(vector128::Load(c[0] + i), vector128::Load(c[1] + i),
+                                                         vector128::Load(c[2] + i)));
         }
-        std::memcpy(p.luma[row] + x, luma, 32);
         for (int channel = 0; channel < 3; ++channel) {
             AddPairs(c[channel], sums[channel]);
         }
