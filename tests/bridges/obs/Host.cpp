@@ -386,7 +386,7 @@ Camera::Camera(const char* settings)
       filter(nullptr, obs_source_release),
       probe(nullptr, obs_source_release) {
     obs_source_set_async_unbuffered(source.get(), true);
-    // OBS runs the first filter that is added first.
+    // The filter that is added first sees frames first.
     if (settings != nullptr) filter = AddFilter(source, kCameraFilter, settings);
     probe = AddFilter(source, "test_probe", "{}");
 }
@@ -402,7 +402,7 @@ bool Camera::Try(const Picture& picture, uint64_t time) {
     const obs_source_frame frame = picture.Frame(time);
     const int start = ticks;
     obs_source_output_video(source.get(), &frame);
-    // Two ticks begin: the filters have had the frame in the first of them at the latest.
+    // When the third tick has begun, the filters have had the frame in the second at the latest.
     EXPECT_TRUE(WaitUntil([&] { return hasArrived() || ticks > start + 2; }));
     return hasArrived();
 }
