@@ -238,17 +238,17 @@ check-windows:
 	tools/make_windows_zip.sh build/windows
 	$(call run_tests,windows,)
 
-## bench      times of every primitive and effect, as tables and in build/*.csv
+## bench      times of every primitive, effect and peer, in build/bench/*.csv and docs/performance.md; about five minutes
 bench:
 	@tools/setup.sh build check bench
 	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_BENCH=ON
 	cmake --build --preset release --target check_kernels bench_effects bench_opencv
-	$(RELEASE)/tests/check_kernels/check_kernels --bench --csv > build/kernels.csv
-	$(RELEASE)/bench/bench_opencv > build/opencv.csv
-	$(RELEASE)/bench/bench_effects --csv > build/effects.csv
-	tools/performance_table.sh build/kernels.csv
-	tools/performance_table.sh build/opencv.csv
-	tools/performance_table.sh build/effects.csv
+	mkdir -p build/bench
+	$(RELEASE)/tests/check_kernels/check_kernels --bench --csv > build/bench/kernels.csv
+	$(RELEASE)/bench/bench_opencv > build/bench/opencv.csv
+	$(RELEASE)/bench/bench_effects --csv > build/bench/effects.csv
+	bench/bench_peers.py $(RELEASE)/bench/bench_effects > build/bench/peers.md
+	tools/performance_page.sh build/bench docs/performance.md
 
 ## docs       a page for each effect with its picture and its time, after `make demo`
 docs: build

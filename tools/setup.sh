@@ -32,7 +32,7 @@ web-page     nodejs npm
 check-web-page chromium ffmpeg
 obs          libobs-dev
 check-obs    obs-studio ffmpeg xvfb xauth libx11-dev libgl1-mesa-dri libegl1
-bench        libopencv-dev
+bench        libopencv-dev python3 ffmpeg gstreamer1.0-tools gstreamer1.0-plugins-good
 lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
 '
 

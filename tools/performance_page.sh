@@ -1,0 +1,39 @@
+#!/bin/sh
+# Puts new times into docs/performance.md:
+#
+#   tools/performance_page.sh FOLDER PAGE
+#
+# The lines between <!-- NAME --> and <!-- end --> become the table of FOLDER/NAME.csv, or what FOLDER/NAME.md holds. The
+# lines of `machine` say what the times were measured on.
+set -eu
+folder=$1
+page=$2
+
+machine() {
+    model=$(lscpu | sed -n 's/^Model name: *//p' | head -n 1)
+    level=$(tools/performance_table.sh "$folder/kernels.csv" | awk -F'|' 'NR == 3 { gsub(/ /, "", $3); print $3 }')
+    echo "Measured on one thread of: $model, $(nproc) cores, GCC $(gcc -dumpfullversion), level $level, on $(date +%Y-%m-%d)."
+    echo "Times are medians of processor time."
+}
+
+for name in machine effects peers kernels opencv; do
+    grep -qx "<!-- $name -->" "$page" || { echo "$page has no place for $name" >&2; exit 1; }
+    if [ "$name" = machine ]; then
+        machine
+    elif [ -f "$folder/$name.md" ]; then
+        cat "$folder/$name.md"
+    else
+        tools/performance_table.sh "$folder/$name.csv"
+    fi > "$folder/$name.part"
+    awk -v start="<!-- $name -->" -v part="$folder/$name.part" '
+        $0 == "<!-- end -->" { skipping = 0 }
+        !skipping
+        $0 == start {
+            print ""
+            while ((getline line < part) > 0) print line
+            print ""
+            skipping = 1
+        }' "$page" > "$folder/page.part"
+    cat "$folder/page.part" > "$page"
+    rm "$folder/$name.part" "$folder/page.part"
+done
