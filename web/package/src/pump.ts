@@ -125,18 +125,14 @@ export class Pump {
   }
 }
 
-let channel: MessageChannel | null = null;
-const resolvers: (() => void)[] = [];
-
 /** Waits until what already waits on this thread has run. Not throttled, unlike timers. */
 function nextTask(): Promise<void> {
-  if (channel === null) {
-    channel = new MessageChannel();
-    channel.port1.onmessage = () => resolvers.shift()?.();
-  }
-  const { port2 } = channel;
+  const { port1, port2 } = new MessageChannel();
   return new Promise((resolve) => {
-    resolvers.push(resolve);
+    port1.onmessage = () => {
+      port1.close();
+      resolve();
+    };
     port2.postMessage(null);
   });
 }
