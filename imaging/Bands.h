@@ -96,11 +96,6 @@ class RowWindow {
 
     PlaneRows Rows() const { return {plane_.data, first_, plane_.width}; }
 
-    void Release() {
-        plane_.Release();
-        first_ = 0;
-    }
-
   private:
     CPlane8u plane_;
     int32_t kept_ = 0;
