@@ -4,9 +4,11 @@ PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
 RELEASE := build/release
 INSTALLED ?= build/installed.txt
+# Copies of the tree share what ccache keeps.
+export CCACHE_BASEDIR ?= $(CURDIR)
 
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web packages
 
 .PHONY: build arm64 windows install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
@@ -238,6 +240,11 @@ check-windows:
 	tools/make_windows_zip.sh build/windows
 	$(call run_tests,windows,)
 
+# The Debian packages in a bare Debian 12, and the tarball.
+check-packages:
+	@tools/setup.sh build gstreamer frei0r obs packages dist check-packages
+	tests/packages/check.sh
+
 ## bench      times of every primitive, effect and peer, in build/bench/*.csv and docs/performance.md; about five minutes
 bench:
 	@tools/setup.sh build check bench
@@ -258,17 +265,18 @@ docs: build
 	$(RELEASE)/tools/make_docs . $(RELEASE)/share/specialeffects build/demo build/effects.csv docs
 	cp build/demo/contact-sheet.jpg docs/images/contact-sheet.jpg
 
-## lint       clang-format, clang-tidy, cppcheck and shellcheck over the whole tree
+## lint       clang-format, clang-tidy, cppcheck, shellcheck and flake8 over the whole tree
 lint:
 	@tools/setup.sh build lint
 	cmake --preset clang -DSE_BUILD_TESTS=ON -DSE_BUILD_BENCH=ON
 	git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
 	git ls-files '*.sh' .ci/run | xargs shellcheck -x -P SCRIPTDIR
+	git ls-files '*.py' | xargs flake8
 	run-clang-tidy -quiet -p build/clang -j $(JOBS) "$(CURDIR)/.*" > build/clang-tidy.txt 2> /dev/null || \
 	    { grep -A3 'error:' build/clang-tidy.txt; false; }
 	cppcheck --std=c++20 --library=googletest --enable=warning,performance,portability --quiet -I . -j $(JOBS) \
 	    --suppressions-list=.cppcheck-suppressions --error-exitcode=1 \
-	    framework imaging effects facetrack host bridges tools bench tests
+	    framework imaging effects facetrack sfx host bridges tools bench tests
 
 ## clean      removes build/
 clean:

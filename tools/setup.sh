@@ -21,6 +21,7 @@ check-gstreamer gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugin
 check-gstreamer gir1.2-gstreamer-1.0 python3-gi pipewire wireplumber dbus
 dist         git
 packages     debhelper dh-python fakeroot lintian
+check-packages debootstrap
 python       python3 python3-numpy python3-pip python3-setuptools python3-wheel python3-pytest python3-opencv
 python       python3-matplotlib mypy
 demo         ffmpeg imagemagick
@@ -33,7 +34,7 @@ check-web-page chromium ffmpeg
 obs          libobs-dev
 check-obs    obs-studio ffmpeg xvfb xauth libx11-dev libgl1-mesa-dri libegl1
 bench        libopencv-dev python3 ffmpeg gstreamer1.0-tools gstreamer1.0-plugins-good
-lint         git clang clang-format clang-tidy cppcheck shellcheck libopencv-dev libgtest-dev
+lint         git clang clang-format clang-tidy cppcheck shellcheck flake8 libopencv-dev libgtest-dev
 '
 
 packages=""
