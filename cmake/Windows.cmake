@@ -10,6 +10,12 @@ if(SE_CASCADE_FOLDER)
     install(FILES ${cascade} DESTINATION ${CMAKE_INSTALL_DATADIR}/specialeffects)
 endif()
 
+# The licences of what is linked into the files, as Debian states them.
+foreach(package mingw-w64-x86-64-dev gcc-mingw-w64-x86-64-posix-runtime libstb-dev)
+    install(FILES /usr/share/doc/${package}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        RENAME ${package}.copyright.txt OPTIONAL)
+endforeach()
+
 find_program(SE_DLLTOOL llvm-dlltool)
 if(NOT SE_DLLTOOL)
     message(STATUS "The import libraries for Microsoft's compiler are not built: they need llvm-dlltool")
