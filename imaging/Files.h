@@ -1,7 +1,7 @@
 // Files, as far as effects and the library around them need them: the C library's streams, on regular files.
 //
-// All that depends on the operating system is in FilesPosix.cpp and FilesWindows.cpp. Paths are UTF-8. Nothing
-// here throws.
+// All that depends on the operating system is in FilesPosix.cpp and FilesWindows.cpp. Paths are UTF-8.
+// Nothing here throws.
 #ifndef SPECIALEFFECTS_IMAGING_FILES_H
 #define SPECIALEFFECTS_IMAGING_FILES_H
 

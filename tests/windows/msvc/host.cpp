@@ -55,8 +55,7 @@ class Owned {
 
 constexpr EffectGuid kLineArt = {
     0x6772F07B, 0xDE51, 0x4FA9, {0xA7, 0xC7, 0xDE, 0x64, 0x30, 0xF4, 0x37, 0xBF}};
-constexpr EffectGuid kClouds = {
-    0x7DB203B3, 0x4EC6, 0x497D, {0x95, 0x7F, 0x5A, 0x93, 0x8F, 0x6A, 0xAB, 0x76}};
+constexpr EffectGuid kClouds = {0x7DB203B3, 0x4EC6, 0x497D, {0x95, 0x7F, 0x5A, 0x93, 0x8F, 0x6A, 0xAB, 0x76}};
 
 // ---- the pairs of wide and narrow operations ----------------------------------------------------------
 
@@ -70,8 +69,8 @@ template <class Char>
 void ExpectRow(CSpecialEffectFilter& effect, const Char* wantedName, const Char* wantedDefault) {
     Char name[64] = {}, text[64] = {}, range[64] = {};
     CInternalInfo& info = *effect.GetInternalInfo();
-    Expect(info.GetPropTypeInfo(0, name, 64, text, 64, range, 64) == PropTypeSet::Color && Same(name, wantedName) &&
-               Same(text, wantedDefault) && range[0] == 0,
+    Expect(info.GetPropTypeInfo(0, name, 64, text, 64, range, 64) == PropTypeSet::Color &&
+               Same(name, wantedName) && Same(text, wantedDefault) && range[0] == 0,
            "GetPropTypeInfo");
     Expect(effect.GetPropTypeInfo(0, name, 64, text, 64, range, 64) == PropTypeSet::None,
            "GetPropTypeInfo of the effect");
@@ -142,8 +141,10 @@ void RunFrames(ISpecialEffectFactory& factory, const EffectGuid& id) {
         for (int i = 0; i < static_cast<int>(sizeof picture); ++i) {
             picture[i] = static_cast<uint8_t>(i * 7 + number * 31);
         }
-        ImageRecord image = {
-            kFormatPlanar, {picture, picture + kLuma, picture + kLuma + kChroma}, 0, {kLuma, kChroma, kChroma}};
+        ImageRecord image = {kFormatPlanar,
+                             {picture, picture + kLuma, picture + kLuma + kChroma},
+                             0,
+                             {kLuma, kChroma, kChroma}};
         FrameRecord frame = {{}, &image};
         Expect(effect->ProcessFrame(&frame) == kSuccess, "ProcessFrame", name);
     }
