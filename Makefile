@@ -178,6 +178,7 @@ check-python:
 
 ## web        libsfx for browsers and Node, the npm package and the page, in build/web
 .PHONY: web
+web serve check-web-%: export PATH := $(CURDIR)/build/node/bin:$(PATH)
 web:
 	@tools/setup.sh web
 	cmake --preset wasm
@@ -185,6 +186,7 @@ web:
 	cmake --preset wasm-baseline
 	cmake --build --preset wasm-baseline
 	@tools/setup.sh build web-page
+	@tools/setup_node.sh
 	cmake --preset release
 	cmake --build --preset release --target cascade
 	cd web/package && npm ci --no-audit --no-fund && \
