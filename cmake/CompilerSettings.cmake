@@ -62,7 +62,9 @@ endfunction()
 if(WASI)
     set(CMAKE_CXX_COMPILE_OPTIONS_PIC "")
     option(SE_WASM_SIMD "Use 128-bit vectors" ON)
-    add_compile_options($<$<BOOL:${SE_WASM_SIMD}>:-msimd128> $<$<COMPILE_LANGUAGE:CXX>:-fwasm-exceptions>
+    # The files are to be small, and unrolled loops are large.
+    add_compile_options(-fno-unroll-loops $<$<BOOL:${SE_WASM_SIMD}>:-msimd128>
+        $<$<COMPILE_LANGUAGE:CXX>:-fwasm-exceptions>
         "SHELL:-mllvm -wasm-use-legacy-eh" -Wno-deprecated)
     add_link_options(-Wno-deprecated)
 endif()
