@@ -20,26 +20,35 @@ SE_INLINE void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RES
 }
 
 /// The slot of the ring that each pixel of a block comes from, by its difference from the average. `now` is
-/// the slot of the present; delays longer than the ring wrap round it. Returns the set of slots, a bit for
-/// each.
-SE_INLINE uint32_t ChooseSlots(const uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT luma,
-                               uint8_t now, uint8_t* SE_RESTRICT slots, size_t count) {
-    uint32_t used = 0;
+/// the slot of the present; delays longer than the ring wrap round it. Returns whether a pixel has changed.
+SE_INLINE bool ChooseSlots(const uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT luma, uint8_t now,
+                           uint8_t* SE_RESTRICT slots, size_t count) {
+    uint8_t largest = 0;
     for (size_t i = 0; i < count; ++i) {
-        const auto difference =
-            static_cast<uint8_t>(std::max(average[i], luma[i]) - std::min(average[i], luma[i]));
+        const uint8_t a = average[i], b = luma[i];
+        const auto difference = static_cast<uint8_t>(a > b ? a - b : b - a);
         const auto slot = static_cast<uint8_t>(static_cast<uint8_t>(now - difference / 4) % 32);
-        const bool changed = difference > kStill;
-        slots[i] = changed ? slot : kPresent;
-        used |= changed ? 1U << slot : 0U;
+        slots[i] = difference > kStill ? slot : kPresent;
+        largest = std::max(largest, difference);
     }
-    return used;
+    return largest > kStill;
 }
 
-/// Replaces the pixels that come from `slot`.
+/// The set of slots of a block, a bit for each.
+uint32_t SetOf(const uint8_t* slots, size_t count) {
+    uint64_t set = 0;
+    for (size_t i = 0; i < count; ++i) set |= uint64_t{1} << slots[i] % 64;  // the present is bit 63
+    return static_cast<uint32_t>(set);
+}
+
+/// Replaces the pixels that come from `slot`. Reads all pixels of the past: a load under a condition would
+/// keep the compiler from vectorizing.
 SE_INLINE void TakeFrom(const uint8_t* SE_RESTRICT past, const uint8_t* SE_RESTRICT slots, uint8_t slot,
                         uint8_t* SE_RESTRICT pixels, size_t count) {
-    for (size_t i = 0; i < count; ++i) pixels[i] = slots[i] == slot ? past[i] : pixels[i];
+    for (size_t i = 0; i < count; ++i) {
+        const uint8_t then = past[i], present = pixels[i];
+        pixels[i] = slots[i] == slot ? then : present;
+    }
 }
 
 }  // namespace
@@ -93,8 +102,8 @@ void CTimeDistortionSpecialEffectFilter::ShowPast(const CPlane8u& average, const
     uint8_t slots[kBlock];
     for (size_t start = 0; start < luma.Size(); start += kBlock) {
         const size_t count = std::min(kBlock, luma.Size() - start);
-        uint32_t used = AtLevel<ChooseSlots>(average.data + start, luma.data + start, now, slots, count);
-        for (; used != 0; used &= used - 1) {
+        if (!AtLevel<ChooseSlots>(average.data + start, luma.data + start, now, slots, count)) continue;
+        for (uint32_t used = SetOf(slots, count); used != 0; used &= used - 1) {
             const auto slot = static_cast<size_t>(std::countr_zero(used));
             for (const auto& [pixels, history] : channels) {
                 AtLevel<TakeFrom>(history[slot].data + start, slots, static_cast<uint8_t>(slot),
