@@ -236,8 +236,8 @@ TEST(Median, EveryArrangementOfSmallAndLargeInSortedColumns) {
 }
 
 TEST(Median, ColumnsAreSortedWhateverTheirOrder) {
-    std::array<uint8_t, 5> order = {10, 20, 30, 40, 50};
-    std::vector<std::array<uint8_t, 5>> orders;
+    std::array<int32_t, 5> order = {10, 20, 30, 40, 50};
+    std::vector<std::array<int32_t, 5>> orders;
     do {
         orders.push_back(order);
     } while (std::ranges::next_permutation(order).found);
@@ -245,7 +245,8 @@ TEST(Median, ColumnsAreSortedWhateverTheirOrder) {
     Picture<uint8_t> src(width, 1, 2, 30);
     for (int32_t x = 0; x < width; ++x) {
         for (int32_t row = 0; row < 5; ++row) {
-            src.at(x, row - 2) = orders[static_cast<size_t>(x)][static_cast<size_t>(row)];
+            src.at(x, row - 2) =
+                static_cast<uint8_t>(orders[static_cast<size_t>(x)][static_cast<size_t>(row)]);
         }
     }
     Picture<uint8_t> dst(width, 1, 0);
