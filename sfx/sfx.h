@@ -275,8 +275,8 @@ SFX_API sfx_status sfx_set_defaults(sfx_effect* effect) SFX_NOEXCEPT;
 /*
  * Reads a settings file into every link that takes one: Line Art (three numbers: its background colour) and
  * Picture Me (a cascade of another object). SFX_ERROR_UNKNOWN: no link takes one. SFX_ERROR_FILE: it is no
- * regular file or cannot be read. All links take the file or, after an error, none does. (A file that is no
- * cascade makes the module say so on the standard error stream; faces are then not found.)
+ * regular file or cannot be read. All links take the file or, after an error, none does. (For a file that is
+ * not a cascade the module prints a line to the standard error stream, and finds no faces.)
  */
 SFX_API sfx_status sfx_load_settings(sfx_effect* effect, const char* path) SFX_NOEXCEPT;
 

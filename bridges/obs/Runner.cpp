@@ -173,7 +173,7 @@ void Runner::Report(sfx_status status, const sfx_picture& picture) {
          picture.height, sfx_message());
 }
 
-/// Says so where the effect takes longer than there is between two frames, for most of many frames.
+/// Logs a line when most of many frames take the effect longer than the frame interval.
 void Runner::NoteTime(int64_t time, const sfx_picture& picture) {
     const auto interval = static_cast<int64_t>(obs_get_frame_interval_ns());
     totalTime_ += time;

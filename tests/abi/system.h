@@ -13,7 +13,7 @@ void* find_symbol(void* library, const char* name);
 
 /*
  * Memory whose end is the end of readable memory: at least `size` bytes and one more. `usable` receives how
- * many it holds. Ends the program where there is none.
+ * many it holds. Ends the program if there is no such memory.
  */
 uint8_t* guarded_pages(size_t size, size_t* usable);
 void free_guarded_pages(uint8_t* base, size_t usable);

@@ -115,7 +115,7 @@ export class Library {
     this.#wasi.writeFile(`${DATA_FOLDER}/${name}`, bytes);
   }
 
-  /** The content of a data file, stored or made by an effect; null when there is none. */
+  /** The content of a data file, stored or made by an effect; null if the file does not exist. */
   readDataFile(name: string): Uint8Array<ArrayBuffer> | null {
     return this.#wasi.readFile(`${DATA_FOLDER}/${name}`);
   }

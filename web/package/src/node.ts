@@ -47,7 +47,7 @@ export interface NodeEffect {
   prepare(width: number, height: number): void;
   /** Forgets earlier pictures. */
   reset(): void;
-  /** A data file that an effect has made (`perlin.dat`), to be handed to another process; null when there is none. */
+  /** A data file that an effect has made (`perlin.dat`), to be handed to another process; null if it does not exist. */
   dataFile(name: string): Uint8Array | null;
   /** Frees its memory. It must not be used afterwards. */
   destroy(): void;

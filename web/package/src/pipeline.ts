@@ -1,4 +1,5 @@
-// One running processor: effects, and frames through them. Lives in the worker; in the window where there is none.
+// One running processor: effects, and frames through them. Lives in the worker, or in the
+// window of a page without workers.
 import type { Cascade } from './assets.js';
 import type { DataFiles } from './dataFiles.js';
 import { Engine, type Size } from './engine.js';

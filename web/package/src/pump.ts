@@ -1,5 +1,5 @@
 // Frames from where they come to where they go: processed, passed, or dropped, and counted. Runs in the worker, or in the
-// window where there is none.
+// window of a page without workers.
 import type { Engine } from './engine.js';
 import { FrameRate } from './frameRate.js';
 import type { Frame } from './frames.js';

@@ -36,7 +36,7 @@ export class Runtime {
     this.#dataFiles = dataFiles;
   }
 
-  /** The instance; null while there is none. */
+  /** The instance; null before the first start and after a trap. */
   get instance(): Instance | null {
     return this.#instance;
   }

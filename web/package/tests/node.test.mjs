@@ -209,7 +209,7 @@ const trap = new WebAssembly.Instance(
   ),
 ).exports.f;
 
-/** Lets instances made meanwhile trap in sfx_process when `isDue` says so. */
+/** Makes new instances trap in sfx_process whenever `isDue` returns true. */
 async function withTraps(isDue, use) {
   const { instantiate } = WebAssembly;
   WebAssembly.instantiate = async (...parameters) => {

@@ -12,8 +12,8 @@ const processors = new Map<string, ImageProcessor | null>();
 let setup: Setup;
 
 /**
- * The processor for a text, made when first asked for; null if there is none, or not yet: data files may take
- * seconds to come, which the others do not wait for. The longest unused make room.
+ * The processor for a text, made when first asked for; null if it cannot be made, or is not ready: data
+ * files may take seconds, and the other processors do not wait for them. The least recently used one is removed first.
  */
 async function processorFor(text: string): Promise<ImageProcessor | null> {
     if (!processors.has(text)) {
