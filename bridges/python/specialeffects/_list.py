@@ -85,7 +85,7 @@ class PresetInfo:
     title: str
     description: str
     effect: str
-    """The effect's text: "gray-scale+spot-light-1"."""
+    """The effect's text: "spot-light-2+gray-scale"."""
     is_user: bool
     """From a file of the user's."""
 

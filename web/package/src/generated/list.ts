@@ -2394,7 +2394,7 @@ export const presets: readonly PresetInfo[] = [
  {
   "id": "noir",
   "title": "Noir",
-  "description": "Black and white, with one round light on the face.",
+  "description": "Black and white, in a bright beam of light from above.",
   "effects": "spot-light-2+gray-scale"
  },
  {
