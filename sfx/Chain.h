@@ -10,7 +10,7 @@
 #include "sfx/Link.h"
 #include "sfx/WorkFrame.h"
 
-/// Operations throw Failure or std::bad_alloc, after which the effect can be used on.
+/// Operations throw Failure or std::bad_alloc, after which the effect stays usable.
 struct sfx_effect {
   public:
     explicit sfx_effect(std::vector<sfx::LinkText> texts);

@@ -1,4 +1,4 @@
-// The list of effects as libsfx tells of it, and the way from it to the module.
+// The list of effects that libsfx publishes, and the module's objects behind it.
 #ifndef SPECIALEFFECTS_SFX_EFFECTLIST_H
 #define SPECIALEFFECTS_SFX_EFFECTLIST_H
 

@@ -26,12 +26,12 @@ std::optional<std::string> ReadTextFile(const std::string& path);
 /// Makes a folder and those above it; false where that fails.
 bool MakeFolder(const std::string& path);
 
-/// The same place from wherever the current directory is later; an empty path stays empty.
+/// A path that keeps its meaning when the current directory changes; an empty path stays empty.
 std::string AbsolutePath(const std::string& path);
 
 std::string JoinPath(const std::string& folder, const std::string& name);
 
-/// The folder of this library; empty where it cannot be told.
+/// The folder of this library; empty where it is unknown.
 std::string LibraryFolder();
 
 /// Where data files can have been installed, beginning with the places next to this library.

@@ -9,7 +9,7 @@
 
 namespace sfx {
 
-/// An error on its way to the caller; its message has been told.
+/// An error on its way to the caller; its message is already stored.
 struct Failure {
     sfx_status status;
 };

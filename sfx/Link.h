@@ -44,10 +44,10 @@ class Link {
     bool TakesSettingsFile() const;
     /// A clone with the settings of a file, for effects that take one. Throws Failure where it is not one.
     Link CloneWithSettingsFile(const std::string& path) const;
-    /// Gives what runs the settings of such a clone. Throws like CloneWithSettingsFile, after which only Stop
-    /// makes it what it was.
+    /// Applies the settings of such a clone to the running object. Throws like CloneWithSettingsFile; the
+    /// object then has to be stopped.
     void LoadSettingsOf(const Link& clone);
-    /// The settings become those of a clone.
+    /// Takes over the settings of a clone.
     void AdoptSettings(Link&& clone) noexcept;
 
   private:

@@ -1,4 +1,4 @@
-// What sfx_message() tells: one text for each thread.
+// What sfx_message() returns: one text for each thread.
 #ifndef SPECIALEFFECTS_SFX_MESSAGE_H
 #define SPECIALEFFECTS_SFX_MESSAGE_H
 

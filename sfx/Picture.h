@@ -40,8 +40,7 @@ constexpr bool IsServedSize(int32_t width, int32_t height) {
     return width >= 1 && width <= SFX_MAX_SIDE && height >= 1 && height <= SFX_MAX_SIDE;
 }
 
-/// A caller's picture, checked, in whichever version of the structure. Rows of a plane follow from its first
-/// row and its stride, which is never 0.
+/// A caller's picture, checked. Rows of a plane follow from its first row and its stride, which is never 0.
 struct Picture {
     const FormatInfo* format;
     int32_t width, height;

@@ -141,7 +141,7 @@ class Reader {
     bool lenient_ = false;
     bool skips_ = false;  ///< to the next section
     int line_ = 0;
-    int where_ = 0;     ///< the line that a message tells
+    int where_ = 0;     ///< the line that a message names
     int effectAt_ = 0;  ///< the line of the present section's effect, or of its beginning
     std::optional<Preset> current_;
     std::vector<Preset> presets_;

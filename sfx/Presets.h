@@ -12,7 +12,7 @@ namespace sfx {
 /// The library's own copy of the file that ships with it.
 extern const char kShippedPresets[];
 
-/// Presets and where they are kept: once one has been given out it stays valid for ever. Functions may be
+/// Presets stay valid until the library is unloaded, even when a later file replaces them. Functions may be
 /// called from any thread.
 size_t PresetCount();
 const sfx_preset_info* PresetAt(size_t index);

@@ -89,7 +89,7 @@ SE_INLINE void MeanOfRowsLoop(const uint8_t* SE_RESTRICT row0, const uint8_t* SE
     }
 }
 
-/// Sum of the two bytes at an even place.
+/// Sum of two neighbouring bytes.
 SE_INLINE uint16_t PairSum(const uint8_t* bytes) {
     const auto pair = LoadWord<uint16_t>(bytes);
     return static_cast<uint16_t>((pair & 255) + (pair >> 8));

@@ -27,10 +27,10 @@ void MeanOfBlocks(const uint8_t* row0, const uint8_t* row1, uint8_t* mean, size_
 void RepeatBytes(const uint8_t* row, uint8_t* doubled, size_t count);
 
 /// The conversion between RGB and luma and chroma for one matrix and range, in fixed point. All factors are
-/// positive; what is subtracted is told by the name.
+/// positive; those with "Minus" in their names are subtracted.
 struct ColorWeights {
-    // Y = (R + G + B parts + bias) / 64, U = (B - R - G parts + bias) / 64, V = (R - G - B parts + bias)
-    // / 64.
+    // Y = (R + G + B parts + bias) / 64, U = (B - R - G parts + bias) / 64,
+    // V = (R - G - B parts + bias) / 64.
     uint16_t yRed, yGreen, yBlue;  ///< times 2^15
     uint16_t uBlue, uMinusRed, uMinusGreen;
     uint16_t vRed, vMinusGreen, vMinusBlue;

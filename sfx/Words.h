@@ -13,7 +13,7 @@ namespace sfx {
 
 /// Without blanks at its ends.
 std::string_view Trimmed(std::string_view text);
-/// Equal but for the case of ASCII letters.
+/// Equal except for the case of ASCII letters.
 bool SameText(std::string_view a, std::string_view b);
 /// Lower case, with blanks and underscores as dashes, without blanks at its ends.
 std::string DashedLower(std::string_view text);

@@ -62,8 +62,7 @@ class WorkFrame {
 
     Planes planes_{};
     bool ownLuma_ = false, ownChroma_ = false;
-    bool keepsChroma_ =
-        false;  ///< the picture's chroma holds more than `chroma_`: left alone where it can be
+    bool keepsChroma_ = false;  ///< the picture has more chroma samples than `chroma_`
     std::vector<uint8_t> luma_, chroma_, chromaBefore_, scratch_;
 };
 

@@ -17,7 +17,7 @@
  * the texts that it is given. A relative path means what it means at the time of the call.
  *
  * Status.  Operations return a sfx_status. Negative: an error, and nothing was done unless the description
- * says otherwise. 0: done. Positive: done, with something worth telling. After any result but 0,
+ * says otherwise. 0: done. Positive: done, with something worth reporting. After any result but 0,
  * sfx_message() describes it in a sentence. A null pointer where none is allowed is SFX_ERROR_ARGUMENT.
  *
  * Threads.  All functions may be called from any thread at any time, also for one effect: each effect has a
@@ -166,7 +166,7 @@ typedef struct sfx_preset_info {
     const char* id;          /* "noir" */
     const char* title;       /* for people: "Noir" */
     const char* description; /* one sentence */
-    const char* effect;      /* the effect's text: "gray-scale+spot-light-1" */
+    const char* effect;      /* the effect's text: "spot-light-2+gray-scale" */
     int32_t is_user;         /* 1: from a file of the user's */
 } sfx_preset_info;
 
@@ -181,8 +181,8 @@ typedef struct sfx_preset_info {
  *
  *     [noir]
  *     title = Noir
- *     description = A black and white film with hard light.
- *     effect = gray-scale+spot-light-1
+ *     description = Black and white, in a bright beam of light from above.
+ *     effect = spot-light-2+gray-scale
  *
  * Lines that begin with # or ; are comments. Ids have lower-case letters, digits and dashes. A preset's text
  * names no other presets.
@@ -192,8 +192,8 @@ SFX_API size_t sfx_preset_count(void) SFX_NOEXCEPT;
 SFX_API const sfx_preset_info* sfx_preset_at(size_t index) SFX_NOEXCEPT;
 
 /*
- * Adds the presets of a file. SFX_ERROR_FILE: it cannot be read. SFX_ERROR_VALUE: a line has another form,
- * or a preset's effect is not valid; the message names the line, and no preset was added.
+ * Adds the presets of a file of at most 16 MB. SFX_ERROR_FILE: it cannot be read. SFX_ERROR_VALUE: a line has
+ * another form, or a preset's effect is not valid; the message names the line, and no preset was added.
  */
 SFX_API sfx_status sfx_load_presets(const char* path) SFX_NOEXCEPT;
 
@@ -245,7 +245,7 @@ SFX_API int sfx_print(const sfx_effect* effect, char* buffer, size_t size) SFX_N
  * effects that means the first effect that has the property; "2.drop-size" means link 2, counted from 0.
  *
  * Settings survive changes of size and sfx_reset. A new value takes effect with the next frame.
- * SFX_ERROR_UNKNOWN: no such property (or choice). SFX_ERROR_VALUE: the text is no value of the property's
+ * SFX_ERROR_UNKNOWN: no such property (or choice). SFX_ERROR_VALUE: the text is not a value of the property's
  * type. SFX_CLAMPED: the nearest bound was set.
  */
 
@@ -274,9 +274,10 @@ SFX_API sfx_status sfx_set_defaults(sfx_effect* effect) SFX_NOEXCEPT;
 
 /*
  * Reads a settings file into every link that takes one: Line Art (three numbers: its background colour) and
- * Picture Me (a cascade of another object). SFX_ERROR_UNKNOWN: no link takes one. SFX_ERROR_FILE: it is no
- * regular file or cannot be read. All links take the file or, after an error, none does. (For a file that is
- * not a cascade the module prints a line to the standard error stream, and finds no faces.)
+ * Picture Me (a cascade of another object). SFX_ERROR_UNKNOWN: no link takes one. SFX_ERROR_FILE: it is not a
+ * regular file, is larger than 16 MB or cannot be read. All links take the file or, after an error, none
+ * does. (For a file that is not a cascade the module prints a line to the standard error stream, and finds no
+ * faces.)
  */
 SFX_API sfx_status sfx_load_settings(sfx_effect* effect, const char* path) SFX_NOEXCEPT;
 
@@ -302,8 +303,8 @@ SFX_API sfx_status sfx_set_data_folder(sfx_effect* effect, const char* folder) S
 /* ---- pictures ----------------------------------------------------------------------------------------- */
 
 typedef enum sfx_format {
-    /* Planar YUV. Chroma planes are (width + 1) / 2 wide but in I444, (height + 1) / 2 high in the first
-       four. */
+    /* Planar YUV. Chroma planes are (width + 1) / 2 wide except in I444, and (height + 1) / 2 high in the
+       first four. */
     SFX_I420 = 0, /* planes Y, U, V */
     SFX_YV12 = 1, /* planes Y, V, U */
     SFX_NV12 = 2, /* planes Y, then U and V by turns */
@@ -398,7 +399,7 @@ SFX_API size_t sfx_picture_layout(sfx_picture* picture, int32_t format, int32_t 
  *     green and blue of each pixel, so that detail of colour is kept, and a pixel whose luma is unchanged
  *     stays as it is; otherwise pixels are computed from luma and chroma.
  *
- * SFX_DATA_MISSING: done; told once after each configuration. SFX_ERROR_PICTURE: the picture is refused.
+ * SFX_DATA_MISSING: done; reported once after each configuration. SFX_ERROR_PICTURE: the picture is refused.
  * SFX_ERROR_MEMORY, SFX_ERROR_FAILED: no link, or only some of them, changed the picture.
  */
 SFX_API sfx_status sfx_process(sfx_effect* effect, const sfx_picture* picture, int64_t time) SFX_NOEXCEPT;
