@@ -1,7 +1,7 @@
 // `apply`: frames from an input through a chain of effects to an output.
 #include <unistd.h>
-#include <algorithm>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -20,7 +20,7 @@ namespace {
 
 constexpr int64_t kNoLimit = std::numeric_limits<int64_t>::max();
 
-// What a file gets from an input without end when nobody says how much.
+// How much of an endless input goes into a file when no option limits it.
 constexpr double kSecondsOfEndlessInput = 10;
 
 void CheckOptions(const ApplyOptions& options, OutputKind output) {
@@ -76,7 +76,7 @@ PipelineLimits LimitsOf(const ApplyOptions& options, OutputKind output, const St
     return limits;
 }
 
-// 0 when nobody knows.
+// 0 when unknown.
 int64_t ExpectedFrames(const PipelineLimits& limits, const StreamInfo& stream) {
     int64_t expected = stream.frameCount > 0 ? stream.frameCount : kNoLimit;
     expected = std::min(expected, limits.frames);
@@ -114,7 +114,7 @@ void CheckComplete(const ApplyOptions& options, const StreamInfo& stream, Output
     }
 }
 
-// A still picture shows little of an effect that lives on what came before.
+// A still picture shows little of an effect that depends on earlier frames.
 void TellOfMemory(const ApplyOptions& options, const EffectChain& chain, OutputKind output,
                   const StreamInfo& stream, const Notes& notes) {
     if (output != OutputKind::Picture || stream.kind != InputKind::Picture || options.frame) return;

@@ -14,7 +14,7 @@ namespace host {
 struct CameraMode {
     std::string format;  ///< as --camera-format takes it: "yuyv422", "mjpeg"
     Size size;
-    std::vector<double> rates;  ///< frames a second, empty when the driver does not tell
+    std::vector<double> rates;  ///< frames a second; empty when the driver does not list them
 };
 
 struct CameraDescription {
@@ -30,7 +30,7 @@ std::vector<CameraDescription> ListCameras();
 /// after a failure. Throws Failure with advice.
 void OpenCamera(AVFormatContext** context, const std::string& device, const InputOptions& options);
 
-/// What to do about a device of V4L2 that cannot be opened; begins with a semicolon, or is empty.
+/// Advice for a V4L2 device that cannot be opened; begins with a semicolon, or is empty.
 std::string CameraAdvice(const std::string& device, int error);
 
 }  // namespace host

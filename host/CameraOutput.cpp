@@ -51,7 +51,7 @@ void CameraOutput::WaitFor(int64_t time) {
 
 void CameraOutput::Write(Frame frame) {
     if (stream_.kind != InputKind::Live) WaitFor(frame.Time());
-    // Nothing beside the pictures tells the reader of their range.
+    // The device does not carry the range: readers assume the limited one.
     if (IsFullRange(frame.Picture())) {
         Frame limited(frame.Width(), frame.Height());
         limited.SetTime(frame.Time());

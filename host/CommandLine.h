@@ -1,4 +1,4 @@
-// The command line, read.
+// Reads the command line.
 #ifndef SPECIALEFFECTS_HOST_COMMANDLINE_H
 #define SPECIALEFFECTS_HOST_COMMANDLINE_H
 

@@ -1,4 +1,4 @@
-// What the program can do, and what each command is told.
+// The program's commands, and the options of each.
 #ifndef SPECIALEFFECTS_HOST_COMMANDS_H
 #define SPECIALEFFECTS_HOST_COMMANDS_H
 

@@ -10,8 +10,8 @@ namespace host {
 /// rate that is nearest to its own.
 class ConstantRate : public VideoOutput {
   public:
-    /// `output` gets times in units of 1/`rate`. `notes` is told of the first change; null when the rate is
-    /// what the user asked for.
+    /// `output` gets times in units of 1/`rate`. `notes` gets a note on the first frame that is repeated or
+    /// left out; null when the rate is what the user asked for.
     ConstantRate(std::unique_ptr<VideoOutput> output, AVRational timeBase, AVRational rate,
                  const Notes* notes);
 

@@ -21,7 +21,7 @@ const sfx_effect_info& RequireEffect(const std::string& name);
 /// Effects, one after the other, on every frame.
 class EffectChain {
   public:
-    /// Creates the effects that the texts of `-e` ask for. A value that is out of range is told in a note.
+    /// Creates the effects that the texts of `-e` ask for. Adds a note for a value that is out of range.
     /// Throws UsageError.
     EffectChain(const std::vector<std::string>& texts, const Notes& notes);
 
@@ -31,7 +31,7 @@ class EffectChain {
     /// Throws UsageError when no effect takes settings, and Failure when the file cannot be read.
     void LoadSettings(const std::string& file);
 
-    /// Makes everything ready for frames of one size. A data file that is missing is told in a note.
+    /// Makes everything ready for frames of one size. Adds a note for a data file that is missing.
     void Prepare(int width, int height);
 
     /// Changes the frame in place. Its time is in units of `timeBase`.

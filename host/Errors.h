@@ -41,8 +41,8 @@ std::string SystemText(int error);
 /// Prints the line that ends a failed run.
 void PrintError(const std::string& text);
 
-/// Remarks that a person should see and a script may do without: one line each on standard error, none at
-/// all when quiet. Clears a progress bar that stands in the line.
+/// Remarks that a person should see and a script can ignore: one line each on standard error, none when
+/// quiet. Clears a progress bar that stands in the line.
 class Notes {
   public:
     explicit Notes(bool quiet) : quiet_(quiet) {}

@@ -8,7 +8,7 @@ namespace host {
 
 class HandHeld : public VideoInput {
   public:
-    /// Frames have the picture's size unless the options say other.
+    /// Frames have the picture's size unless the options set another.
     HandHeld(const std::string& file, const InputOptions& options, const Notes& notes);
 
     /// Frame n is the same in every run.

@@ -116,7 +116,7 @@ void SetUpSignals() {
     sigaction(SIGTERM, &action, nullptr);
     struct sigaction hangUp {};
     sigaction(SIGHUP, nullptr, &hangUp);
-    if (hangUp.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);  // else nohup wants it so
+    if (hangUp.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);  // nohup ignores it
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }

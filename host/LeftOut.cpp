@@ -11,7 +11,7 @@
 namespace host {
 namespace {
 
-// Tags that a muxer writes about its own file, and what cameras state of a turn that has been made.
+// Tags that a muxer writes about its own file, and the camera's rotation, which has been applied.
 constexpr std::string_view kTagsOfFiles[] = {
     "encoder", "major_brand", "minor_version",    "compatible_brands", "duration",     "creation_time",
     "bps",     "rotate",      "number_of_frames", "number_of_bytes",   "handler_name", "vendor_id",

@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// Counts what is left out, and tells it in one note.
+/// Counts what is left out, and lists it in one note.
 class LeftOut {
   public:
     /// All that is in the input's container but the video.
@@ -18,7 +18,7 @@ class LeftOut {
     void AddChapters(unsigned count) { chapters_ += count; }
     void AddTags() { tags_ = true; }
 
-    /// "left out, since gif does not take it: 2 tracks of sound, 1 chapter". Nothing when there is nothing.
+    /// "left out, .gif does not take it: 2 tracks of sound, 1 chapter". No note when nothing was counted.
     void Tell(const Notes& notes, std::string_view output) const;
 
   private:
@@ -29,7 +29,7 @@ class LeftOut {
     bool tags_ = false;
 };
 
-/// Whether a tag says something of the work rather than of the file that held it.
+/// Whether a tag describes the work rather than the file that held it.
 bool IsTagOfWork(std::string_view key);
 bool HasTagsOfWork(const AVDictionary* tags);
 

@@ -11,8 +11,8 @@ namespace host {
 
 class MediaOutput : public VideoOutput {
   public:
-    /// Carries the other streams, chapters and tags of `input` along; what the container does not take is
-    /// told in a note. `stream` describes the frames that come, which need not be those of the input.
+    /// Carries the other streams, chapters and tags of `input` along; a note lists what the container does
+    /// not take. `stream` describes the frames that come, which need not be those of the input.
     MediaOutput(const std::string& path, const StreamInfo& stream, const VideoInput& input,
                 const OutputOptions& options, const Notes& notes);
 

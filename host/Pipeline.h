@@ -24,8 +24,9 @@ struct PipelineOutcome {
     bool inputEnded = false;  ///< rather than a limit having been reached, or an interruption
 };
 
-/// Runs until the input ends, a limit is reached or the program is interrupted. `progress` is told the number
-/// of frames after each. Does not finish the output. Throws what the input, the effects or the output throw.
+/// Runs until the input ends, a limit is reached or the program is interrupted. Calls `progress` with the
+/// number of frames after each one. Does not finish the output. Throws what the input, the effects or the
+/// output throw.
 PipelineOutcome RunPipeline(VideoInput& input, EffectChain& chain, VideoOutput& output,
                             const PipelineLimits& limits, const std::function<void(int64_t)>& progress);
 

@@ -10,7 +10,7 @@ namespace host {
 
 class Progress {
   public:
-    /// `total` is 0 when nobody knows. Nothing is shown when quiet or when standard error is no terminal.
+    /// `total` is 0 when unknown. Nothing is shown when quiet or when standard error is not a terminal.
     Progress(int64_t total, bool quiet);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;

@@ -11,10 +11,10 @@
 
 namespace host {
 
-/// The reader at the other end of the pipe has had enough. No failure: it is how watching ends.
+/// The reader at the other end of the pipe has closed it. Not a failure: it is how watching ends.
 class ReaderGone : public std::exception {};
 
-/// Writes all of it. Throws ReaderGone, or Failure, for one when the disk is full.
+/// Writes all of it. Throws ReaderGone, or Failure, for example when the disk is full.
 void WriteStandardOutput(const void* bytes, size_t size);
 
 /// The same for a line or more of text.

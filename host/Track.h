@@ -23,7 +23,7 @@ class Track {
 };
 
 /// Adds a stream to the muxer that carries on the input's. Null when the container has no place for it.
-/// Throws UsageError when the user asks for what cannot be.
+/// Throws UsageError when the container does not take the sound that the user asks for.
 std::unique_ptr<Track> MakeTrack(const AVStream& input, Muxer& muxer, Sound sound);
 
 /// Hands packets on as they are.

@@ -37,7 +37,7 @@ struct OutputOptions {
     bool onePicture = false;  ///< a name with %03d in it is that of one picture
 };
 
-/// By the name alone. Throws UsageError for a name that says nothing of the kind.
+/// By the name alone. Throws UsageError for a name of no known kind.
 OutputKind KindOfOutput(const std::string& name, bool onePicture);
 
 /// Whether the output can have odd sides.
