@@ -150,7 +150,7 @@ std::string CameraAdvice(const std::string& device, int error) {
             return fmt::format("; \"specialeffects cameras\" lists the formats, sizes and rates of {}",
                                device);
         case ENOTTY:
-            return "; it is no V4L2 device";
+            return "; it is not a V4L2 device";
         default:
             return {};
     }

@@ -68,7 +68,7 @@ void AddCommon(CLI::App& command, bool& quiet) {
 
 void AddList(CLI::App& app, ListOptions& options) {
     CLI::App& command = *app.add_subcommand("list", "Show the effects, by kind, and the presets");
-    command.add_flag("--all", options.all, "Also show what hosts of the module are shown besides");
+    command.add_flag("--all", options.all, "Also show entries that only hosts of the module see");
     command.add_flag("--presets", options.presets, "Show the presets alone");
     command.add_flag("--json", options.json, "Write JSON");
     AddCommon(command, options.quiet);
@@ -206,7 +206,7 @@ UsageError NoEffect() {
         const std::string wrong =
             words.empty() ? "a command is missing" : fmt::format("there is no command \"{}\"", words.front());
         throw UsageError(
-            "{}; there are list, info, apply, bench, cameras and help, and \"specialeffects help\" tells "
+            "{}; there are list, info, apply, bench, cameras and help, and \"specialeffects help\" says "
             "more",
             wrong);
     }
@@ -214,7 +214,7 @@ UsageError NoEffect() {
     // Without -e the effect's name is easily given as INPUT, and then there is one word too many.
     if (command.get_name() == "apply" && command.count("-e") == 0 && command.remaining_size() > 0)
         throw NoEffect();
-    throw UsageError("{}; \"specialeffects help {}\" tells more", error.what(), command.get_name());
+    throw UsageError("{}; \"specialeffects help {}\" says more", error.what(), command.get_name());
 }
 
 }  // namespace
@@ -226,7 +226,7 @@ Size ParseSize(std::string_view text) {
     const bool hasHeight = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
     const auto height = hasHeight ? std::from_chars(width.ptr + 1, end, size.height) : width;
     if (!hasHeight || height.ec != std::errc() || height.ptr != end) {
-        throw UsageError("\"{}\" is no size; it is written as 640x480", text);
+        throw UsageError("\"{}\" is not a size; it is written as 640x480", text);
     }
     if (size.width < 2 || size.height < 2 || size.width > kLargestSide || size.height > kLargestSide) {
         throw UsageError("the size {} is out of range; sides go from 2 to {}", text, kLargestSide);
@@ -241,7 +241,7 @@ AVRational ParseRate(std::string_view text) {
     const bool valid =
         av_parse_ratio(&rate, std::string(text).c_str(), kLargestPart, AV_LOG_QUIET, nullptr) >= 0;
     if (!valid || rate.num <= 0 || rate.den <= 0 || av_q2d(rate) > kHighest) {
-        throw UsageError("\"{}\" is no frame rate; it is written as 30, 29.97 or 30000/1001", text);
+        throw UsageError("\"{}\" is not a frame rate; it is written as 30, 29.97 or 30000/1001", text);
     }
     return rate;
 }
@@ -252,7 +252,7 @@ double ParseSeconds(std::string_view text) {
     const bool valid = av_parse_time(&microseconds, std::string(text).c_str(), 1) >= 0;
     const double seconds = static_cast<double>(microseconds) / AV_TIME_BASE;
     if (!valid || seconds < 0 || seconds > kMost) {
-        throw UsageError("\"{}\" is no time; it is written as 90, 1:30 or 0:01:30.5", text);
+        throw UsageError("\"{}\" is not a time; it is written as 90, 1:30 or 0:01:30.5", text);
     }
     return seconds;
 }
@@ -305,7 +305,7 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     if (!texts.sound.empty()) apply.to.sound = ParseSound(texts.sound);
     if (!texts.duration.empty()) {
         apply.duration = ParseSeconds(texts.duration);
-        if (*apply.duration <= 0) throw UsageError("--duration has to be more than nothing");
+        if (*apply.duration <= 0) throw UsageError("--duration has to be more than 0");
     }
 
     apply.quiet |= quiet;

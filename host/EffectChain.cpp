@@ -55,7 +55,7 @@ void EffectChain::SetSeed(uint32_t seed) {
 
 void EffectChain::SetDataFolder(const std::string& folder) {
     std::error_code error;
-    if (!std::filesystem::is_directory(folder, error)) throw UsageError("{} is no directory", folder);
+    if (!std::filesystem::is_directory(folder, error)) throw UsageError("{} is not a directory", folder);
     Check(sfx_set_data_folder(effect_.get(), folder.c_str()), "");
 }
 

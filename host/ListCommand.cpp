@@ -15,8 +15,8 @@
 namespace host {
 namespace {
 
-// Rows that hosts of the module's own contract are shown beside the effects: one effect a second time, and
-// one that nobody can create.
+// Entries that only hosts of the module's own contract see: one effect a second time, and one that cannot be
+// created.
 struct ContractRow {
     const char* guid;
     const char* id;  // of the effect that it repeats, or null
@@ -78,7 +78,7 @@ void PrintWords(bool all) {
     if (sfx_preset_count() > 0) PrintHeading("presets");
     PrintPresets(false);
     if (!all) return;
-    PrintHeading("listed besides");
+    PrintHeading("listed for hosts of the module");
     for (const ContractRow& row : kContractRows) {
         Print("  {}  {}\n", row.guid,
               row.id != nullptr ? fmt::format("{} once more", row.id) : "cannot be created");

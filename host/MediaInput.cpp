@@ -76,7 +76,7 @@ void MediaInput::OpenDecoder() {
     if (result >= 0) result = avcodec_open2(decoder_.get(), codec, nullptr);
     if (result < 0) throw Failure("cannot decode {}: {}", source_.Name(), LibavText(result));
     if (container.start_time != AV_NOPTS_VALUE) origin_ = container.start_time;
-    // Before 0 lies what a decoder of sound needs and nobody hears, unless the video begins there.
+    // Before 0 lies the priming of a sound decoder, which is not played, unless the video begins there.
     const AVStream& video = VideoStream();
     if (origin_ < 0 && video.start_time != AV_NOPTS_VALUE) {
         const int64_t start = av_rescale_q(video.start_time, video.time_base, av_get_time_base_q());
@@ -103,7 +103,7 @@ void MediaInput::Describe(const InputOptions& options, const Notes& notes) {
     const AVStream& stream = VideoStream();
     stream_.timeBase = stream.time_base;
     if (IsStillPicture()) stream_.kind = InputKind::Picture;
-    // Only a decoded picture tells all: its colour, and how the photographer held the camera.
+    // Only a decoded picture has all of it: its colour, and how the camera was held.
     if (!DecodeNext()) {
         if (Interrupted()) throw Failure("interrupted before the first frame");
         if (hasSkipped_) throw UsageError("{} ends before {} seconds", source_.Name(), options.start);
@@ -163,7 +163,7 @@ std::optional<InputItem> MediaInput::Next() {
             framesEnded_ = true;
             continue;
         }
-        // What follows the last frame is wanted to its end; before an end that was set only what is due.
+        // After the last frame all packets are due; after EndAt only those before the end that it set.
         if (packets_.empty() || ended_) {
             if (!ReadPacket()) {
                 std::erase_if(packets_, [this](const PacketPtr& packet) { return !IsDue(*packet); });
@@ -221,8 +221,8 @@ bool MediaInput::ReadPacket() {
         if (result == AVERROR(EAGAIN)) continue;
         if (result < 0) {
             inputEnded_ = true;
-            const bool told = Interrupted() || cancelled_;
-            if (result != AVERROR_EOF && !told) readError_ = LibavText(result);
+            const bool stopped = Interrupted() || cancelled_;
+            if (result != AVERROR_EOF && !stopped) readError_ = LibavText(result);
             continue;
         }
         const AVStream& stream = *container.streams[packet_->stream_index];

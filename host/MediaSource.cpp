@@ -101,7 +101,7 @@ void MediaSource::Open(const std::string& url, const AVInputFormat* format, Dict
     if (result < 0) {
         if (Interrupted()) throw Failure("interrupted while {} was opened", name_);
         if (result == AVERROR_INVALIDDATA || result == AVERROR_EOF || result == AVERROR(EINVAL)) {
-            throw Failure("{} is no video or picture that can be read, or is cut short", name_);
+            throw Failure("{} is not a video or picture that can be read, or is cut short", name_);
         }
         throw Failure("cannot open {}: {}", name_, LibavText(result));
     }

@@ -220,7 +220,7 @@ void VideoEncoder::Write(Frame frame) {
             converted->pts = lastTime_;
             palette_->Send(converted.get());
             converted = palette_->Receive();
-            if (!converted) throw Failure("a picture finds no palette");
+            if (!converted) throw Failure("no palette can be made for a picture");
         }
     }
     AVFrame& picture = converted ? *converted : frame.Picture();

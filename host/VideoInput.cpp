@@ -65,7 +65,7 @@ bool IsSequenceInput(const std::string& path) {
 std::string SequenceMember(const std::string& path, int64_t number) {
     char name[4096];
     if (av_get_frame_filename(name, sizeof name, path.c_str(), static_cast<int>(number)) != 0) {
-        throw Failure("\"{}\" is no name of a sequence", path);
+        throw Failure("\"{}\" is not the name of a sequence", path);
     }
     return name;
 }

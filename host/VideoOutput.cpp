@@ -54,9 +54,8 @@ OutputKind KindOfOutput(const std::string& name, bool onePicture) {
     }
     if (FindContainer(name) != nullptr || IsY4mName(name)) return OutputKind::Video;
     throw UsageError(
-        "{} is no output: take a name ending in .mp4, .mov, .mkv, .webm, .avi, .ts, .gif, .apng, .webp, "
-        ".y4m, "
-        ".png or .jpg, or /dev/videoN, or -",
+        "{} is not an output: take a name ending in .mp4, .mov, .mkv, .webm, .avi, .ts, .gif, .apng, .webp, "
+        ".y4m, .png or .jpg, or /dev/videoN, or -",
         name);
 }
 

@@ -21,8 +21,8 @@ constexpr AVRational kMilliseconds{1, 1000};
 constexpr int64_t kDefaultDuration = 100;
 constexpr int kRgbaBytes = 4;
 
-// The decoder wants the whole file and holds three pictures of the canvas: these bound its memory to about 2
-// GB.
+// The decoder needs the whole file and holds three pictures of the canvas: these limits bound its memory to
+// about 2 GB.
 constexpr uintmax_t kMostBytes = uintmax_t{1} << 30;
 constexpr int64_t kMostPixels = int64_t{1} << 26;
 
@@ -86,7 +86,7 @@ void WebpAnimation::Open() {
     WebPAnimInfo info{};
     decoder_.reset(canvas ? WebPAnimDecoderNew(&data, nullptr) : nullptr);
     if (!decoder_ || WebPAnimDecoderGetInfo(decoder_.get(), &info) == 0 || info.frame_count == 0) {
-        throw Failure("{} is no animated WebP that can be read, or is cut short", path_);
+        throw Failure("{} is not an animated WebP that can be read, or is cut short", path_);
     }
     canvas_ = {static_cast<int>(info.canvas_width), static_cast<int>(info.canvas_height)};
     count_ = static_cast<int>(info.frame_count);
@@ -107,8 +107,7 @@ AVRational WebpAnimation::AverageRate() const {
     const int frames = std::min(count_, kEnough);
     int64_t total = 0;
     for (int i = 0; i < frames; ++i) total += Duration(i);
-    // The file's times are whole milliseconds. A whole rate that they can come from is the one that was
-    // meant.
+    // The file's times are whole milliseconds. Where they fit a whole rate, that is the rate.
     const int64_t whole = (int64_t{frames} * kMilliseconds.den + total / 2) / total;
     if (whole > 0 && std::abs(int64_t{frames} * kMilliseconds.den - total * whole) <= whole) {
         return {static_cast<int>(whole), 1};

@@ -30,7 +30,7 @@ struct Destroy {
 };
 using Effect = std::unique_ptr<sfx_effect, Destroy>;
 
-/// Throws for an error of the library; tells of what it only mentions.
+/// Throws for an error of the library; prints its notes.
 void Check(sfx_status status) {
     if (status < 0) throw std::runtime_error(sfx_message());
     if (status > 0) std::fprintf(stderr, "specialeffects: %s\n", sfx_message());

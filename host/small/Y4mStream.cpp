@@ -28,7 +28,7 @@ bool ReadLine(std::FILE* file, std::string& line) {
 Y4mReader::Y4mReader(const std::string& path) : path_(path), file_(Open(path, "rb")) {
     constexpr int kLargestSide = 16384;
     if (!ReadLine(file_.get(), header_) || !header_.starts_with("YUV4MPEG2 ")) {
-        throw std::runtime_error(path + ": no .y4m stream");
+        throw std::runtime_error(path + ": not a .y4m stream");
     }
     std::istringstream words(header_);
     std::string word;

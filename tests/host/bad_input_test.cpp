@@ -54,7 +54,7 @@ TEST_F(BadInputTest, TextFile) {
         ExpectInputError(name, name + " ");
     }
     ExpectError(Run({"apply", "-e", "sepia", "-", "out.mp4"}, {.input = Path("text.txt")}), 1,
-                "standard input is no video");
+                "standard input is not a video");
 }
 
 TEST_F(BadInputTest, BrokenPictures) {
@@ -101,7 +101,7 @@ TEST_F(BadInputTest, VideoCutShort) {
     EXPECT_NE(withSound.error.find("note: cut.mkv: cut short, 1."), std::string::npos) << withSound.error;
     // The index of this one stood at its end.
     std::filesystem::remove(Path("out.mp4"));
-    ExpectInputError("cut.mp4", "cut.mp4 is no video or picture that can be read, or is cut short");
+    ExpectInputError("cut.mp4", "cut.mp4 is not a video or picture that can be read, or is cut short");
 
     // With the index in front, as this program writes it, frames are missing.
     ExpectSuccess(Run({"apply", "-y", "-e", "sepia", "in.mkv", "front.mp4"}));
@@ -147,7 +147,7 @@ TEST_F(BadInputTest, UnwritableOutput) {
 
 TEST_F(BadInputTest, UnknownKindOfOutput) {
     for (const std::string name : {"out", "out.xyz", ".", "folder/"}) {
-        ExpectOutputError(name, 2, name + " is no output: take a name ending in .mp4");
+        ExpectOutputError(name, 2, name + " is not an output: take a name ending in .mp4");
     }
 }
 
@@ -300,7 +300,7 @@ TEST_F(BadInputTest, Settings) {
     ExpectError(Run({"apply", "-e", "sepia", "test:", "out.mp4", "--settings", "settings.txt"}), 2,
                 "no effect of the chain takes a settings file");
     ExpectError(Run({"apply", "-e", "sepia", "test:", "out.mp4", "--data", "nowhere"}), 2,
-                "nowhere is no directory");
+                "nowhere is not a directory");
 }
 
 // ---- the command line ----
@@ -316,7 +316,7 @@ TEST_F(BadInputTest, OptionsThatDoNotGoTogether) {
     ExpectError(Run({"apply", "-e", "sepia", "still:in.mkv", "out.mp4"}), 1,
                 "in.mkv is a video; still: takes a picture");
     ExpectError(Run({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--size", "huge"}), 2,
-                "\"huge\" is no size; it is written as 640x480");
+                "\"huge\" is not a size; it is written as 640x480");
     ExpectError(Run({"apply", "-e", "sepia", "in.mkv", "out.mp4", "--size", "20000x20"}), 2,
                 "out of range; sides go from 2 to 16384");
     for (const std::string number : {"0", "-3", "2.5", "many", "99999999999999999999"}) {

@@ -233,7 +233,7 @@ TEST_F(ContainerTest, StartAndDurationCutExactly) {
     EXPECT_NEAR(sound.firstSecond, 0, 0.03);
     EXPECT_LT(sound.lastSecond, 1);
     ExpectError(Shell("$P apply -e gray-scale in.mp4 x.mkv --start 9"), 2, "in.mp4 ends before 9 seconds");
-    ExpectError(Shell("$P apply -e gray-scale in.mp4 x.mkv --start soon"), 2, "\"soon\" is no time");
+    ExpectError(Shell("$P apply -e gray-scale in.mp4 x.mkv --start soon"), 2, "\"soon\" is not a time");
     ExpectError(Shell("$P apply -e gray-scale in.mp4 x.mkv --duration 0"), 2, "--duration has to be more");
     ExpectError(Shell("$P apply -e gray-scale test: x.mkv --start 1"), 2, "--start does not go with test:");
 }
@@ -247,7 +247,7 @@ TEST_F(ContainerTest, RateCanBeChanged) {
     EXPECT_EQ(Apply("test: scene.mp4 --fps 12.5 --duration 2"), "");
     EXPECT_EQ(CountFrames("scene.mp4"), 25);
     for (const std::string rate : {"0", "fast", "-3", "1/0", "100000"}) {
-        ExpectError(Shell("$P apply -e gray-scale in.mp4 x.mkv --fps " + rate), 2, "is no frame rate");
+        ExpectError(Shell("$P apply -e gray-scale in.mp4 x.mkv --fps " + rate), 2, "is not a frame rate");
     }
 }
 

@@ -119,7 +119,7 @@ TEST_F(WebpTest, CutShortAndDamaged) {
     const std::string whole = Read("in.webp");
     for (const size_t size : {size_t{31}, whole.size() / 2, whole.size() - 9}) {
         Write("cut.webp", whole.substr(0, size));
-        ExpectWebpError("cut.webp", "cut.webp is no animated WebP that can be read, or is cut short");
+        ExpectWebpError("cut.webp", "cut.webp is not an animated WebP that can be read, or is cut short");
     }
     std::string damaged = whole;
     const size_t frame = damaged.find("VP8L", damaged.size() / 2) + 16;

@@ -65,7 +65,7 @@ export async function openFile(file: File): Promise<Source> {
         return file.type.startsWith("image/") ? await openPicture(url, free) : await openVideo(url, free);
     } catch {
         free();
-        throw new Error(`“${file.name}” is no video or picture that this browser can show.`);
+        throw new Error(`“${file.name}” is not a video or picture that this browser can show.`);
     }
 }
 
