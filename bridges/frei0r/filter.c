@@ -1,7 +1,7 @@
-// A frei0r filter over one effect of libsfx. It is the same in every plugin; which effect the plugin is says
-// `sfx_frei0r_effect`, the only thing that a plugin has for itself.
+// A frei0r filter over one effect of libsfx. The code is the same in every plugin; each plugin defines only
+// `sfx_frei0r_effect`, the id of its effect.
 //
-// Parameters. frei0r knows no integers and no choices: both are numbers from 0 to 1, spread evenly over the
+// Parameters. frei0r has no integers and no choices: both are numbers from 0 to 1, spread evenly over the
 // property's range and rounded. Defaults are not part of frei0r's interface: hosts read them from a new
 // instance.
 #include <frei0r.h>
@@ -172,9 +172,9 @@ void f0r_get_param_value(f0r_instance_t handle, f0r_param_t value, int index) {
     }
 }
 
-// The effect's clock. frei0r's time is in seconds, but FFmpeg gives milliseconds, and for some sizes nothing
-// that makes sense. A step of more than two seconds is read as milliseconds; where it is an editor's jump,
-// its length means nothing anyway. A time that makes no sense counts as a step of 1/30 s.
+// The effect's clock. frei0r's time is in seconds, but FFmpeg passes milliseconds, and for some sizes
+// meaningless numbers. A step of more than two seconds is read as milliseconds; where it is an editor's jump,
+// its length does not matter. A meaningless time counts as a step of 1/30 s.
 static int64_t Advance(Instance* instance, double time) {
     if (!(fabs(time) < 1e12)) {
         instance->time += 33333333;

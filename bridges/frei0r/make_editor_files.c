@@ -46,8 +46,7 @@ static double NumberOf(const sfx_property_info* property, int32_t value) {
     return (double)((long long)value - property->minimum) / (double)Room(property);
 }
 
-// ---- Kdenlive
-// ----------------------------------------------------------------------------------------------
+// ---- Kdenlive -----------------------------------------------------------------------------------------
 
 static void WriteKdenliveParameter(FILE* file, const sfx_property_info* property) {
     fputs("    <parameter name=\"", file);
@@ -101,8 +100,7 @@ static void WriteKdenlive(FILE* file, const char* service, const sfx_effect_info
     fputs("</effect>\n", file);
 }
 
-// ---- Shotcut
-// -----------------------------------------------------------------------------------------------
+// ---- Shotcut ------------------------------------------------------------------------------------------
 
 static void WriteQmlText(FILE* file, const char* text) {
     fputc('\'', file);
@@ -232,8 +230,7 @@ static void WriteShotcutPanel(FILE* file, const sfx_effect_info* info) {
     fputs("\n        Item {\n            Layout.fillHeight: true\n        }\n    }\n}\n", file);
 }
 
-// ---- files
-// -------------------------------------------------------------------------------------------------
+// ---- files --------------------------------------------------------------------------------------------
 
 enum { kPathSize = 4096 };
 

@@ -34,8 +34,8 @@ std::string CamelCase(const char* id) {
 
 // ---- properties --------------------------------------------------------------------------------------
 
-/// The values of a property as a GLib type; one without a name goes by its number. The table lives as long as
-/// the type: for ever.
+/// The values of a property as a GLib type; one without a name goes by its number. The table is never freed,
+/// like the type.
 GType ChoiceType(const sfx_effect_info& effect, const sfx_property_info& property) {
     const auto count = static_cast<gsize>(property.maximum - property.minimum + 1);
     // GLib initializes one class at a time.
@@ -77,7 +77,7 @@ GParamSpec* SpecOf(const sfx_effect_info& effect, const sfx_property_info& prope
     return g_param_spec_int(id, name, blurb, property.minimum, property.maximum, property.start, flags);
 }
 
-// A property's name is that of libsfx, so that no table is needed here.
+// Properties have libsfx's names, so no table is needed.
 
 void SetProperty(GObject* object, guint, const GValue* value, GParamSpec* spec) noexcept {
     int32_t number = 0;

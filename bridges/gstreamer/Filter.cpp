@@ -23,10 +23,10 @@ struct FilterState {
     std::string dataFolder;
     int32_t width = 0, height = 0;  // of the negotiated frames; 0 before there are any
 
-    std::atomic<bool> toldOfMissingData = false;
+    std::atomic<bool> warnedOfMissingData = false;
 
     // Of the streaming thread.
-    bool toldOfInterlacing = false;
+    bool warnedOfInterlacing = false;
     // Of an effect with a memory: nanoseconds of processor time for a frame, smoothed; -1 before the first.
     int64_t cost = -1;
 };
@@ -35,8 +35,8 @@ namespace {
 
 using Lock = std::lock_guard<std::mutex>;
 
-// Frames that are already late are shown to an effect with a memory where it takes less than this part of
-// the time between frames.
+// An effect with a memory gets late frames, too, where it takes less than the time between frames divided by
+// this.
 constexpr int64_t kCheapPart = 10;
 // Any size will do to look for data files, and to make them.
 constexpr int32_t kTrialWidth = 64, kTrialHeight = 48;
@@ -63,14 +63,14 @@ bool HasFlag(const Effect& effect, uint32_t flag) {
 
 // ---- messages ----------------------------------------------------------------------------------------
 
-/// Posts what a call of libsfx has to tell. False where it failed.
+/// Posts a message for a status of libsfx. False for an error.
 bool Report(gpointer filter, int32_t status) {
     switch (status) {
         case SFX_OK:
         case SFX_CLAMPED:
             return true;
         case SFX_DATA_MISSING:
-            if (!StateOf(filter).toldOfMissingData.exchange(true)) {
+            if (!StateOf(filter).warnedOfMissingData.exchange(true)) {
                 GST_ELEMENT_WARNING(filter, RESOURCE, NOT_FOUND, ("%s", sfx_message()), (nullptr));
             }
             return true;
@@ -207,8 +207,8 @@ gboolean Stop(GstBaseTransform* filter) noexcept {
     if (const Effect effect = CurrentEffect(G_OBJECT(filter))) {
         sfx_reset(effect.get());
     }
-    state.toldOfMissingData = false;
-    state.toldOfInterlacing = false;
+    state.warnedOfMissingData = false;
+    state.warnedOfInterlacing = false;
     state.cost = -1;
     const Lock lock(state.mutex);
     state.width = state.height = 0;
@@ -217,7 +217,7 @@ gboolean Stop(GstBaseTransform* filter) noexcept {
 
 gboolean SetInfo(GstVideoFilter* filter, GstCaps*, GstVideoInfo* info, GstCaps*, GstVideoInfo*) noexcept {
     FilterState& state = StateOf(filter);
-    if (GST_VIDEO_INFO_IS_INTERLACED(info) && !std::exchange(state.toldOfInterlacing, true)) {
+    if (GST_VIDEO_INFO_IS_INTERLACED(info) && !std::exchange(state.warnedOfInterlacing, true)) {
         GST_ELEMENT_WARNING(filter, STREAM, FORMAT,
                             ("The video is interlaced. Both fields are changed as one picture; put a "
                              "deinterlace element in front for better results."),

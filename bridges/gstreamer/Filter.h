@@ -40,8 +40,8 @@ Effect CurrentEffect(GObject* filter);
 /// ready for the size of its frames. Null lets frames pass unchanged.
 void ReplaceEffect(GObject* filter, Effect effect);
 
-/// For what cannot be made an effect: posts a warning. The effect that runs stays; a filter without one
-/// cannot be started until it has one.
+/// Posts a warning for a text that is not an effect. The effect that runs stays; a filter without one cannot
+/// be started until it has one.
 void RefuseEffect(GObject* filter, const char* problem);
 
 /// For class_init: what an element is called, and what it does.

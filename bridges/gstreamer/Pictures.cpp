@@ -60,7 +60,7 @@ sfx_picture PictureOf(const GstVideoFrame& frame, const GstVideoInfo& negotiated
     picture.width = GST_VIDEO_INFO_WIDTH(&negotiated);
     picture.height = GST_VIDEO_INFO_HEIGHT(&negotiated);
     for (int32_t plane = 0; plane < sfx_format_planes(picture.format); ++plane) {
-        // Planes are mapped one by one where the buffer says itself how they lie.
+        // Planes are mapped one by one where the buffer has a GstVideoMeta.
         const GstMapInfo& map = frame.map[frame.meta != nullptr ? plane : 0];
         picture.planes[plane] = static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, plane));
         picture.strides[plane] = GST_VIDEO_FRAME_PLANE_STRIDE(&frame, plane);

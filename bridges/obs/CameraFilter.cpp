@@ -15,7 +15,7 @@ class CameraFilter : public Filter {
     bool Process(const obs_source_frame& frame) {
         sfx_picture picture;
         if (!PictureOf(frame, picture)) {
-            TellOfFormat(frame.format);
+            LogFormat(frame.format);
             return true;
         }
         const Runner::Readiness readiness = runner().ReadinessFor(picture.width, picture.height);
@@ -26,13 +26,13 @@ class CameraFilter : public Filter {
     }
 
   private:
-    void TellOfFormat(video_format format) {
+    void LogFormat(video_format format) {
         if (std::exchange(unknownFormat_, format) == format) return;
         blog(LOG_WARNING, "[specialeffects] '%s': frames in the format %s pass unchanged",
              obs_source_get_name(source()), get_video_format_name(format));
     }
 
-    video_format unknownFormat_ = VIDEO_FORMAT_NONE;  // that has been told of
+    video_format unknownFormat_ = VIDEO_FORMAT_NONE;  // the latest one in the log
 };
 
 obs_source_frame* FilterVideo(void* data, obs_source_frame* frame) noexcept {

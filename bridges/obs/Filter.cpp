@@ -27,7 +27,7 @@ void Filter::Update(obs_data_t* settings) {
         if (!isShown) shownEffect_.clear();
     }
     runner_.Want(std::move(wish));
-    // OBS's button "Defaults" and scripts change the settings behind the dialog's back.
+    // OBS's button "Defaults" and scripts change the settings without the dialog.
     if (!isShown) obs_source_update_properties(source_);
 }
 

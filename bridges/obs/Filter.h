@@ -43,7 +43,7 @@ class Filter {
     obs_source_t* source() const { return source_; }
     Runner& runner() { return runner_; }
 
-    /// Any thread: new settings. Properties that show another effect are told to follow.
+    /// Any thread: new settings. Updates properties that show another effect.
     void Update(obs_data_t* settings);
     /// Any thread: the effect that the properties show.
     void SetShownEffect(const std::string& effect);

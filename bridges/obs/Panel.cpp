@@ -19,7 +19,7 @@
 namespace sfxobs {
 namespace {
 
-// Names of properties that are no settings.
+// Names of properties that are not settings.
 constexpr const char* kSettingsGroup = "settings";
 constexpr const char* kResetButton = "reset";
 constexpr const char* kPresetsGroup = "own-presets";

@@ -10,7 +10,7 @@
 namespace sfxobs {
 namespace {
 
-// A look at times after this many frames, and after four times as many each time that something was said.
+// The number of frames over which times are looked at grows fourfold with each line in the log, up to this.
 constexpr int64_t kMostFramesToLookAt = 100000;
 // Where frames change their size faster than effects get ready, one of this many is processed anyway.
 constexpr int kMostSkippedFrames = 8;
@@ -166,7 +166,7 @@ void Runner::Process(const sfx_picture& picture, int64_t time) {
     NoteTime(taken, picture);
 }
 
-/// Says it once, not for every frame.
+/// Logs a status once, not for every frame.
 void Runner::Report(sfx_status status, const sfx_picture& picture) {
     if (std::exchange(reported_, status) == status) return;
     blog(LOG_WARNING, "[specialeffects] '%s' at %dx%d: %s", obs_source_get_name(filter_), picture.width,

@@ -75,12 +75,12 @@ class Runner {
     std::string offeredText_, runningText_;
 
     // Of the worker.
-    Effect fresh_{nullptr, sfx_destroy};  // waits for the first frame to tell the size
+    Effect fresh_{nullptr, sfx_destroy};  // waits for the size of the first frame
     sfx_effect* newest_ = nullptr;        // fresh, offered or running
     Wish followed_;                       // what the newest effect comes from
     std::vector<Value> values_;           // of the newest effect
     Size newestSize_;                     // for which it is ready; none for a fresh one
-    std::string refused_;                 // the latest text that is no effect
+    std::string refused_;                 // the latest text that is not an effect
 
     // Of the thread of the frames.
     Effect running_{nullptr, sfx_destroy};

@@ -16,7 +16,7 @@ int32_t Clamp(const sfx_property_info& property, long long value) {
     return static_cast<int32_t>(std::clamp<long long>(value, property.minimum, property.maximum));
 }
 
-/// A setting as the value of a property; none where it is no such value.
+/// A setting as the value of a property; nothing where it is not one.
 std::optional<int32_t> NumberOf(const sfx_property_info& property,
                                 const std::variant<long long, std::string>& setting) {
     if (const auto* const text = std::get_if<std::string>(&setting)) {
@@ -33,7 +33,7 @@ std::optional<int32_t> NumberOf(const sfx_property_info& property,
     return static_cast<int32_t>((number & 0xFF) << 16 | (number & 0xFF00) | (number >> 16 & 0xFF));
 }
 
-/// A number or a text; what is neither is left out.
+/// Stores a number or a text; leaves out anything else.
 void Store(Wish& wish, obs_data_item_t* item) {
     const std::string key = obs_data_item_get_name(item);
     switch (obs_data_item_gettype(item)) {

@@ -36,7 +36,7 @@ Effect CreateEffect(const std::string& text);
 /// The text that creates the same effect.
 std::string TextOf(const sfx_effect* effect);
 
-/// What the user wants to see.
+/// The effect and the values that the user has chosen.
 struct Wish {
     std::string effect;
     uint32_t seed = SFX_DEFAULT_SEED;

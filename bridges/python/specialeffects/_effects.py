@@ -149,12 +149,12 @@ class Effect:
 
     @property
     def links(self) -> tuple[EffectInfo, ...]:
-        """What effects this applies, in order; one but for a Chain."""
+        """The effects that this applies, in order; a single one except for a Chain."""
         count = lib.sfx_link_count(self._handle)
         return tuple(info_of(lib.sfx_link_info(self._handle, i)) for i in range(count))
 
     def __copy__(self) -> Effect:
-        """A new effect with the same properties, seed and files, but without what earlier frames left."""
+        """A new effect with the same properties, seed and files, but without a memory of earlier frames."""
         handle = ctypes.c_void_p()
         _libsfx.check(lib.sfx_clone(self._handle, ctypes.byref(handle)))
         copy = _adopt(handle, type(self))

@@ -200,7 +200,7 @@ _PACKAGE = str(Path(__file__).parent) + os.sep
 
 
 def message() -> str:
-    """The library's sentence about the last call on this thread that was not simply done."""
+    """The library's sentence about the last call on this thread whose status was not OK."""
     return text(lib.sfx_message())
 
 
@@ -234,7 +234,7 @@ def text(value: bytes | None) -> str:
 
 
 def encode(value: str) -> bytes:
-    """A text for the library. A null character would cut it short without a word."""
+    """A text for the library. A null character would silently cut it short."""
     if not isinstance(value, str):
         raise TypeError(f"a str is needed, not {type(value).__name__}")
     if "\0" in value:
