@@ -8,8 +8,8 @@
 
 #include "framework/StreamRules.h"
 
-/// At even sizes both are one, and this only passes the frame's planes on. At odd sizes `PlaneSize` decides
-/// for each plane:
+/// At even sizes both are the same, and this only passes the frame's planes on. At odd sizes `PlaneSize`
+/// decides for each plane:
 ///
 ///   at least the rounded-up size              rounded up
 ///   0 or less, and width / 2 by height / 2    rounded up: a size of 0 means unknown, and the planes

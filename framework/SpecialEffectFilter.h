@@ -64,7 +64,7 @@ using WideChar = wchar_t;
 using WideChar = char16_t;
 #endif
 
-/// What `Configure` is told of the stream.
+/// The stream that `Configure` gets ready for.
 struct StreamDescription {
     uint32_t Reserved;  ///< stored with the rest; no effect reads it
     int32_t Width;      ///< pixels, 1 to 16384
@@ -152,8 +152,8 @@ static_assert(sizeof(RegionRecord) == 16 && offsetof(RegionRecord, Rect) == 8);
 /// valid as long as it is.
 class CInternalInfo {
   public:
-    /// Slots 0 and 1. 1 when the whole name was copied; 0 when it was cut (the buffer is terminated all the
-    /// same), when the size is 0 or above 0x7FFFFFFF, or when the buffer is null.
+    /// Slots 0 and 1. 1 when the whole name was copied; 0 when it was cut (the buffer is terminated then,
+    /// too), when the size is 0 or above 0x7FFFFFFF, or when the buffer is null.
     SPECIALEFFECTS_WIDE_AND_NARROW(virtual int32_t GetName(WideChar* name, int32_t length) = 0,
                                    virtual int32_t GetName(char* name, uint32_t size) = 0);
 
@@ -198,8 +198,8 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
     /// Slot 3. Stores the description and makes the workspace, after releasing an earlier one. A format code
     /// other than 0 or 2, or a size outside 1 to 16384, is stored and refused with kInvalidArgument, and
     /// leaves the effect without workspace. A null description is refused and changes nothing. Bulge, Fish
-    /// Eye and Blockhead answer kSuccess to all of these. When memory runs out: throws std::bad_alloc, but on
-    /// Windows, where host and module may come from different compilers, answers kOutOfMemory.
+    /// Eye and Blockhead answer kSuccess to all of these. When memory runs out, throws std::bad_alloc; on
+    /// Windows, where host and module may come from different compilers, answers kOutOfMemory instead.
     virtual ResultCode Configure(StreamDescription* description) = 0;
 
     /// Slots 4 and 5. Two effects read the file at `Path`; all others answer kSuccess, to a null record too.
@@ -226,8 +226,8 @@ class SPECIALEFFECTS_API CSpecialEffectFilter {
     /// they are.
     /// kNotImplemented: format 2 in an effect that is planar only.
     ///
-    /// A frame that is refused is unchanged, but for what Fish Eye and Picture Me do to it before they look
-    /// at its format.
+    /// A frame that is refused is unchanged, except for what Fish Eye and Picture Me do to it before they
+    /// look at its format.
     virtual ResultCode ProcessFrame(FrameRecord* frame) = 0;
 
     /// Slots 7 and 8. Property names match in any case; a value out of range is clamped, never refused. An

@@ -40,9 +40,9 @@ class Surroundings {
     /// gives the same path once the file exists. Empty: nowhere.
     virtual std::string NewDataFile(const std::string& name) = 0;
 
-    /// The one object of type `T` that all effects in these surroundings share: made from `arguments` at the
-    /// first call, whichever thread comes first, and kept as long as the surroundings. What is process-wide
-    /// by default belongs here, so that effects in surroundings of their own are independent of all others.
+    /// The one object of type `T` that all effects in these surroundings share: made from `arguments` by the
+    /// first call on any thread, and kept as long as the surroundings. What is process-wide by default belongs
+    /// here, so that effects in surroundings of their own are independent of all others.
     template <class T, class... Arguments>
     T& Shared(Arguments... arguments) {
         // Not constant, so that equal keys of two types are never merged.
@@ -74,7 +74,7 @@ Surroundings& CurrentSurroundings();
 /// The next random number of the current surroundings.
 int32_t Rand();
 
-/// Makes `surroundings` the current ones of this thread, and brings the former back at its end. They have to
+/// Makes `surroundings` the current ones of this thread, and restores the former at its end. They have to
 /// outlive the scope. Several threads may share surroundings if all their operations allow it.
 class SurroundingsScope {
   public:
