@@ -183,7 +183,6 @@ export class Gallery {
                 const visible = here && matches(words, ...texts) && (words.length > 0 || unfolded || first);
                 item.hidden = !visible;
                 item.classList.toggle("folded", !unfolded && !words.length);
-                item.classList.toggle("variant", unfolded && family !== undefined && family.effects.length > 1);
                 const title = item.querySelector(".title")!;
                 if (effect) title.textContent = !unfolded && !words.length ? effect.name : effect.title;
                 if (visible) ++shown;
