@@ -12,7 +12,7 @@ const kTypes = {
     ".webmanifest": "application/manifest+json", ".txt": "text/plain; charset=utf-8",
 };
 
-/** Serves a folder. Tells `seen` the path of each request and the bytes that it was answered with. */
+/** Serves a folder. Calls `seen` with the path of each request and the number of bytes of the answer. */
 export async function serve(folder, port = 0, seen = () => {}) {
     const root = resolve(folder);
     // The page names its policy itself; as a header it holds for the workers, too.

@@ -48,7 +48,7 @@ async function openCache(): Promise<Cache | null> {
   }
 }
 
-/** What the window or worker tells a new worker that is to make the noise. */
+/** The message that makes a new worker make the noise. */
 export interface MakeNoise {
   readonly type: 'makeNoise';
   readonly module: WebAssembly.Module;

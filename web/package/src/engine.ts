@@ -4,7 +4,7 @@ import type { RuntimeClient, Runtime } from './runtime.js';
 import { type Chain, type PictureFormat, isTrap } from './library.js';
 import { type PropertyValue, SpecialEffectsError } from './types.js';
 
-/** After this many traps in a row, with fewer good frames than this between them, the effects are taken off. */
+/** After more than this many traps, with fewer good frames than this between them, the effects are taken off. */
 const MOST_TRAPS = 3;
 const GOOD_FRAMES = 100;
 
@@ -12,7 +12,7 @@ export interface EngineOptions {
   /** Where it runs. Engines that process VideoFrames do not share one. */
   readonly runtime: Runtime;
   readonly seed: number;
-  /** Told of errors that no caller gets: on frames, and in data files. */
+  /** Called for errors that no caller gets: on frames, and in data files. */
   readonly onError: (error: SpecialEffectsError) => void;
 }
 
@@ -38,7 +38,7 @@ export class Engine implements RuntimeClient {
   #lock: Promise<unknown> = Promise.resolve();
   #trapsInRow = 0;
   #goodFrames = 0;
-  #reported = ''; // the last error of a frame; told once until a frame succeeds
+  #reported = ''; // the last error of a frame; reported once until a frame succeeds
 
   constructor({ runtime, seed, onError }: EngineOptions) {
     this.#runtime = runtime;
@@ -178,7 +178,7 @@ export class Engine implements RuntimeClient {
     this.#countGoodFrame();
   }
 
-  /** The same for a frame of a video: false, and the error told, where they fail. */
+  /** The same for a frame of a video: where they fail, reports the error and returns false. */
   tryPixels(pixels: Pixels, time: bigint): boolean {
     try {
       this.applyToPixels(pixels, time);

@@ -18,7 +18,7 @@ import type {
 export type * from './types.js';
 export { SpecialEffectsError } from './types.js';
 
-/** A new picture with the effects applied: `applyEffects(video, 'noir')`. */
+/** A new picture with the effects applied: `applyEffects(video, 'preset:noir')`. */
 export async function applyEffects(
   source: ImageSource,
   effects: Effects,

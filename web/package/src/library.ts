@@ -89,7 +89,7 @@ export class Library {
     this.#exports = exports;
   }
 
-  /** A new instance of the compiled module. `onText` is told lines that it writes to its error stream. */
+  /** A new instance of the compiled module. `onText` gets each line that it writes to its standard streams. */
   static async instantiate(module: WebAssembly.Module, onText?: (line: string) => void): Promise<Library> {
     const wasi = new Wasi();
     if (onText) wasi.onText = onText;

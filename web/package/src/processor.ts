@@ -35,7 +35,7 @@ export function isSupported(): boolean {
 /** Whether it has streams of frames in the window: the fastest path. */
 export const hasFastPath = (): boolean => hasWindowStreams() && typeof Worker !== 'undefined';
 
-/** While a page is hidden the browser does not tell of new frames. */
+/** Milliseconds from one poll to the next while the page is hidden, when the browser does not announce new frames. */
 const HIDDEN_INTERVAL = 33;
 
 /** What runs between `start` and `stop`. */

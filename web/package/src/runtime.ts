@@ -58,7 +58,7 @@ export class Runtime {
     return this.#starting;
   }
 
-  /** Has these data files in the instance. One that cannot be had is told to the caller, and tried again next time. */
+  /** Puts these data files into the instance. Calls `onError` for one that cannot be had, and tries it again next time. */
   async provide(names: readonly string[], onError: (error: SpecialEffectsError) => void): Promise<void> {
     for (const name of names) {
       const known = this.#files.get(name);

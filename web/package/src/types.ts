@@ -167,7 +167,7 @@ export interface Assets {
  */
 export type Path = 'window-streams' | 'worker-streams' | 'worker-canvas' | 'canvas';
 
-/** What `onStats` is told, about once a second while frames flow. */
+/** What `onStats` gets, about once a second while frames flow. */
 export interface Stats {
   /** Frames that went out per second, since the last report. */
   readonly framesPerSecond: number;

@@ -1,5 +1,5 @@
 // The system calls of a WASI module (wasi_snapshot_preview1) over files in memory: one folder, "/", opened beforehand.
-// Nothing here reaches a network, a disk or the console but what the module writes to its standard error stream.
+// Nothing here reaches a network, a disk or the console; what the module writes to its standard streams goes to `onText`.
 
 const SUCCESS = 0;
 const EBADF = 8;
@@ -47,7 +47,7 @@ interface Descriptor {
 type Call = (...parameters: never[]) => number;
 
 export class Wasi {
-  /** Told each line that the module writes to its standard output and error streams. */
+  /** Gets each line that the module writes to its standard output and error streams. */
   onText: (line: string) => void = () => undefined;
 
   readonly #files = new Map<string, File>();

@@ -49,7 +49,7 @@ export function wordsOf(query: string): string[] {
     return query.toLowerCase().split(/\s+/).filter(Boolean);
 }
 
-/** A value in the form that libsfx writes, or undefined if the text is no value of the property. Clamps numbers. */
+/** A value in the form that libsfx writes, or undefined if the text is not a value of the property. Clamps numbers. */
 export function valueOf(property: Property, text: string): string | undefined {
     const word = text.toLowerCase();
     switch (property.type) {

@@ -40,7 +40,7 @@ export function press(element: Element, pressed: boolean): void {
     element.setAttribute("aria-pressed", String(pressed));
 }
 
-/** Tells those who use a screen reader what happened. */
+/** Makes screen readers say what happened. */
 export function announce(text: string): void {
     byId("announcer").textContent = text;
 }
