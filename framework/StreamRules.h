@@ -73,8 +73,8 @@ struct PlanarFrame {
           u{image.Plane[1], stream.Width / 2, stream.Height / 2, image.PlaneSize[1]},
           v{image.Plane[2], stream.Width / 2, stream.Height / 2, image.PlaneSize[2]} {}
 
-    /// Sets a quarter of the luma's bytes in each chroma plane. At odd sizes that can be more than the plane's
-    /// width times height; the excess is set only as far as `size` covers it.
+    /// Sets a quarter of the luma's bytes in each chroma plane. At odd sizes that can be more than the
+    /// plane's area; what exceeds it is set only as far as `size` covers it.
     void FillChroma(uint8_t uValue, uint8_t vValue) const {
         std::memset(u.data, uValue, QuarterBytes(u));
         std::memset(v.data, vValue, QuarterBytes(v));

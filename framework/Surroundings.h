@@ -41,8 +41,8 @@ class Surroundings {
     virtual std::string NewDataFile(const std::string& name) = 0;
 
     /// The one object of type `T` that all effects in these surroundings share: made from `arguments` by the
-    /// first call on any thread, and kept as long as the surroundings. What is process-wide by default belongs
-    /// here, so that effects in surroundings of their own are independent of all others.
+    /// first call on any thread, and kept as long as the surroundings. What is process-wide by default
+    /// belongs here, so that effects in surroundings of their own are independent of all others.
     template <class T, class... Arguments>
     T& Shared(Arguments... arguments) {
         // Not constant, so that equal keys of two types are never merged.

@@ -111,7 +111,7 @@ void CCloudsSpecialEffectFilter::Prepare() {
     Surroundings& surroundings = CurrentSurroundings();
     const std::string path = surroundings.DataFile(kFile);
     files::File file = files::OpenToRead(path.c_str());
-    // What is there and is no regular file is left alone.
+    // Something else of this name, such as a folder, is left alone.
     if (file == nullptr && (!files::Exists(path.c_str()) || files::RegularFileSize(path.c_str()))) {
         WritePictures(surroundings.NewDataFile(kFile), kPictures);
         file = files::OpenToRead(surroundings.DataFile(kFile).c_str());

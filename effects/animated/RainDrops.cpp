@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "framework/Surroundings.h"
-
 #include "imaging/ReleaseMemory.h"
 
 namespace {
@@ -51,8 +50,7 @@ void WaterGrid::Prepare(int32_t columns, int32_t rows) {
     Cells.resize(static_cast<size_t>(columns) * static_cast<size_t>(rows));
     for (Cell& cell : Cells) cell = {Rand() % 1000 / 1000.0, 0.0};
     Runners.clear();
-    // Runners gather in the same cells on tall narrow panes, but even there they stay below two thirds of
-    // this.
+    // On tall narrow panes runners gather in the same cells, yet they need less than two thirds of this.
     Runners.reserve(Cells.size() + static_cast<size_t>(kMostDrops) * static_cast<size_t>(rows));
     RunnerCount.assign(Cells.size(), 0);
 }

@@ -7,8 +7,7 @@
 #include "imaging/Plane8u.h"
 
 /// Black on white, one 16 by 24 cell a character. In the table, characters other than printable ASCII are an
-/// empty box.
-/// An empty text gives an empty plane.
+/// empty box. An empty text gives an empty plane.
 CPlane8u RenderText(std::string_view text);
 
 /// Keeps all threads to the table for a scope. For tests that compare frames with those of other systems.

@@ -11,7 +11,7 @@
 #include "imaging/IndexGather.h"
 #include "imaging/Plane8u.h"
 
-/// The identity map of a picture; `indices` has one entry for each pixel.
+/// A map between pictures of one size; `indices` has the source of each pixel.
 inline GatherMap MakeGatherMap(const std::vector<uint32_t>& indices, int32_t width, int32_t pixelBytes = 1) {
     GatherMap map;
     map.Build(indices, width, indices.size(), pixelBytes);

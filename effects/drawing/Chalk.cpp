@@ -87,7 +87,7 @@ void CChalkSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     }
 }
 
-/// All filters but the softening of edges skip the same ring; it keeps the frame's pixels.
+/// All filters except the softening of edges skip the same ring; it keeps the frame's pixels.
 void CChalkSpecialEffectFilter::DrawTones(PlaneRows luma, int32_t height) {
     const auto smooth = [&](RowRange rows) {
         const PlaneRows smoothed = Smooth.Advance(rows), tones = Tones.Advance(rows);

@@ -17,8 +17,8 @@ class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEff
 
     /// Reads the background colour from the text file that `settings` names: red, green and blue in decimal,
     /// separated by white space. Each is clamped to 0..255; a missing number and all after it are 0. Returns
-    /// kFailure for a null record or path, for anything but a regular file and for a file that cannot be
-    /// opened; the colour is then unchanged.
+    /// kFailure for a null record or path, and for what is not a regular file or cannot be opened; the colour
+    /// is then unchanged.
     ResultCode LoadSettings(SettingsRecord* settings) override;
     using PlanarEffect::LoadSettings;
 

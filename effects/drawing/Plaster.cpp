@@ -29,8 +29,8 @@ constexpr int32_t kShadeStep = 2 * kSteepest + 1;
 constexpr int32_t kFlatIndex = kSteepest * kShadeStep + kSteepest;
 using ShadeTable = std::array<uint8_t, static_cast<size_t>(kShadeStep* kShadeStep)>;
 
-/// Not constexpr: compiling these square roots takes longer than the rest of the file; computing them takes 3
-/// ms once.
+/// Not constexpr: compiling these square roots takes longer than the rest of the file. Computing them takes
+/// 3 ms, once.
 ShadeTable ComputeShades() {
     ShadeTable shades;
     size_t entry = 0;
