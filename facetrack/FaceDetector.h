@@ -46,8 +46,8 @@ class CFaceDetector {
     void ReleaseCascade();
 
     /// One frame: looks for faces at a quarter of the scales and, after every fourth frame, renews the list.
-    /// Then outlines the known faces in the plane. `plane` has the size that `Initialize` was told; another
-    /// one is not searched.
+    /// Then outlines the known faces in the plane. `plane` has the size that `Initialize` was given; one of
+    /// another size is not searched.
     void TrackFrame(CPlane8u& plane);
 
     /// The largest face of the newest cycle, or of the cycle before if the newest has none; all zero if

@@ -34,8 +34,8 @@ struct Turn {
     uint32_t interpolation;
 };
 
-/// Scales with the nearest pixels. `columns` has room for an index for each column of the result: the picture
-/// has another size in every frame, and none of them takes memory.
+/// Scales with the nearest pixels. `columns` has room for an index for each column of the result, so that
+/// nothing is allocated although the picture has another size in every frame.
 void Scale(const CPlane8u& region, int32_t width, int32_t height, CPlane8u& scaled, int32_t scaledWidth,
            int32_t scaledHeight, const Turn& turn, std::vector<int32_t>& columns) {
     if (width < 1 || height < 1) return;

@@ -34,7 +34,7 @@ File OpenToWrite(const char* path);
 /// Reads exactly `size` bytes. False where there are fewer, and for no file.
 bool Read(const File& file, void* bytes, size_t size);
 
-/// Writes all of `bytes`; `CloseWritten` tells of errors.
+/// Writes all of `bytes`; `CloseWritten` reports errors.
 void Write(const File& file, const void* bytes, size_t size);
 
 /// Closes a file that was written; whether all of it has arrived.

@@ -1,6 +1,6 @@
 // Gradient noise after Ken Perlin: a soft random field over the plane and over space, in doubles.
 //
-// The field hangs on tables of random numbers. It lies roughly within -1..1, is 0 at every point with integer
+// The field is made from tables of random numbers. It lies roughly in -1..1, is 0 at every point with integer
 // coordinates, and repeats every 256 units along each axis. Coordinates are meant to be above -4096; those of
 // absurd size (2^62 and beyond, or not a number) count as 0.
 #ifndef SPECIALEFFECTS_IMAGING_GRADIENTNOISE_H

@@ -35,7 +35,7 @@ class GatherMap {
 
     bool Empty() const { return runs_.empty(); }
 
-    /// Fetches the pixels. `src` and `dst` have the sizes that `Build` was told and do not overlap.
+    /// Fetches the pixels. `src` and `dst` have the sizes that `Build` was given and do not overlap.
     void Apply(const uint8_t* src, uint8_t* dst) const;
 
   private:

@@ -26,7 +26,7 @@ SE_INLINE constexpr uint16_t TwentyFifthOf(uint16_t s) {
 }
 
 /// s / 571 for s up to 571 * 255 + 285, which is 18 bits long, in 16 bits: `low` is s modulo 2^16 and
-/// `quarter` is s / 4, or up to 3 less. The quarter yields the quotient or one less, the rest tells which.
+/// `quarter` is s / 4, or up to 3 less. The quarter yields the quotient or one less; the rest shows which.
 SE_INLINE constexpr uint16_t By571(uint16_t low, uint16_t quarter) {
     const uint16_t guess = MulHigh(quarter, 459);
     const auto rest = static_cast<int16_t>(low - guess * 571);

@@ -64,7 +64,7 @@ SE_INLINE bool FindNearest(const float* SE_RESTRICT xs, const float* SE_RESTRICT
 
 /// The pixel before a coordinate and the way from there; at the last pixel it is the last but one, and the
 /// way is 1. A coordinate that is not 1e-7 short of the next pixel counts as that one; in single precision
-/// there is but one such number, the last below 1. `last` is 2 at least.
+/// there is only one such number, the last below 1. `last` is 2 at least.
 struct Tap {
     int32_t first;
     float fraction;

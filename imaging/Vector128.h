@@ -250,7 +250,7 @@ SE_INLINE void SplitPixels(const uint8_t* src, uint8_t* c0, uint8_t* c1, uint8_t
     Store(c2, c);
 }
 
-/// Four pixels of four bytes, the last one 0, to 12 bytes; `spare` tells that 14 may be written.
+/// Four pixels of four bytes, the last one 0, to 12 bytes; with `spare` 14 may be written.
 SE_INLINE void StorePixels(uint8_t* dst, Words pixels, bool spare) {
     static_assert(std::endian::native == std::endian::little);
     const Longs pairs = reinterpret_cast<Longs>(pixels);

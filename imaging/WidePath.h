@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-/// A path as the system wants it, made from UTF-8. A path that is not UTF-8, or that names a file only so, is
-/// taken for text in the system's code page, which hosts of the contract may pass. Empty if it is too long.
+/// A path as the system wants it, made from UTF-8. It is read as text in the system's code page, which hosts
+/// of the contract may pass, if it is not UTF-8 or names a file only so. Empty if it is too long.
 class WidePath {
   public:
     static constexpr uint32_t kCapacity = 4096;
