@@ -68,7 +68,7 @@ void DrawCloseFace(uint8_t* luma, int32_t width, int32_t height, int32_t index) 
     DrawPortrait(luma, width, height, index, 370, 90);
 }
 
-/// Its face six times, so that the later stages of a cascade have work as well.
+/// The portrait's face six times, so that the later stages of a cascade have work as well.
 void DrawCrowd(uint8_t* data, int32_t width, int32_t height, int32_t index) {
     CPlane8u luma = CPlane8u::Over(data, width, height);
     CPlane8u one(width / 3, height / 2);

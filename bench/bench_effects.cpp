@@ -32,7 +32,7 @@ constexpr const char* kUsage =
     "\n"
     "Times every effect on one thread. Of each it prints the median of a frame in ms, megapixels a second, "
     "the ratio\n"
-    "to a memcpy of the frame, the dearest frame in ms, the median of Configure in ms, and the memory it "
+    "to a memcpy of the frame, the slowest frame in ms, the median of Configure in ms, and the memory it "
     "holds in MB.\n"
     "  --size WxH      of the frames, even numbers (default 1280x720, 1920x1080 and 3840x2160)\n"
     "  --filter TEXT   only effects whose number and name, as in \"61 Bulge\", hold TEXT\n"
@@ -142,7 +142,7 @@ double AllocatedBytes() {
 
 struct Result {
     double frame;  // seconds
-    double dearest;
+    double slowest;
     double copy;
     double configure;
     double bytes;
@@ -178,8 +178,8 @@ Result Measure(const CatalogueRow& row, Size size, const std::vector<bench::Fram
         times.push_back(time);
         total += time;
     }
-    const double dearest = *std::ranges::max_element(times);
-    return {bench::Median(std::move(times)), dearest, bench::Median(std::move(copyTimes)),
+    const double slowest = *std::ranges::max_element(times);
+    return {bench::Median(std::move(times)), slowest, bench::Median(std::move(copyTimes)),
             bench::Median(std::move(configureTimes)), AllocatedBytes() - before};
 }
 
@@ -192,10 +192,10 @@ bool Chosen(const Options& options, std::string_view name) {
 void Run(Options& options) {
     cpu::Limit(options.level);
     if (options.csv) {
-        std::printf("effect,size,ms,mpx_per_s,x_memcpy,dearest_ms,configure_ms,megabytes\n");
+        std::printf("effect,size,ms,mpx_per_s,x_memcpy,slowest_ms,configure_ms,megabytes\n");
     } else {
         std::printf("%-24s %9s %9s %9s %9s %11s %13s %8s\n", "effect", "size", "ms", "Mpx/s", "x memcpy",
-                    "dearest ms", "Configure ms", "MB");
+                    "slowest ms", "Configure ms", "MB");
     }
     for (const Size size : options.sizes) {
         const std::vector<bench::Frame> clip = bench::DrawClip(*options.scene, size.width, size.height);
@@ -210,7 +210,7 @@ void Run(Options& options) {
                                     : "%-24s %9s %9.3f %9.0f %9.2f %11.3f %13.3f %8.1f\n",
                         name.c_str(), sizeText.c_str(), result.frame * 1e3,
                         size.width * size.height / result.frame * 1e-6, result.frame / result.copy,
-                        result.dearest * 1e3, result.configure * 1e3, result.bytes * 1e-6);
+                        result.slowest * 1e3, result.configure * 1e3, result.bytes * 1e-6);
             std::fflush(stdout);
             logarithms += std::log(result.frame);
             ++rows;

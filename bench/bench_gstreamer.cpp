@@ -5,30 +5,18 @@
 // Frames go through the element and through libsfx by turns, on one thread; processor time, medians.
 #include <gst/gst.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <string>
 #include <vector>
 
+#include "bench/Timing.h"
 #include "sfx/sfx.h"
 
 namespace {
 
 constexpr int kWidth = 1280, kHeight = 720, kFrames = 400;
 constexpr GstClockTime kFrameDuration = GST_SECOND / 25;
-
-double Microseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) / 1e3;
-}
-
-double Median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + kFrames / 2, values.end());
-    return values[kFrames / 2];
-}
 
 /// An element between two pads; what comes out is kept in `out`.
 struct Line {
@@ -103,17 +91,14 @@ void Measure(const std::string& id) {
         fill(frame, [&](uint8_t* pixels) {
             sfx_picture picture;
             sfx_picture_layout(&picture, SFX_I420, kWidth, kHeight, pixels);
-            const double start = Microseconds();
-            sfx_process(effect, &picture, frame * static_cast<int64_t>(kFrameDuration));
-            direct.push_back(Microseconds() - start);
+            direct.push_back(bench::Timed(
+                [&] { sfx_process(effect, &picture, frame * static_cast<int64_t>(kFrameDuration)); }));
         });
     };
     const auto runElement = [&](int frame) {
         fill(frame, [](uint8_t*) {});
         GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(frame) * kFrameDuration;
-        const double start = Microseconds();
-        gst_pad_push(line.source, buffer);
-        element.push_back(Microseconds() - start);
+        element.push_back(bench::Timed([&] { gst_pad_push(line.source, buffer); }));
         buffer = line.out;
     };
     for (int frame = 0; frame < kFrames; ++frame) {
@@ -122,8 +107,8 @@ void Measure(const std::string& id) {
         runDirect(frame);
         if (!elementFirst) runElement(frame);
     }
-    std::printf("%-24s %10.1f %10.1f %10.1f\n", id.c_str(), Median(direct), Median(element),
-                Median(element) - Median(direct));
+    const double own = bench::Median(direct) * 1e6, all = bench::Median(element) * 1e6;
+    std::printf("%-24s %10.1f %10.1f %11.1f\n", id.c_str(), own, all, all - own);
     gst_buffer_unref(buffer);
     sfx_destroy(effect);
 }
@@ -134,7 +119,7 @@ int main(int argc, char** argv) {
     setenv("GST_REGISTRY", REGISTRY, 1);
     setenv("GST_PLUGIN_PATH", PLUGIN_FOLDER, 1);
     gst_init(nullptr, nullptr);
-    std::printf("%-24s %10s %10s %10s\n", "effect", "libsfx us", "element us", "more us");
+    std::printf("%-24s %10s %10s %11s\n", "effect", "libsfx us", "element us", "overhead us");
     std::vector<std::string> effects(argv + 1, argv + argc);
     if (effects.empty()) {
         effects = {"gray-scale", "polarize", "sepia", "motion-blur-1", "rain"};

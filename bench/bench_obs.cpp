@@ -8,16 +8,16 @@
 #include <dlfcn.h>
 #include <obs-module.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
+#include "bench/Timing.h"
 #include "sfx/sfx.h"
 
 namespace {
@@ -26,24 +26,6 @@ constexpr int kWidth = 1280, kHeight = 720, kFrames = 200;
 constexpr uint64_t kInterval = 33333333;
 
 obs_source_info cameraFilter;
-
-double Milliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
-}
-
-template <class Function>
-double TimeOf(Function&& function) {
-    const double start = Milliseconds();
-    function();
-    return Milliseconds() - start;
-}
-
-double Median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + kFrames / 2, values.end());
-    return values[kFrames / 2];
-}
 
 void Draw(std::vector<uint8_t>& pixels, int index) {
     for (size_t i = 0; i < pixels.size(); ++i) {
@@ -68,7 +50,7 @@ struct Pixels {
     sfx_picture picture;
 };
 
-/// A filter of the plugin's that is driven without a source.
+/// A filter of the plugin, driven without a source.
 struct Filter {
     explicit Filter(const std::string& effect) {
         obs_data_t* const settings = obs_data_create();
@@ -94,7 +76,8 @@ struct Filter {
     obs_source_t* source = nullptr;
 };
 
-/// A reference on I420, and another way of the same effect: the median of the differences.
+/// Seconds that `other`, another way to an effect, takes longer than the effect itself on I420: the median.
+/// The time of the effect goes to `own`.
 template <class Other>
 double Overhead(const std::string& effect, Other&& other, double& own) {
     sfx_effect* const reference = Create(effect);
@@ -102,7 +85,7 @@ double Overhead(const std::string& effect, Other&& other, double& own) {
     std::vector<double> times, differences;
     for (int index = 0; index < kFrames; ++index) {
         Draw(pixels.bytes, index);
-        const double time = TimeOf([&] {
+        const double time = bench::Timed([&] {
             sfx_process(reference, &pixels.picture,
                         static_cast<int64_t>(static_cast<uint64_t>(index) * kInterval));
         });
@@ -110,14 +93,14 @@ double Overhead(const std::string& effect, Other&& other, double& own) {
         differences.push_back(other(index) - time);
     }
     sfx_destroy(reference);
-    own = Median(times);
-    return Median(differences);
+    own = bench::Median(times);
+    return bench::Median(differences);
 }
 
 double CameraOverhead(const std::string& effect, int32_t format, video_format obsFormat, double& own) {
     Filter filter(effect);
     Pixels pixels(format);
-    // The effect gets ready on another thread, which no function of the filter's waits for.
+    // The effect gets ready on another thread, which no function of the filter waits for.
     for (int tries = 0; tries < 200; ++tries) {
         filter.Process(pixels, obsFormat, 0);
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -126,7 +109,7 @@ double CameraOverhead(const std::string& effect, int32_t format, video_format ob
         effect,
         [&](int index) {
             Draw(pixels.bytes, index);
-            return TimeOf([&] { filter.Process(pixels, obsFormat, index); });
+            return bench::Timed([&] { filter.Process(pixels, obsFormat, index); });
         },
         own);
 }
@@ -138,7 +121,7 @@ double AnySourceOverhead(const std::string& effect, double& own) {
         effect,
         [&](int index) {
             Draw(mapped.bytes, index);
-            return TimeOf([&] {
+            return bench::Timed([&] {
                 std::memcpy(pixels.bytes.data(), mapped.bytes.data(), mapped.bytes.size());
                 sfx_process(drawn, &pixels.picture,
                             static_cast<int64_t>(static_cast<uint64_t>(index) * kInterval));
@@ -152,7 +135,7 @@ double AnySourceOverhead(const std::string& effect, double& own) {
 
 }  // namespace
 
-/// Stands before libobs's own function of this name, which it calls.
+/// Takes the place of the function of this name in libobs, which it calls.
 extern "C" __attribute__((visibility("default"))) void obs_register_source_s(const obs_source_info* info,
                                                                              size_t size) {
     if (std::strcmp(info->id, "specialeffects_filter") == 0) cameraFilter = *info;
@@ -171,7 +154,7 @@ int main(int argc, char** argv) {
     }
     std::vector<std::string> effects(argv + 1, argv + argc);
     if (effects.empty()) effects = {"gray-scale", "sepia", "rain", "sketch-2"};
-    std::printf("%-12s %-10s %10s %10s  ms a frame\n", "effect", "frames", "effect", "beside it");
+    std::printf("%-12s %-10s %10s %10s  ms a frame\n", "effect", "frames", "effect", "overhead");
     for (const std::string& effect : effects) {
         double own = 0;
         for (const auto& [name, format, obsFormat] : {std::tuple("I420", SFX_I420, VIDEO_FORMAT_I420),
@@ -179,10 +162,10 @@ int main(int argc, char** argv) {
                                                       std::tuple("YUY2", SFX_YUY2, VIDEO_FORMAT_YUY2),
                                                       std::tuple("BGRA", SFX_BGRA, VIDEO_FORMAT_BGRA)}) {
             const double overhead = CameraOverhead(effect, format, obsFormat, own);
-            std::printf("%-12s %-10s %10.3f %10.3f\n", effect.c_str(), name, own, overhead);
+            std::printf("%-12s %-10s %10.3f %10.3f\n", effect.c_str(), name, own * 1e3, overhead * 1e3);
         }
         const double overhead = AnySourceOverhead(effect, own);
-        std::printf("%-12s %-10s %10.3f %10.3f\n", effect.c_str(), "any source", own, overhead);
+        std::printf("%-12s %-10s %10.3f %10.3f\n", effect.c_str(), "any source", own * 1e3, overhead * 1e3);
     }
     obs_shutdown();
     return 0;

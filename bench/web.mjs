@@ -2,8 +2,8 @@
 //
 //     node --no-liftoff bench/web.mjs [--csv NATIVE.csv] [--filter TEXT] [--module FILE]
 //
-// NATIVE.csv is what `bench_effects --csv --size 1280x720 --level baseline` prints. Times are the process's processor
-// time, of which other programs take nothing; --no-liftoff compiles with V8's optimizing compiler from the start.
+// NATIVE.csv is what `bench_effects --csv --size 1280x720 --level baseline` prints. Times are processor time of the
+// process, which other programs do not lengthen; --no-liftoff compiles with V8's optimizing compiler from the start.
 import { existsSync, readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { parseArgs } from 'node:util';
