@@ -39,12 +39,12 @@ template <class... Values>
 void Read(const pugi::xml_node& node, const char* child, Values&... values) {
     std::istringstream text(node.child_value(child));
     if (!(text >> ... >> values)) {
-        throw std::runtime_error(std::string("<") + child + "> does not hold what a stump has");
+        throw std::runtime_error(std::string("<") + child + "> does not hold the expected numbers");
     }
     if (text >> std::ws; !text.eof()) {
         throw std::runtime_error(
             std::string("<") + child +
-            "> holds more than a stump has: only cascades of stumps can be converted, not trees");
+            "> holds more numbers than expected: only cascades of stumps can be converted, not trees");
     }
 }
 

@@ -3,8 +3,8 @@
 #
 #   tools/make_demo.sh BUILD_DIR OUT_DIR
 #
-# Writes a picture and a short clip of each effect, a contact sheet, a showreel and index.html. What is newer than the
-# library, the program, this script and the portrait is not made again.
+# Writes a picture and a short clip of each effect, a contact sheet, a showreel and index.html. Files that are newer than
+# the library, the program, this script and the portrait are not made again.
 set -euo pipefail
 
 build=$(realpath "$1")
@@ -30,7 +30,7 @@ is_fresh() {
     for file in "${made_from[@]}" "$@"; do [ "$made" -nt "$file" ] || return 1; done
 }
 
-# What to ask for instead of the plain effect, where that can hardly be seen at this size.
+# The request for an effect. Plain, some can hardly be seen at this size.
 request_of() {
     case $1 in
         rain) echo rain:drop-size=7 ;;
@@ -51,7 +51,7 @@ portrait_of() {
 # The frame that becomes the picture: one that is typical.
 shown_of() {
     case $1 in
-        moving-twirl) echo 45 ;; # it swings, and goes through the middle near the other
+        moving-twirl) echo 45 ;; # it swings, and near frame 60 it does not twirl
         *) echo 60 ;;
     esac
 }
@@ -68,7 +68,6 @@ make_effect() {
 export -f make_effect request_of portrait_of shown_of
 export program portrait lowered frames out
 
-# The ids, and what a person calls them.
 list=$("$program" list --json)
 mapfile -t names < <(sed -n 's/^    "id": "\(.*\)",$/\1/p' <<< "$list")
 mapfile -t titles < <(sed -n 's/^    "title": "\(.*\)",$/\1/p' <<< "$list")

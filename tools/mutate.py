@@ -4,11 +4,10 @@
     tools/mutate.py [--count N] [--seed S] [--scratch FOLDER] [FILE...]
 
 A change is an operator, a comparison, a constant or a truth value of a source file: of those named, or of the module
-and libsfx. It is made in a copy of the tree, in FOLDER (build/mutate), where the tests of the file's folder and the
-golden frames then have to fail. A change that does not compile is replaced by another one.
+and libsfx. It is made in a copy of the tree, in FOLDER (build/mutate), where the tests of the file's folder or the
+golden frames have to notice it. A change that does not compile is replaced by another one.
 
-The exit code is 0; a survivor is a sentence to think about. Some changes cannot be noticed, since both forms mean the
-same.
+Survivors do not make the run fail: some changes cannot be noticed, since both forms mean the same.
 """
 
 from __future__ import annotations
@@ -56,7 +55,7 @@ SECONDS_PER_PROGRAM = 600
 
 @dataclass(frozen=True)
 class Change:
-    """One place of a file, and what takes it."""
+    """One place of a file, and its replacement."""
 
     file: Path  # below the root
     line: int  # from 1
@@ -116,7 +115,7 @@ class Copy:
         self.run(["cmake", "--preset", "release", "-DSE_BUILD_TESTS=ON", "-DSE_BUILD_HOST=OFF"], check=True)
 
     def run(self, command: list[str], check: bool = False) -> bool:
-        """Whether a command succeeds in the copy, in good time."""
+        """Whether a command succeeds in the copy within the time limit."""
         try:
             return (
                 subprocess.run(

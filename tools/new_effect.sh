@@ -20,9 +20,9 @@ kind=$1
 name=$2
 case $kind in
     tone | distortion | drawing | time | animated) ;;
-    *) fail "\"$kind\" is no kind: tone, distortion, drawing, time or animated" ;;
+    *) fail "\"$kind\" is not a kind: tone, distortion, drawing, time or animated" ;;
 esac
-echo "$name" | grep -Eq '^[A-Z][A-Za-z0-9]*$' || fail "\"$name\" is no name in upper camel case, as NightSky"
+echo "$name" | grep -Eq '^[A-Z][A-Za-z0-9]*$' || fail "\"$name\" is not a name in upper camel case, such as NightSky"
 
 display=$(echo "$name" | sed 's/\([a-z0-9]\)\([A-Z]\)/\1 \2/g')
 short=$(echo "$display" | tr '[:upper:] ' '[:lower:]-')

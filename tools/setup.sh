@@ -3,7 +3,7 @@
 #
 #   tools/setup.sh GROUP...
 #
-# Does nothing, at once, when all is there. A group is one line of the table: its name and its packages.
+# Does nothing if all of it is installed. A line of the table is the name of a group and packages of it.
 set -eu
 
 groups='
