@@ -58,7 +58,7 @@ function(se_shared_library name exports)
 endfunction()
 
 # WebAssembly: C++ exceptions by its own instructions, in the form that all browsers have. Nothing is loaded at another
-# address. The compiler finds the target's name deprecated, but Debian's packages have it so.
+# address. The compiler calls the target's name deprecated, but Debian's packages use it.
 if(WASI)
     set(CMAKE_CXX_COMPILE_OPTIONS_PIC "")
     option(SE_WASM_SIMD "Use 128-bit vectors" ON)

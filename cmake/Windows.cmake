@@ -1,5 +1,5 @@
-# What a Windows build has besides: the face cascade, which a program of this machine makes, and import libraries for
-# hosts built with Microsoft's compiler, beside those for MinGW.
+# What a Windows build has in addition: the face cascade, which a program built for this machine makes, and import
+# libraries for hosts built with Microsoft's compiler, beside those for MinGW.
 #
 # Such a host links to C names only. Of the module that is the creation function: all else it reaches through tables of
 # virtual operations.

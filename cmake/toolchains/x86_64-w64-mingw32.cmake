@@ -5,7 +5,8 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# Windows of their own, in the build folder, without a display and without offers to download what is missing.
+# Programs run in a Wine prefix of their own, in the build folder, without a display and without offers to download
+# missing parts.
 set(CMAKE_CROSSCOMPILING_EMULATOR env WINEPREFIX=${CMAKE_BINARY_DIR}/wine WINEARCH=win64 WINEDEBUG=-all
     "WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=" DISPLAY= LC_ALL=C.UTF-8 wine)
 
