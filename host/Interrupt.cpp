@@ -29,7 +29,7 @@ void Say(const char* text) {
 
 }  // namespace
 
-// An entry stays in the list for ever, so that the handler can walk it at any time, and is used again.
+// An entry stays in the list forever, so that the handler can walk it at any time, and is used again.
 struct DoomedFile::Entry {
     std::string text;
     std::atomic<const char*> path{nullptr};  // into `text`, while the file is doomed

@@ -36,7 +36,7 @@ void Muxer::Start() {
     Dictionary settings;
     const std::string_view muxer = container_.muxer;
     if (muxer == "mp4" || muxer == "mov") settings.Set("movflags", "+faststart+write_colr");
-    if (muxer == "apng") settings.Set("plays", "0");  // for ever
+    if (muxer == "apng") settings.Set("plays", "0");  // forever
     if (muxer == "webp") settings.Set("loop", "0");
     Check(avformat_write_header(context_.get(), settings.Address()));
     hasHeader_ = true;

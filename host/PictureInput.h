@@ -6,7 +6,7 @@
 
 namespace host {
 
-/// The first picture of a source, for ever.
+/// The first picture of a source, repeated forever.
 class PictureInput : public VideoInput {
   public:
     PictureInput(VideoInput& source, const InputOptions& options);

@@ -26,7 +26,7 @@ struct Size {
 
 enum class InputKind {
     Recording,  ///< a video: as many frames as it has
-    Picture,    ///< one picture, repeated for ever
+    Picture,    ///< one picture, repeated forever
     Scene,      ///< drawn by this program, without end
     Live,       ///< a camera: frames come when they come
 };

@@ -29,7 +29,7 @@ struct FormatInfo {
     uint8_t chromaShiftX, chromaShiftY;  ///< log2 of the luma samples for a chroma sample; 0 for RGB
 };
 
-/// Null for a number that is no format.
+/// Null for a number that is not a format.
 const FormatInfo* FindFormat(int32_t format);
 
 /// Rows of a plane, and the bytes of one, for a picture of this size. `plane` is below `planes`.

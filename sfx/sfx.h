@@ -384,7 +384,7 @@ SFX_API size_t sfx_picture_layout(sfx_picture* picture, int32_t format, int32_t 
  * with its first frame and advances by the difference to the frame before. It stands still where a time
  * stamp is earlier than the one before.
  *
- * A change of width or height is no error: the effect starts anew at the new size, like after sfx_reset;
+ * A change of width or height is not an error: the effect starts anew at the new size, like after sfx_reset;
  * format, strides, matrix and range may change at any time and disturb nothing.
  *
  * Effects work on planar YUV 4:2:0 of even size. An I420 or YV12 picture of even size whose rows are tight is

@@ -113,7 +113,7 @@ RadialFunction::RadialFunction(double end, const std::function<RadialTurn(double
             worst = std::max({worst, std::abs(Polynomial(piece.along.data(), t) - turn.along),
                               std::abs(Polynomial(piece.across.data(), t) - turn.across)});
         }
-        // Pieces beside a pole or with values that are no numbers leave everything to the formula.
+        // Pieces beside a pole or with values that are not numbers leave everything to the formula.
         piece.error = 64 * (worst + 1e-15);
         if (!(piece.error < 1)) piece = {{}, {}, 1};
     }

@@ -77,7 +77,7 @@ uint64_t LoadWord(const uint8_t* pixels) {
     return word;
 }
 
-/// Bit i is set where pixel i of 64 is no paper.
+/// Bit i is set where pixel i of 64 is not paper.
 uint64_t InkedPixels(const uint8_t* pixels) {
     constexpr uint64_t kLow = 0x7F7F7F7F7F7F7F7F, kEach = 0x0101010101010101;
     uint64_t bits = 0;

@@ -68,14 +68,14 @@ TEST(EffectBase, FillsAQuarterOfTheLumaInChroma) {
     // 5 by 5: a quarter of the luma is 6 bytes, the chroma planes hold 2 by 2.
     auto effect = EffectDriver::Of<CTracedEffect>();
     ASSERT_EQ(effect.Configure(5, 5), kSuccess);
-    for (const auto& [told, filled] : {std::pair{0, 4}, {4, 4}, {5, 5}, {6, 6}, {9, 6}, {-1, 4}}) {
+    for (const auto& [stated, filled] : {std::pair{0, 4}, {4, 4}, {5, 5}, {6, 6}, {9, 6}, {-1, 4}}) {
         uint8_t luma[25] = {}, u[10] = {}, v[10] = {};
-        ImageRecord image{kFormatPlanar, {luma, u, v}, 0, {25, told, told}};
+        ImageRecord image{kFormatPlanar, {luma, u, v}, 0, {25, stated, stated}};
         FrameRecord frame{{}, &image};
         EXPECT_EQ(effect->ProcessFrame(&frame), kSuccess);
         for (int i = 0; i < 10; ++i) {
-            EXPECT_EQ(u[i], i < filled ? 1 : 0) << told << " told, byte " << i;
-            EXPECT_EQ(v[i], i < filled ? 2 : 0) << told << " told, byte " << i;
+            EXPECT_EQ(u[i], i < filled ? 1 : 0) << stated << " stated, byte " << i;
+            EXPECT_EQ(v[i], i < filled ? 2 : 0) << stated << " stated, byte " << i;
         }
     }
 }

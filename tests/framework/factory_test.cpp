@@ -18,7 +18,7 @@ constexpr EffectGuid kListedOnly = ParseGuid("{8AAE654A-D222-4D8A-968F-937591B1B
 constexpr EffectGuid kGraphicPen3 = ParseGuid("{333FBC24-1123-4E32-BBA1-3E77B228A727}");
 constexpr EffectGuid kSepia = ParseGuid("{3BF3AE40-0316-41B9-84C5-A8C671212CAC}");
 
-TEST(Factory, TellsTheSizeOfTheListing) {
+TEST(Factory, GivesTheSizeOfTheListing) {
     FactoryHandle factory;
     uint32_t count = 0;
     EXPECT_EQ(factory->EnumerateEffects(nullptr, &count), kSuccess);

@@ -192,14 +192,14 @@ TEST_P(RoundedChroma, EqualsItsModelOnLargePlanesThatAreRoundedDown) {
 /// At even sizes the format alone determines the planes; PlaneSize has no effect.
 TEST_P(RoundedChroma, IsNotLookedAtInEvenSizes) {
     ASSERT_EQ(effect.Configure(4, 2), kSuccess);
-    TestFrame told = TestFrame(4, 2).Randomize(1);
-    TestFrame untold = told;
-    ASSERT_EQ(effect.Process(told), kSuccess);
+    TestFrame expected = TestFrame(4, 2).Randomize(1);
+    TestFrame source = expected;
+    ASSERT_EQ(effect.Process(expected), kSuccess);
     for (const int32_t size : {INT32_MIN, 0, 1, INT32_MAX}) {
-        TestFrame frame = untold;
+        TestFrame frame = source;
         std::fill_n(frame.image().PlaneSize, 3, size);
         EXPECT_EQ(effect.Process(frame), kSuccess);
-        EXPECT_EQ(FirstDifference(frame, told), "") << size;
+        EXPECT_EQ(FirstDifference(frame, expected), "") << size;
         EXPECT_TRUE(frame.GuardsIntact());
     }
 }

@@ -183,7 +183,7 @@ TEST_F(CompanyTest, IsCarried) {
         EXPECT_EQ(Probe(each.file, "stream=codec_name:stream_tags=language", "s:0"), each.subtitles);
         const std::string text =
             Shell(std::string("ffmpeg -v error -nostdin -i ") + each.file + " -map 0:s:0 -f srt -").out;
-        // The first packet of the sound, which nobody hears, shifts it by some milliseconds.
+        // The first packet of the sound, which is not played, shifts it by some milliseconds.
         EXPECT_NE(text.find("00:00:00,2"), std::string::npos) << text;
         EXPECT_NE(text.find(" --> 00:00:00,8"), std::string::npos) << text;
         EXPECT_NE(text.find("\nHello"), std::string::npos) << text;
@@ -203,7 +203,7 @@ TEST_F(CompanyTest, IsCutWithTheVideo) {
     EXPECT_NEAR(std::atof(ProbeFormat("out.mp4", "format=duration").c_str()), 0.6, 0.05);
 }
 
-TEST_F(CompanyTest, WhatIsLeftOutIsToldInOneNote) {
+TEST_F(CompanyTest, WhatIsLeftOutIsNamedInOneNote) {
     EXPECT_EQ(
         Apply("in.mkv out.gif"),
         "specialeffects: note: left out, .gif does not take it: 1 track of sound, 1 track of subtitles, "

@@ -147,7 +147,7 @@ TEST(TestScene, FillsFramesOfAnySize) {
     }
 }
 
-TEST(ProgressLine, TellsFramesRateAndTimeLeft) {
+TEST(ProgressLine, ShowsFramesRateAndTimeLeft) {
     EXPECT_EQ(ProgressLine(60, 120, 2),
               "[###############...............] 60/120 frames, 30.0 fps, 0:02 left");
     EXPECT_EQ(ProgressLine(120, 120, 2),

@@ -93,7 +93,7 @@ TEST(SfxMemory, AllLinksTakeASettingsFileOrNone) {
         sfx_print(effect, printed.data(), printed.size() + 1);
         return printed;
     };
-    testing::internal::CaptureStderr();  // where the module says that the file is no cascade
+    testing::internal::CaptureStderr();  // where the module says that the file is not a cascade
     for (const bool running : {false, true}) {
         SCOPED_TRACE(running);
         bool failed = true;

@@ -45,7 +45,7 @@ TEST(List, HasAllThatCanBeCreated) {
 }
 
 // GetProperty's answer on a configured new object, not the table's default text.
-TEST(List, TellsTheValuesThatEffectsStartWith) {
+TEST(List, GivesTheValuesThatEffectsStartWith) {
     const Home home;
     size_t properties = 0;
     for (size_t i = 0; i < sfx_effect_count(); ++i) {

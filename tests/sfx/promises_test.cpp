@@ -767,7 +767,7 @@ TEST(Promises, PresetFilesOfAnotherFormAddNothing) {
     }
     EXPECT_EQ(sfx_load_presets(WriteFile(home.Path("presets"), "title = no section\n").c_str()),
               SFX_ERROR_VALUE);
-    // An empty file, comments, other line ends and no last line end are no errors.
+    // An empty file, comments, other line ends and a missing last line end are not errors.
     for (const char* const content : {"", "\n", "# x", "; x\n\n  \n"}) {
         EXPECT_EQ(sfx_load_presets(WriteFile(home.Path("presets"), content).c_str()), SFX_OK) << content;
     }

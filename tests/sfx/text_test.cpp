@@ -405,7 +405,7 @@ TEST(Data, OfCloudsIsMadeOnceInTheCache) {
     EXPECT_EQ(fs::last_write_time(file), time);
 }
 
-TEST(Data, ThatCannotBeHadIsToldAndTheEffectRuns) {
+TEST(Data, ThatCannotBeMadeIsReportedAndTheEffectRuns) {
     const Home home;
     // A file where the cache folder should be, and a pipe with the name of the data file.
     WriteFile(home.Path("cache"), "");

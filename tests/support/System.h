@@ -23,7 +23,7 @@ inline void SetVariable(const char* name, const char* value) {
 #endif
 }
 
-/// Makes a pipe that nobody writes to: who reads it waits for ever. On Windows, where pipes are in no folder,
+/// Makes a pipe that nobody writes to: reading it waits forever. On Windows, where pipes are in no folder,
 /// makes a folder.
 inline bool MakePipe(const std::string& path) {
 #if defined(_WIN32)

@@ -36,7 +36,7 @@ for import in $imports; do
     esac
 done
 
-# Moves of 32 and 64 bytes that fault on addresses which are no multiple of their size. The stack is a multiple of 16.
+# Moves of 32 and 64 bytes that fault on addresses that are not a multiple of their size. The stack is a multiple of 16.
 aligned='[[:space:]]v?mov(nt)?(aps|apd|dqa|dqa32|dqa64|dq|ntps|ntpd|ntdqa)[[:space:]].*%[yz]mm'
 wide=$("$objdump" -d --no-show-raw-insn "$dll" | grep -c '%[yz]mm')
 if [ "$wide" -lt 1000 ]; then

@@ -37,11 +37,11 @@ done
 # Twice the negative is the picture, but for the rounding of colours.
 "$@" apply -e polarize "$sources/demo/portrait.jpg" negative.png
 "$@" apply -e polarize negative.png positive.bmp
-[ "$(head -c 2 positive.bmp)" = BM ] || fail "positive.bmp is no bitmap"
-[ "$(head -c 4 negative.png | tail -c 3)" = PNG ] || fail "negative.png is no PNG"
+[ "$(head -c 2 positive.bmp)" = BM ] || fail "positive.bmp is not a bitmap"
+[ "$(head -c 4 negative.png | tail -c 3)" = PNG ] || fail "negative.png is not a PNG"
 "$@" apply -e sketch-2+preset:noir --frames 3 positive.bmp sketch.png
 
-# What is there is kept, and mistakes are told.
+# Existing files are kept, and mistakes are reported.
 cp one.y4m kept.y4m
 ! "$@" apply -e sepia in.y4m kept.y4m 2> error.txt || fail "an existing file was replaced"
 grep -q 'kept.y4m exists' error.txt
@@ -58,5 +58,5 @@ head -c 600 in.y4m > short.y4m
 ! "$@" apply -e sepia short.y4m out.y4m 2> error.txt || fail "a broken stream was accepted"
 
 "$@" list | grep -q '^sketch-2 ' || fail "list has no sketch-2"
-"$@" info rain | grep -q drop-size || fail "info tells no property"
+"$@" info rain | grep -q drop-size || fail "info shows no property"
 echo "The program does what it should."

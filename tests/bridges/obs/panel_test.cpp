@@ -300,19 +300,19 @@ TEST(Panel, ShowsWhatIsWrongWithAnEffect) {
     EXPECT_FALSE(obs_property_visible(dialog.Property("problem")));
 }
 
-TEST(Panel, IsToldOfChangesFromOutside) {
+TEST(Panel, FollowsChangesFromOutside) {
     Dialog dialog(R"({"effect": "rain"})");
-    std::atomic<int> told = 0;
+    std::atomic<int> updates = 0;
     const auto count = [](void* data, calldata_t*) { ++*static_cast<std::atomic<int>*>(data); };
     signal_handler_t* const signals = obs_source_get_signal_handler(dialog.filter.get());
-    signal_handler_connect(signals, "update_properties", count, &told);
+    signal_handler_connect(signals, "update_properties", count, &updates);
     dialog.Set("effect", "sepia");
     WaitForFrames(5);
-    const int after = told;
+    const int after = updates;
     // As a script does it, and the dialog's button "Defaults".
     Update(dialog.filter, R"({"effect": "neonize"})");
-    EXPECT_TRUE(WaitUntil([&] { return told > after; }));
-    signal_handler_disconnect(signals, "update_properties", count, &told);
+    EXPECT_TRUE(WaitUntil([&] { return updates > after; }));
+    signal_handler_disconnect(signals, "update_properties", count, &updates);
 }
 
 TEST(Panel, DescribesAKindOfFilterToo) {

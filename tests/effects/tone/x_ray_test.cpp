@@ -71,17 +71,17 @@ TEST(XRay, TakesTheByteCountsFromTheFrame) {
     source.Randomize(7);
     TestFrame whole = source;
     XRayModel(whole);
-    for (const int32_t told : {77, 0, -3, 200, 100000}) {
+    for (const int32_t stated : {77, 0, -3, 200, 100000}) {
         TestFrame frame = source, expected = source;
-        const auto replaced = static_cast<size_t>(std::clamp(told, 0, 200));
+        const auto replaced = static_cast<size_t>(std::clamp(stated, 0, 200));
         for (uint8_t& luma : expected.plane(0)) luma = static_cast<uint8_t>(luma < 50 ? 0 : luma - 50);
         std::copy_n(whole.y(), replaced, expected.y());
         std::fill_n(expected.u(), 7, uint8_t{128});
-        frame.image().PlaneSize[0] = told;
+        frame.image().PlaneSize[0] = stated;
         frame.image().PlaneSize[1] = 7;
         frame.image().PlaneSize[2] = -1;
         EXPECT_EQ(effect.Process(frame), kSuccess);
-        EXPECT_EQ(FirstDifference(frame, expected), "") << told;
+        EXPECT_EQ(FirstDifference(frame, expected), "") << stated;
         EXPECT_TRUE(frame.GuardsIntact());
     }
 }

@@ -35,7 +35,7 @@ async function keptNoise(createWorker: () => Worker, module: WebAssembly.Module)
   const kept = await cache?.match(NOISE_KEY).catch(() => undefined);
   if (kept) return new Uint8Array(await kept.arrayBuffer());
   const noise = await noiseOfWorker(createWorker, module);
-  // A full disk or a private window is no reason to fail.
+  // A full disk or a private window is not a reason to fail.
   if (noise !== null) await cache?.put(NOISE_KEY, new Response(noise)).catch(() => undefined);
   return noise;
 }

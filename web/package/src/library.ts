@@ -164,7 +164,7 @@ export class Library {
     this.#exports.free(address);
   }
 
-  /** Throws where the status is an error. Statuses above 0 are no errors. */
+  /** Throws where the status is an error. Statuses above 0 are not errors. */
   check(status: number): void {
     if (status >= 0) return;
     throw new SpecialEffectsError(

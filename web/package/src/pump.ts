@@ -102,10 +102,10 @@ export class Pump {
     }
     await show(changed ?? frame);
     ++this.#since.written;
-    this.#tell();
+    this.#report();
   }
 
-  #tell(): void {
+  #report(): void {
     const now = performance.now();
     const elapsed = now - this.#since.time;
     if (elapsed < STATS_INTERVAL) return;

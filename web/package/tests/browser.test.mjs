@@ -169,7 +169,7 @@ for (const path of PATHS) {
     assert.deepEqual([found.report.width, found.report.height], [WIDTH, HEIGHT]);
     assert.deepEqual(found.size, [WIDTH, HEIGHT]);
     assert.ok(found.report.memory > 1e6);
-    // A machine that does other work besides may drop frames; a path that stalls does not come near this.
+    // A machine that also does other work may drop frames; a path that stalls does not come near this.
     assert.ok(found.fps > found.cameraRate / 4, `${found.fps} frames/s`);
   });
 
@@ -405,13 +405,13 @@ pageTest('a trap passes frames through, and the effects come back', async (page)
         return seen.length === 3;
       });
       await running.stop();
-      return { seen, told: errors.splice(0) };
+      return { seen, reported: errors.splice(0) };
     },
     { [gray]: 'gray', [raw]: 'raw' },
   );
   assert.deepEqual(found.seen, ['gray', 'raw', 'gray']);
-  assert.equal(found.told.length, 1);
-  assert.match(found.told[0], /^trap: /);
+  assert.equal(found.reported.length, 1);
+  assert.match(found.reported[0], /^trap: /);
 });
 
 pageTest('the noise of Clouds is made once and kept', async (page) => {

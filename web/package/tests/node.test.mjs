@@ -302,7 +302,7 @@ test('of several requests the last wins, however long data files take', async ()
   for (let i = 0; i < changed.data.length; i += 4) assert.ok(Math.abs(changed.data[i] - changed.data[i + 1]) < 3);
 });
 
-test('a data file that cannot be had is told, and the effect runs without', async () => {
+test('a data file that cannot be loaded is reported, and the effect runs without', async () => {
   const { engine, errors } = await createEngine({
     dataFiles: async () => {
       throw new Error('no network');

@@ -51,7 +51,7 @@ export async function open({ browser, url }, { hash = "", init, wait = true, ...
     await context.grantPermissions(["camera", "clipboard-read", "clipboard-write"], { origin: new URL(url).origin });
     const page = await context.newPage();
     page.setDefaultTimeout(30_000);
-    // What a browser drops when a page falls far behind is no fault of the page.
+    // Frames that the browser drops when a page falls far behind are not the page's fault.
     page.trouble = [];
     page.on("pageerror", (error) => page.trouble.push(error.stack));
     page.on("console", (message) => {

@@ -418,7 +418,7 @@ describe("screen", () => {
         assert.equal(await page.getAttribute("#full", "aria-pressed"), "false");
     });
 
-    on("tells frames per second and milliseconds", {}, async (page) => {
+    on("shows frames per second and milliseconds", {}, async (page) => {
         await page.waitForFunction(() => Number(document.getElementById("fps").textContent) > 0);
         await page.waitForFunction(() => Number(document.getElementById("ms").textContent) > 0);
     });

@@ -109,7 +109,7 @@ async function rate(track, seconds) {
   });
 }
 
-/** Mean of each plane of an I420 frame, for comparisons after a lossy way. */
+/** Mean red, green and blue of a frame, for comparisons after lossy steps. */
 async function means(frame) {
   const options = { format: 'RGBA' };
   const bytes = await bytesOf(frame, options);
