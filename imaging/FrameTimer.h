@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstdint>
 
-/// Two clock readings, in ticks of the steady clock. The module itself never reads them.
+/// Two clock readings, in ticks of the steady clock. For builds that measure; the module does not use it.
 class CFrameTimer {
   public:
     void Start() { started = Now(); }

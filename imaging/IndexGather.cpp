@@ -447,12 +447,6 @@ SE_PICK_TARGET const uint32_t* RunShuffled(const uint32_t* words, uint32_t count
 
 }  // namespace
 
-void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint8_t* dst, size_t count) {
-    for (size_t i = 0; i < count; ++i) {
-        if (index[i] < srcSize) dst[i] = src[index[i]];
-    }
-}
-
 void GatherMap::Build(std::span<const uint32_t> index, int32_t width, size_t srcPixels, int32_t pixelBytes) {
     Release();
     if (width < 1 || index.size() < static_cast<size_t>(width)) return;

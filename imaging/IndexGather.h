@@ -8,10 +8,6 @@
 #include <span>
 #include <vector>
 
-/// dst[i] = src[index[i]] for `count` bytes; where the index is not below `srcSize`, dst[i] stays as it is.
-/// The memories do not overlap. For a map that is used once; a fixed one is better made into a `GatherMap`.
-void GatherBytes(const uint8_t* src, size_t srcSize, const uint32_t* index, uint8_t* dst, size_t count);
-
 /// A fixed map, compiled for speed: neighbouring pixels mostly come from a few neighbourhoods, so that
 /// a few loads and byte shuffles fetch sixteen of them.
 ///

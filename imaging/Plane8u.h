@@ -2,8 +2,8 @@
 //
 // Rows are packed: the row step of every plane equals its width. Nothing here reads or writes outside the
 // planes it is given. Where sizes do not match, an operation is clipped to the common part or leaves the
-// destination unchanged, as each states. No operation changes an empty plane (one without memory, or with a
-// size below 1).
+// destination unchanged, as each states. Empty planes (no memory, or a size below 1) are never changed.
+// Effects are defined in these operations; where all of them use a faster form, the plain one has no caller.
 #ifndef SPECIALEFFECTS_IMAGING_PLANE8U_H
 #define SPECIALEFFECTS_IMAGING_PLANE8U_H
 

@@ -321,22 +321,6 @@ void Gather(Trial& t) {
     });
 }
 
-void GatherOnce(Trial& t) {
-    const std::vector<uint32_t> index =
-        MakeMap(kTurned, t.Pick("holes", {0, 1}) != 0, t.width(), t.height(), t.random());
-    const auto pixels = static_cast<size_t>(t.width()) * static_cast<size_t>(t.height());
-    const auto src = t.Source<uint8_t>({.packed = true});
-    const auto dst = t.Target<uint8_t>({.packed = true});
-    t.Run(0, 1, [&](int plain, Side side) {
-        if (plain == 0) {
-            GatherBytes(src.at(side), pixels, index.data(), dst.at(side), pixels);
-        } else {
-            model::GatherPixels(src.at(side), pixels, index.data(), dst.at(side), pixels, 1);
-        }
-        return 0;
-    });
-}
-
 const Register kernels("geometry", {
                                        {"PrimMirror8uC1", Mirror},
                                        {"PrimCopyReplicateBorder8uC1", CopyReplicateBorder},
@@ -355,7 +339,6 @@ const Register kernels("geometry", {
                                        {"ShadeByGradient", Shade},
                                        {"GatherMap", Gather<1>},
                                        {"GatherMap, 3 bytes", Gather<3>, 3},
-                                       {"GatherBytes", GatherOnce},
                                    });
 
 }  // namespace

@@ -140,12 +140,4 @@ TEST(GatherMap, BuildingAnewReplacesTheMap) {
     EXPECT_TRUE(std::equal(target.begin(), target.end(), source.rbegin()));
 }
 
-TEST(GatherBytes, LeavesPixelsWithoutSource) {
-    const Bytes source{10, 20, 30};
-    const Index index{2, 3, 0, 0xFFFFFFFF, 1};
-    Bytes target(5, 7);
-    GatherBytes(source.data(), source.size(), index.data(), target.data(), target.size());
-    EXPECT_EQ(target, (Bytes{30, 7, 10, 7, 20}));
-}
-
 }  // namespace
