@@ -53,8 +53,7 @@ sfx_effect::Place sfx_effect::Find(std::string_view name) const {
         const auto number = sfx::ParseInteger(name.substr(0, dot));
         if (!number || *number < 0 || static_cast<size_t>(*number) >= links_.size()) {
             throw Failure{Tell(SFX_ERROR_UNKNOWN, "\"%.*s\" names none of the %zu effects in the row",
-                               static_cast<int>(std::min<size_t>(name.size(), 80)), name.data(),
-                               links_.size())};
+                               sfx::QuotedSize(name), name.data(), links_.size())};
         }
         const auto link = static_cast<size_t>(*number);
         return {link, links_[link].Effect().RequireProperty(name.substr(dot + 1))};
@@ -69,7 +68,7 @@ sfx_effect::Place sfx_effect::Find(std::string_view name) const {
         links_[0].Effect().RequireProperty(name);
     }
     throw Failure{Tell(SFX_ERROR_UNKNOWN, "none of the %zu effects in the row has a property \"%.*s\"",
-                       links_.size(), static_cast<int>(std::min<size_t>(name.size(), 80)), name.data())};
+                       links_.size(), sfx::QuotedSize(name), name.data())};
 }
 
 namespace {

@@ -17,14 +17,6 @@ namespace {
 constexpr size_t kTextCapacity = 256;  // of the contract's texts
 using Text = std::array<char, kTextCapacity>;
 
-Filter CreateRow(size_t index) {
-    Filter filter(EffectCatalogue()[index].create());
-    if (filter == nullptr) {
-        throw std::bad_alloc();
-    }
-    return filter;
-}
-
 /// Colours are 0xRRGGBB here and "red,green,blue" in the module.
 std::string ModuleText(sfx_type type, int32_t value) {
     switch (type) {
@@ -134,7 +126,7 @@ class List {
         NoSurroundings none;
         const SurroundingsScope scope(none);
         EffectEntry entry{};
-        entry.create = CreateRow;
+
         entry.index = index;
         Text name{};
         entry.Create()->GetInternalInfo()->GetName(name.data(), kTextCapacity);
@@ -267,10 +259,8 @@ int32_t PropertyEntry::Parse(std::string_view text, bool& clamped) const {
         for (const sfx_choice& choice : choices) {
             names.emplace_back(choice.id);
         }
-        constexpr size_t kLongest = 80;
         throw Failure{Tell(info.type == SFX_CHOICE ? SFX_ERROR_UNKNOWN : SFX_ERROR_VALUE,
-                           "%s takes %s, not \"%.*s\"%s", info.id, takes,
-                           static_cast<int>(std::min(text.size(), kLongest)), text.data(),
+                           "%s takes %s, not \"%.*s\"%s", info.id, takes, QuotedSize(text), text.data(),
                            Suggestion(wanted, names).c_str())};
     }
     const int32_t within = Clamp(*value);
@@ -307,6 +297,14 @@ int32_t PropertyEntry::Get(CSpecialEffectFilter& filter) const {
     return FromModuleText(info.type, text.data());
 }
 
+Filter EffectEntry::Create() const {
+    Filter filter(EffectCatalogue()[index].create());
+    if (filter == nullptr) {
+        throw std::bad_alloc();
+    }
+    return filter;
+}
+
 size_t EffectEntry::FindProperty(std::string_view name) const {
     const std::string wanted = DashedLower(name);
     const auto same = [&](const PropertyEntry& property) {
@@ -320,18 +318,16 @@ size_t EffectEntry::RequireProperty(std::string_view name) const {
     if (found < properties.size()) {
         return found;
     }
-    constexpr size_t kLongest = 80;
-    const int shown = static_cast<int>(std::min(name.size(), kLongest));
     if (properties.empty()) {
-        throw Failure{
-            Tell(SFX_ERROR_UNKNOWN, "%s has no property \"%.*s\"; it has none", info.id, shown, name.data())};
+        throw Failure{Tell(SFX_ERROR_UNKNOWN, "%s has no property \"%.*s\"; it has none", info.id,
+                           QuotedSize(name), name.data())};
     }
     std::string all;
     for (const PropertyEntry& property : properties) {
         all += all.empty() ? "" : ", ";
         all += property.info.id;
     }
-    throw Failure{Tell(SFX_ERROR_UNKNOWN, "%s has no property \"%.*s\"; it has %s", info.id, shown,
+    throw Failure{Tell(SFX_ERROR_UNKNOWN, "%s has no property \"%.*s\"; it has %s", info.id, QuotedSize(name),
                        name.data(), all.c_str())};
 }
 

@@ -35,11 +35,11 @@ struct PropertyEntry {
 
 struct EffectEntry {
     sfx_effect_info info;
-    Filter (*create)(size_t index);
-    size_t index;
+    size_t index;  ///< of the row in the module's catalogue
     std::vector<PropertyEntry> properties;
 
-    Filter Create() const { return create(index); }
+    /// A new effect. Throws std::bad_alloc.
+    Filter Create() const;
     /// The place of a property by its id or the module's name for it; properties.size() if unknown.
     size_t FindProperty(std::string_view name) const;
     /// The same; throws Failure if unknown.

@@ -1,7 +1,5 @@
 #include "sfx/EffectText.h"
 
-#include <algorithm>
-
 #include "sfx/Guard.h"
 #include "sfx/Presets.h"
 #include "sfx/Words.h"
@@ -10,12 +8,6 @@ namespace sfx {
 namespace {
 
 constexpr std::string_view kPreset = "preset";
-
-/// A piece of a text in a message.
-int Shown(std::string_view text) {
-    constexpr size_t kLongest = 80;
-    return static_cast<int>(std::min(text.size(), kLongest));
-}
 
 void ParseSettings(std::string_view text, LinkText& link, bool& clamped) {
     // A comma begins a new setting when a name and "=" follow; any other belongs to the value, as in a
@@ -34,8 +26,8 @@ void ParseSettings(std::string_view text, LinkText& link, bool& clamped) {
             items.back().value.append(",").append(piece);
         } else {
             throw Failure{Tell(SFX_ERROR_VALUE,
-                               "\"%.*s\" sets nothing; properties of %s are set as name=value", Shown(piece),
-                               piece.data(), link.effect->info.id)};
+                               "\"%.*s\" sets nothing; properties of %s are set as name=value",
+                               QuotedSize(piece), piece.data(), link.effect->info.id)};
         }
     }
     for (const Item& item : items) {

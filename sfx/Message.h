@@ -2,9 +2,18 @@
 #ifndef SPECIALEFFECTS_SFX_MESSAGE_H
 #define SPECIALEFFECTS_SFX_MESSAGE_H
 
+#include <algorithm>
+#include <string_view>
+
 #include "sfx/sfx.h"
 
 namespace sfx {
+
+/// How many bytes of a text a message quotes, for "%.*s".
+inline int QuotedSize(std::string_view text) {
+    constexpr size_t kLongest = 80;
+    return static_cast<int>(std::min(text.size(), kLongest));
+}
 
 /// Writes the message of this thread as printf does, and returns the status. Bytes that are not UTF-8 are
 /// replaced:
