@@ -162,5 +162,5 @@ Next: build, record its golden frames, run its tests.
   cmake --preset release -DSE_BUILD_TESTS=ON
   cmake --build --preset release --target ${kind}_tests framework_tests golden_tests update_goldens
   build/release/tests/update_goldens tests/golden/checksums.txt $short
-  ctest --preset release -j2 -R '$name|Catalogue'
+  ctest --preset release -j2 -R '$name|Catalogue|Golden'
 END

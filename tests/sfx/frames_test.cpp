@@ -112,7 +112,7 @@ TEST_P(EveryEffect, TakesEverySizeAndFormat) {
 }
 
 std::string EffectCaseName(const testing::TestParamInfo<size_t>& info) {
-    std::string name = sfx_effect_at(info.param)->id;
+    std::string name = EffectCatalogue()[info.param].shortName;
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
 }
