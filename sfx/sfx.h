@@ -294,8 +294,8 @@ SFX_API sfx_status sfx_get_seed(const sfx_effect* effect, uint32_t* seed) SFX_NO
  * Where data files are looked for: first in this folder (null: none, the default), then in the installed
  * data folder, then in $XDG_CACHE_HOME/specialeffects, by default ~/.cache/specialeffects, on Windows
  * %LOCALAPPDATA%/specialeffects. The noise file of Clouds is made once when it is in none of them, in the
- * given folder or, where that cannot be written or none is given, in the cache folder; that takes part of a
- * second, in sfx_prepare or in the first frame. Takes effect when the effect is next configured (first frame,
+ * given folder or, where that cannot be written or none is given, in the cache folder; that takes a second or
+ * two, in sfx_prepare or in the first frame. Takes effect when the effect is next configured (first frame,
  * change of size, sfx_reset).
  */
 SFX_API sfx_status sfx_set_data_folder(sfx_effect* effect, const char* folder) SFX_NOEXCEPT;

@@ -77,7 +77,7 @@ function noiseOfWorker(
   });
 }
 
-/** Makes the noise on this thread, in an instance of its own. Takes part of a second. */
+/** Makes the noise on this thread, in an instance of its own. Takes a second or two. */
 export async function makeNoise(module: WebAssembly.Module): Promise<Uint8Array<ArrayBuffer> | null> {
   const library = await Library.instantiate(module);
   library.create('clouds').prepare(640, 480);
