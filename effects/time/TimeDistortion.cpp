@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "imaging/ExactDivision.h"
 #include "imaging/PerLevel.h"
@@ -10,6 +11,7 @@
 namespace {
 
 constexpr int kStill = 10;         ///< the largest difference that counts as no change
+constexpr size_t kStretch = 4096;  ///< pixels whose values stay in the first-level cache
 constexpr uint8_t kPresent = 255;  ///< instead of a slot: the pixel has not changed
 
 SE_INLINE void UpdateAverage(uint8_t* SE_RESTRICT average, const uint8_t* SE_RESTRICT y, size_t count) {
@@ -77,40 +79,60 @@ void CTimeDistortionSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame)
     CPlane8u v = CPlane8u::Over(frame.v.data, frame.v.width, frame.v.height);
 
     const uint32_t newest = FrameCount % kRing;
-    HistoryY[newest].CopyPixels(y);
     HistoryU[newest].CopyPixels(u);
     HistoryV[newest].CopyPixels(v);
     if (WarmingUp && FrameCount == 0) Average.CopyPixels(y);
-    AtLevel<UpdateAverage>(Average.data, y.data, y.Size());
-
+    for (size_t begin = 0; begin < y.Size(); begin += kStretch) {
+        const size_t count = std::min(kStretch, y.Size() - begin);
+        std::memcpy(HistoryY[newest].data + begin, y.data + begin, count);
+        AtLevel<UpdateAverage>(Average.data + begin, y.data + begin, count);
+        if (!WarmingUp) ShowPast(Average, y, begin, count, {{&y, HistoryY}});
+    }
     if (WarmingUp) {
         if (FrameCount++ >= kRing) WarmingUp = false;
         return;
     }
-    Shrink.Apply(y, SmallLuma);
+    Shrink.Apply(HistoryY[newest], SmallLuma);
     Shrink.Apply(Average, SmallAverage);
-    ShowPast(Average, y, {{&y, HistoryY}});
-    ShowPast(SmallAverage, SmallLuma, {{&u, HistoryU}, {&v, HistoryV}});
+    for (size_t begin = 0; begin < u.Size(); begin += kStretch) {
+        ShowPast(SmallAverage, SmallLuma, begin, std::min(kStretch, u.Size() - begin),
+                 {{&u, HistoryU}, {&v, HistoryV}});
+    }
     ++FrameCount;
 }
 
 /// Works on blocks, since the pixels of a block come from few frames, or all from the present.
-void CTimeDistortionSpecialEffectFilter::ShowPast(const CPlane8u& average, const CPlane8u& luma,
-                                                  std::initializer_list<Channel> channels) {
+void CTimeDistortionSpecialEffectFilter::ShowPast(const CPlane8u& average, const CPlane8u& luma, size_t begin,
+                                                  size_t count, std::initializer_list<Channel> channels) {
     constexpr size_t kBlock = 64;
     const auto now = static_cast<uint8_t>(FrameCount % kRing);
-    uint8_t slots[kBlock];
-    for (size_t start = 0; start < luma.Size(); start += kBlock) {
-        const size_t count = std::min(kBlock, luma.Size() - start);
-        if (!AtLevel<ChooseSlots>(average.data + start, luma.data + start, now, slots, count)) continue;
-        for (uint32_t used = SetOf(slots, count); used != 0; used &= used - 1) {
-            const auto slot = static_cast<size_t>(std::countr_zero(used));
-            for (const auto& [pixels, history] : channels) {
-                AtLevel<TakeFrom>(history[slot].data + start, slots, static_cast<uint8_t>(slot),
-                                  pixels->data + start, count);
+    uint8_t slots[kStretch];
+    uint32_t used[kStretch / kBlock];
+    const auto forBlocks = [&](auto visit) {
+        for (size_t at = 0; at < count; at += kBlock) visit(at, std::min(kBlock, count - at));
+    };
+    // The pixels of the past are far apart in memory: all are on their way before the first is needed.
+    forBlocks([&](size_t at, size_t pixels) {
+        uint32_t& set = used[at / kBlock];
+        const size_t start = begin + at;
+        const bool changed = AtLevel<ChooseSlots>(average.data + start, luma.data + start, now, slots + at, pixels);
+        set = changed ? SetOf(slots + at, pixels) : 0;
+        for (uint32_t left = set; left != 0; left &= left - 1) {
+            for (const auto& [plane, history] : channels) {
+                __builtin_prefetch(history[std::countr_zero(left)].data + start);
             }
         }
-    }
+    });
+    forBlocks([&](size_t at, size_t pixels) {
+        const size_t start = begin + at;
+        for (uint32_t left = used[at / kBlock]; left != 0; left &= left - 1) {
+            const auto slot = static_cast<size_t>(std::countr_zero(left));
+            for (const auto& [plane, history] : channels) {
+                AtLevel<TakeFrom>(history[slot].data + start, slots + at, static_cast<uint8_t>(slot),
+                                  plane->data + start, pixels);
+            }
+        }
+    });
 }
 
 template struct EffectClass<CTimeDistortionSpecialEffectFilter>;

@@ -26,8 +26,10 @@ class CTimeDistortionSpecialEffectFilter final : public PlanarEffect<CTimeDistor
         CPlane8u* pixels;
         const CPlane8u* history;
     };
-    /// Replaces the pixels where `luma` differs from `average`; all planes have one size.
-    void ShowPast(const CPlane8u& average, const CPlane8u& luma, std::initializer_list<Channel> channels);
+    /// Replaces those of `count` pixels from number `begin` on where `luma` differs from `average`; all planes
+    /// have one size.
+    void ShowPast(const CPlane8u& average, const CPlane8u& luma, size_t begin, size_t count,
+                  std::initializer_list<Channel> channels);
 
     bool WarmingUp = true;
     uint32_t FrameCount = 0;
