@@ -28,17 +28,19 @@ constexpr auto ToneTable = [] {
 
 /// Inks the pixels of `luma` that lie on an edge of `row`.
 SE_INLINE void InkEdges(const uint8_t* row, uint8_t* luma, ptrdiff_t width, bool inside) {
-    constexpr int32_t kEdge = 60;
+    constexpr int16_t kEdge = 60;
     constexpr uint8_t kInk = 10;
-    ForEdgesOfRow(row, width, width, inside,
-                  [=](ptrdiff_t x, int32_t strength) { luma[x] = strength > kEdge ? kInk : luma[x]; });
+    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int16_t strength) {
+        const uint8_t pale = luma[x];
+        luma[x] = strength > kEdge ? kInk : pale;
+    });
 }
 
 /// Draws the edges of `row` on `luma`, darker where they are stronger, and leaves the rest pale.
 SE_INLINE void OutlineEdges(const uint8_t* row, uint8_t* luma, ptrdiff_t width, bool inside) {
-    constexpr int32_t kEdge = 60, kStrongEdge = 90;
+    constexpr int16_t kEdge = 60, kStrongEdge = 90;
     constexpr uint8_t kBoard = 221, kLine = 20;
-    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int32_t strength) {
+    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int16_t strength) {
         const auto line = static_cast<uint8_t>(kLine + kStrongEdge - std::min(strength, kStrongEdge));
         luma[x] = strength > kEdge ? line : kBoard;
     });

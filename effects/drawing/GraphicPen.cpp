@@ -82,7 +82,7 @@ void CGraphicPenSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
         Pages.Shade(luma.data, shift, luma.Size());
         return;
     }
-    const int32_t edge = Crawl ? 41 : 40;
+    const int16_t edge = Crawl ? 41 : 40;
     for (int32_t y = 0; y < luma.height; ++y) {
         uint8_t* const row = SoftenTemp.Row(y);
         LiftFlatAreas(luma, y, edge, row);

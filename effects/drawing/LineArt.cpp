@@ -52,9 +52,9 @@ uint32_t ReadColor(std::FILE* file) {
 }
 
 SE_INLINE void DrawLines(const uint8_t* row, ptrdiff_t step, uint8_t* luma, ptrdiff_t width, bool inside,
-                         int32_t threshold, uint8_t background) {
+                         int16_t threshold, uint8_t background) {
     constexpr uint8_t kLine = 255;
-    ForEdgesOfRow(row, step, width, inside, [=](ptrdiff_t x, int32_t strength) {
+    ForEdgesOfRow(row, step, width, inside, [=](ptrdiff_t x, int16_t strength) {
         luma[x] = strength < threshold ? background : kLine;
     });
 }

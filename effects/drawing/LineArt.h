@@ -28,7 +28,7 @@ class CLineArtSpecialEffectFilter final : public PlanarEffect<CLineArtSpecialEff
 
   private:
     uint32_t BackgroundColor = 0xFF8000;
-    int32_t EdgeThreshold = 25;
+    int16_t EdgeThreshold = 25;
     CGaussKernel1D Blur;
     CPlane8u Padded;  // the luma with a margin that the blur reaches into
     CPlane8u BlurredRows;

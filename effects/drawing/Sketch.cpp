@@ -35,8 +35,8 @@ void DrawTonePage(CPlane8u& page, int32_t level) {
 
 /// The tones of a row, with strong edges on the darkest page.
 SE_INLINE void InkEdges(const uint8_t* row, ptrdiff_t width, bool inside, uint8_t* tones) {
-    constexpr int32_t kStrongEdge = 250;
-    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int32_t strength) {
+    constexpr int16_t kStrongEdge = 250;
+    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int16_t strength) {
         const uint8_t tone = row[x];
         tones[x] = strength < kStrongEdge ? tone : uint8_t{0};
     });
@@ -60,7 +60,7 @@ void CSketchSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
         Pages.Shade(luma.data, 0, luma.Size());
         return;
     }
-    constexpr int32_t kContour = 51;
+    constexpr int16_t kContour = 51;
     const auto width = static_cast<size_t>(luma.width);
     for (int32_t y = 0; y < luma.height; ++y) {
         uint8_t* const row = SoftenTemp.Row(y);

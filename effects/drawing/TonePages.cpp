@@ -57,10 +57,11 @@ SE_INLINE void ShadeFrom(uint8_t* tones, const PageView* pages, size_t pageCount
     ShadeBlock(tones + begin, pages, pageCount, begin, count - begin);
 }
 
-SE_INLINE void LiftRow(const uint8_t* row, ptrdiff_t width, bool inside, int32_t edge, uint8_t* tones) {
-    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int32_t strength) {
+SE_INLINE void LiftRow(const uint8_t* row, ptrdiff_t width, bool inside, int16_t edge, uint8_t* tones) {
+    ForEdgesOfRow(row, width, width, inside, [=](ptrdiff_t x, int16_t strength) {
         const uint8_t tone = row[x];
-        const auto lifted = static_cast<uint8_t>(std::min(tone + tone / 2, 255));
+        const auto brighter = static_cast<uint16_t>(tone + tone / 2);
+        const auto lifted = static_cast<uint8_t>(std::min<uint16_t>(brighter, 255));
         tones[x] = strength < edge ? lifted : tone;
     });
 }
@@ -179,7 +180,7 @@ void SprinklePaper(CPlane8u& page, int32_t before, int32_t after) {
     }
 }
 
-void LiftFlatAreas(const CPlane8u& luma, int32_t y, int32_t edge, uint8_t* tones) {
+void LiftFlatAreas(const CPlane8u& luma, int32_t y, int16_t edge, uint8_t* tones) {
     AtLevel<LiftRow>(luma.Row(y), luma.width, IsInside(luma.height, y), edge, tones);
 }
 

@@ -57,7 +57,7 @@ void SprinklePaper(CPlane8u& page, int32_t before, int32_t after);
 
 /// The tones of row `y` of `luma`: brightened by half where an edge is weaker than `edge`, unchanged along
 /// the edges.
-void LiftFlatAreas(const CPlane8u& luma, int32_t y, int32_t edge, uint8_t* tones);
+void LiftFlatAreas(const CPlane8u& luma, int32_t y, int16_t edge, uint8_t* tones);
 
 /// Copies a finished drawing into the frame, which has the same size. If `soften`, applies a 3 by 3 Gaussian,
 /// and the outermost pixels repeat their inner neighbours; a plane too small for that stays sharp.
