@@ -35,6 +35,14 @@ int32_t Rand() {
     return scoped != nullptr ? scoped->Rand() : std::rand();
 }
 
+void FillRandom(std::span<int32_t> numbers) {
+    if (Surroundings* const current = scoped; current != nullptr) {
+        for (int32_t& number : numbers) number = current->Rand();
+    } else {
+        for (int32_t& number : numbers) number = std::rand();
+    }
+}
+
 SurroundingsScope::SurroundingsScope(Surroundings& surroundings) : before_(scoped) {
     scoped = &surroundings;
 }

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "framework/Mutex.h"
@@ -73,6 +74,8 @@ Surroundings& CurrentSurroundings();
 
 /// The next random number of the current surroundings.
 int32_t Rand();
+/// The same for many numbers, at less cost for each.
+void FillRandom(std::span<int32_t> numbers);
 
 /// Makes `surroundings` the current ones of this thread, and restores the former at its end. They have to
 /// outlive the scope. Several threads may share surroundings if all their operations allow it.

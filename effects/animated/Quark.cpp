@@ -70,7 +70,11 @@ void CQuarkSpecialEffectFilter::Prepare() {
     HistoryU.assign(HistoryBytes(chroma), 0);
     HistoryV.assign(HistoryBytes(chroma), 0);
     Noise.resize(2 * luma);
-    for (uint8_t& slot : Noise) slot = static_cast<uint8_t>(Rand() % int{kSlots});
+    std::vector<int32_t> random(static_cast<size_t>(Width()));
+    for (auto row = Noise.begin(); row != Noise.end(); row += Width()) {
+        FillRandom(random);
+        std::ranges::transform(random, row, [](int32_t n) { return static_cast<uint8_t>(n % int{kSlots}); });
+    }
     HalfNoise.resize(luma / 2);
     for (size_t i = 0; i < HalfNoise.size(); ++i) HalfNoise[i] = Noise[4 * i];
 }

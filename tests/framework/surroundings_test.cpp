@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <thread>
 #include <vector>
@@ -65,6 +66,26 @@ TEST(Surroundings, OnesOwnLeaveTheProcesssRandAlone) {
     for (int i = 0; i < 100; ++i) Rand();
     CurrentSurroundings().Srand(3);
     EXPECT_EQ(std::rand(), next);
+}
+
+TEST(Surroundings, FillNumbersAsRandGivesThem) {
+    std::array<int32_t, 40> numbers{};
+    const auto expectNextNumbers = [&](auto next) {
+        FillRandom(numbers);
+        for (const int32_t number : numbers) EXPECT_EQ(number, next());
+    };
+    std::srand(9);
+    std::array<int32_t, 40> fromLibrary{};
+    for (int32_t& number : fromLibrary) number = std::rand();
+    std::srand(9);
+    expectNextNumbers([&, i = size_t{0}]() mutable { return fromLibrary[i++]; });
+
+    TestSurroundings surroundings;
+    const SurroundingsScope scope(surroundings);
+    AdditiveRandom expected;
+    expectNextNumbers([&] { return expected.Next(); });
+    FillRandom({});
+    EXPECT_EQ(Rand(), expected.Next());
 }
 
 struct Counted {
