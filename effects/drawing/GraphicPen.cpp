@@ -1,26 +1,59 @@
 #include "effects/drawing/GraphicPen.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <span>
+
+#include "effects/drawing/DiagonalBits.h"
 #include "framework/Surroundings.h"
 
 namespace {
 
-/// Draws a stroke of |length| pixels from `point`, up to the edge of the page: up to the right over any
-/// pixels, or, for a negative length, down to the left on bare paper only. Returns how many pixels were
-/// paper.
-int32_t DrawPenStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t ink) {
-    const bool overprints = length > 0;
-    const int32_t count = overprints ? std::min({length, page.width - point.x, point.y + 1})
-                                     : std::min({-length, point.x + 1, page.height - point.y});
-    uint8_t* const first = page.Row(point.y) + point.x;
-    const ptrdiff_t next = overprints ? 1 - ptrdiff_t{page.width} : ptrdiff_t{page.width} - 1;
-    int32_t hits = 0;
-    for (ptrdiff_t n = 0; n < count; ++n) {
-        uint8_t& pixel = first[n * next];
-        const bool paper = pixel == TonePages::kPaper;
-        hits += paper ? 1 : 0;
-        pixel = paper || overprints ? ink : pixel;  // without a branch, which would be hard to predict
+/// Pixels of a page while strokes are drawn: the low half of a word has those that are paper, the high half
+/// those that have been inked.
+using PenBits = DiagonalBits<uint64_t>;
+
+/// Draws strokes from `count` random points up to the edge of the page: up to the right over any pixels, or
+/// down to the left on bare paper only. Each takes three random numbers and has at most `reach` pixels.
+/// Returns how many pixels were paper.
+SE_INLINE int64_t DrawStrokes(const int32_t* random, int64_t count, int32_t width, int32_t height,
+                              int32_t reach, PenBits& page) {
+    int64_t drawn = 0;
+    for (; count > 0; --count, random += 3) {
+        const int32_t x = random[0] % width, y = random[1] % height;
+        const int32_t length = random[2] % (2 * reach + 1) - reach;
+        const bool overprints = length > 0;
+        const int32_t pixels =
+            overprints ? std::min({length, width - x, y + 1}) : std::min({-length, x + 1, height - y});
+        const int32_t up = overprints ? pixels - 1 : 0;
+        const uint64_t inksAll = overprints ? ~uint64_t{0} : 0;
+        page.ForStroke({x + up, y - up}, pixels, [&](uint64_t& word, uint64_t stroke) {
+            const uint64_t paper = word & stroke;
+            word = (word & ~stroke) | (paper | (stroke & inksAll)) << 32;
+            drawn += std::popcount(paper);
+        });
     }
-    return hits;
+    return drawn;
+}
+
+/// Sets the bits of paper pixels and returns how many there are.
+SE_INLINE int64_t FindPaper(const uint8_t* row, ptrdiff_t width, uint64_t bit, uint64_t* SE_RESTRICT words) {
+    int64_t found = 0;
+    for (ptrdiff_t x = 0; x < width; ++x) {
+        const bool paper = row[x] == TonePages::kPaper;
+        words[x] |= paper ? bit : 0;
+        found += paper ? 1 : 0;
+    }
+    return found;
+}
+
+SE_INLINE void InkRow(const uint64_t* words, uint64_t bit, uint8_t ink, uint8_t* SE_RESTRICT row,
+                      ptrdiff_t width) {
+    for (ptrdiff_t x = 0; x < width; ++x) {
+        const uint8_t before = row[x];
+        row[x] = (words[x] & bit << 32) != 0 ? ink : before;
+    }
 }
 
 /// Adds strokes to a page until it counts as dark enough or has no paper left. A drawn paper pixel counts
@@ -32,13 +65,24 @@ void DrawPenPage(CPlane8u& page, int32_t level) {
     const int32_t reach = level > 150 ? longest / 2 : longest;
 
     auto sum = static_cast<int64_t>(SumPixelsWide(page));
-    int64_t paper = std::count(page.data, page.data + page.Size(), TonePages::kPaper);
+    if (sum <= target && TonePages::IsBlank(page)) return;
+    PenBits bits(page, Leaning::kLeft);
+    int64_t paper = 0;
+    for (int32_t y = 0; y < page.height; ++y) {
+        paper += AtLevel<FindPaper>(page.Row(y), page.width, PenBits::BitOf(y), bits.Row(y));
+    }
     while (sum > target && paper > 0) {
-        const PlanePoint point = RandomPoint(page, Rand);
-        const int32_t length = Rand() % (2 * reach + 1) - reach;
-        const int32_t drawn = DrawPenStroke(page, point, length, static_cast<uint8_t>(ink));
-        sum -= int64_t{drawn} * (ink + 255);
+        const int64_t count = std::min({FewestStrokes(sum - target, int64_t{reach} * (ink + 255)),
+                                        FewestStrokes(paper, reach), int64_t{kBatch}});
+        std::array<int32_t, 3 * kBatch> random;
+        FillRandom(std::span(random).first(3 * static_cast<size_t>(count)));
+        const int64_t drawn =
+            AtLevel<DrawStrokes>(random.data(), count, page.width, page.height, reach, bits);
+        sum -= drawn * (ink + 255);
         paper -= drawn;
+    }
+    for (int32_t y = 0; y < page.height; ++y) {
+        AtLevel<InkRow>(bits.Row(y), PenBits::BitOf(y), static_cast<uint8_t>(ink), page.Row(y), page.width);
     }
     if (level >= 101) {
         SprinklePaper(page, 1, 0);

@@ -1,23 +1,54 @@
 #include "effects/drawing/Sketch.h"
 
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "effects/drawing/DiagonalBits.h"
 #include "effects/drawing/Edges.h"
 #include "framework/Surroundings.h"
 
 namespace {
 
-/// Draws a diagonal line around `point`, rising or falling to the right as `rand` decides, up to the edge of
-/// the page. Returns the number of pixels drawn.
-int32_t DrawStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t level) {
-    const int32_t step = Rand() % 2 == 0 ? 1 : -1;
-    const int32_t half = length / 2;
-    const int32_t x = point.x - half, y = point.y - half * step;
-    if (x < 0 || y < 0 || x >= page.width || y >= page.height) return 0;
+constexpr int32_t kLongest = 20;  // pixels of a stroke
 
-    const int32_t drawn = std::min({length, page.width - x, step > 0 ? page.height - y : y + 1});
-    uint8_t* const first = page.Row(y) + x;
-    const ptrdiff_t next = ptrdiff_t{step} * page.width + 1;
-    for (ptrdiff_t n = 0; n < drawn; ++n) first[n * next] = level;
+/// The strokes that have been drawn on a page.
+struct Strokes {
+    int32_t width, height;  // of the page
+    DiagonalBits<uint32_t> rising, falling;
+};
+
+/// Draws a diagonal line around each of `count` random points, rising or falling to the right, up to the edge
+/// of the page; none if its left end is not on the page. Each takes four random numbers. Returns the number
+/// of pixels.
+SE_INLINE int64_t DrawStrokes(const int32_t* random, int64_t count, Strokes& strokes) {
+    const int32_t width = strokes.width, height = strokes.height;
+    int64_t drawn = 0;
+    for (; count > 0; --count, random += 4) {
+        const int32_t length = random[2] % kLongest + 1, half = length / 2;
+        const bool falls = random[3] % 2 == 0;
+        const int32_t x = random[0] % width - half;
+        const int32_t y = random[1] % height + (falls ? -half : half);
+        if (x < 0 || y < 0 || y >= height) continue;
+        const int32_t pixels = std::min({length, width - x, falls ? height - y : y + 1});
+        const int32_t up = pixels - 1;
+        const auto set = [](uint32_t& word, uint32_t bits) { word |= bits; };
+        if (falls) {
+            strokes.falling.ForStroke({x, y}, pixels, set);
+        } else {
+            strokes.rising.ForStroke({x + up, y - up}, pixels, set);
+        }
+        drawn += pixels;
+    }
     return drawn;
+}
+
+SE_INLINE void InkRow(const uint32_t* rising, const uint32_t* falling, uint32_t bit, uint8_t level,
+                      uint8_t* SE_RESTRICT row, ptrdiff_t width) {
+    for (ptrdiff_t x = 0; x < width; ++x) {
+        const uint8_t before = row[x];
+        row[x] = ((rising[x] | falling[x]) & bit) != 0 ? level : before;
+    }
 }
 
 /// Adds strokes of the grey `level` to a page until it counts as dark enough. Each stroke counts with its own
@@ -25,10 +56,18 @@ int32_t DrawStroke(CPlane8u& page, PlanePoint point, int32_t length, uint8_t lev
 void DrawTonePage(CPlane8u& page, int32_t level) {
     const int64_t target = std::min(level * 225 / 255 + 75, 255) * int64_t{page.width} * page.height;
     auto sum = static_cast<int64_t>(SumPixelsWide(page));
+    if (sum <= target && TonePages::IsBlank(page)) return;
+    Strokes strokes{page.width, page.height, {page, Leaning::kLeft}, {page, Leaning::kRight}};
     while (sum > target) {
-        const PlanePoint point = RandomPoint(page, Rand);
-        const int32_t length = Rand() % 20 + 1;
-        sum -= int64_t{level} * DrawStroke(page, point, length, static_cast<uint8_t>(level));
+        const int64_t count =
+            std::min(FewestStrokes(sum - target, int64_t{kLongest} * level), int64_t{kBatch});
+        std::array<int32_t, 4 * kBatch> random;
+        FillRandom(std::span(random).first(4 * static_cast<size_t>(count)));
+        sum -= level * AtLevel<DrawStrokes>(random.data(), count, strokes);
+    }
+    for (int32_t y = 0; y < page.height; ++y) {
+        AtLevel<InkRow>(strokes.rising.Row(y), strokes.falling.Row(y), strokes.rising.BitOf(y),
+                        static_cast<uint8_t>(level), page.Row(y), page.width);
     }
     if (level >= 101) SprinklePaper(page, 2, 1);
 }

@@ -133,8 +133,7 @@ class EveryNth {
 }  // namespace
 
 void TonePages::Keep(const CPlane8u& page, int32_t index) {
-    const bool blank = SumPixelsWide(page) == page.Size() * kPaper;
-    if (blank && drawn_.empty()) return;
+    if (drawn_.empty() && IsBlank(page)) return;
     drawn_.push_back({page, FirstTone(index + 1)});
 }
 

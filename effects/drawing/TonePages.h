@@ -30,6 +30,8 @@ class TonePages {
         }
     }
 
+    static bool IsBlank(const CPlane8u& page) { return SumPixelsWide(page) == page.Size() * kPaper; }
+
     void Release() { ReleaseMemory(drawn_); }
 
     /// Replaces each of `count` tones by the pixel of that tone's page. Tones map to the page's pixels from
