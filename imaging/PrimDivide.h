@@ -17,7 +17,7 @@ SE_INLINE constexpr uint16_t MulHigh(uint16_t a, uint16_t b) {
 
 /// (s * 455) >> 12 for s up to 9 * 255 + 5.
 SE_INLINE constexpr uint16_t NinthOf(uint16_t s) {
-    return MulHigh(static_cast<uint16_t>(s << 4), 455);
+    return MulHigh(s, 455 << 4);
 }
 
 /// (s * 10485) >> 18 for s up to 25 * 255 + 13.

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "effects/distortion/RepeatedMean.h"
 #include "framework/Surroundings.h"
 #include "imaging/GradientNoise.h"
 #include "imaging/Lookup.h"
@@ -11,28 +12,6 @@
 #include "imaging/ReleaseMemory.h"
 
 namespace {
-
-/// Repeated 3 by 3 means of a plane whose edges are replicated.
-class Smoother {
-  public:
-    Smoother(int32_t width, int32_t height)
-        : first_(NewPlane(width + 2 * kBorder, height + 2 * kBorder)), second_(first_) {}
-
-    /// Applies two means a pass.
-    void Smooth(CPlane8u& plane, int passes) {
-        first_.CopyWithBorder(plane, kBorder);
-        CopyRing(first_, second_, 1);  // for the outermost pixels, which the filter does not write
-        for (int i = 0; i < passes; ++i) {
-            FilterLowpass3(first_, second_);
-            FilterLowpass3(second_, first_);
-        }
-        plane.CopyRegion(first_, kBorder, kBorder);
-    }
-
-  private:
-    static constexpr int32_t kBorder = 3;
-    CPlane8u first_, second_;
-};
 
 // Blobs stay within these levels; the phase of their motion depends on the level.
 constexpr int32_t kLowestBlob = 90, kHighestBlob = 180;
@@ -97,10 +76,15 @@ void CLiquefySpecialEffectFilter::MakeWaves() {
 void CLiquefySpecialEffectFilter::MakeBlobs() {
     constexpr double kTwoPi = 6.283185307;
     const double n = FrameCount;
-    Smoother smoother(Width(), Height());
+    RepeatedMean means(Width(), Height());
     CPlane8u& noise = Frames[0];
-    std::generate_n(noise.data, noise.Size(), [] { return static_cast<uint8_t>(Rand() % 256); });
-    smoother.Smooth(noise, 15);
+    std::vector<int32_t> random(static_cast<size_t>(Width()));
+    for (int32_t y = 0; y < Height(); ++y) {
+        FillRandom(random);
+        std::ranges::transform(random, noise.Row(y),
+                               [](int32_t number) { return static_cast<uint8_t>(number % 256); });
+    }
+    means.Apply(noise, 30);
     CPlane8u levels = noise;
     std::transform(levels.data, levels.data + levels.Size(), levels.data, [](uint8_t level) {
         return static_cast<uint8_t>(std::clamp<int32_t>(level, kLowestBlob, kHighestBlob));
@@ -115,7 +99,7 @@ void CLiquefySpecialEffectFilter::MakeBlobs() {
         }
         CPlane8u& frame = Frames[static_cast<size_t>(k)];
         LookupBytes(heights.data(), levels.data, frame.data, levels.Size());
-        smoother.Smooth(frame, 3);
+        means.Apply(frame, 6);
     }
 }
 
