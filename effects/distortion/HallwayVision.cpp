@@ -7,6 +7,7 @@
 #include "effects/distortion/Gather.h"
 #include "effects/distortion/RadialMap.h"
 #include "effects/distortion/RemapTable.h"
+#include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
@@ -48,29 +49,70 @@ GatherMap BuildMap(int32_t width, int32_t height) {
     return MakeGatherMap(indices, width);
 }
 
-/// The same with fractions, as a table of coordinates.
-void FillTable(const RemapTable& table) {
-    table.FillIdentity();
-    const double cx = 0.5 * table.width, cy = 0.5 * table.height, R2 = cy * cy;
-    const double lastIndex = static_cast<double>(table.width) * table.height - 1;
+/// A circle as high as the plane, around its middle.
+struct Circle {
+    Circle(int32_t planeWidth, int32_t planeHeight)
+        : width(planeWidth), height(planeHeight), cx(0.5 * planeWidth), cy(0.5 * planeHeight) {}
+
+    int32_t width, height;  // of the plane
+    double cx, cy;          // the centre; the radius is cy
+};
+
+/// Makes those pixels from (x, y) on their own sources that lie outside the circle, or whose source's flat
+/// index lies outside the plane.
+SE_INLINE void KeepRest(const Circle& circle, int32_t x, int32_t y, size_t count,
+                        SourcePoint<float>* SE_RESTRICT points) {
+    const double width = circle.width, lastIndex = width * circle.height - 1;
+    const double dy = y - circle.cy, R2 = circle.cy * circle.cy;
+    for (size_t i = 0; i < count; ++i) {
+        const double column = x + static_cast<int32_t>(i), dx = column - circle.cx;
+        const float sourceX = points[i].x, sourceY = points[i].y;
+        const double index = std::trunc(width * double{sourceY} + double{sourceX});
+        const bool moves = (dx * dx + dy * dy <= R2) & (index >= 0) & (index <= lastIndex);
+        points[i].x = moves ? sourceX : static_cast<float>(column);
+        points[i].y = moves ? sourceY : static_cast<float>(y);
+    }
+}
+
+/// The same with fractions: calls use(x, y, points) for the parts of rows that the circle reaches.
+template <class Use>
+void FindPoints(const Circle& circle, Use use) {
+    const double cx = circle.cx, cy = circle.cy, R2 = cy * cy;
+    std::vector<SourcePoint<float>> points;
     MapRadially<float>(
-        {table.width, table.height, cx, cy, cx, cy}, StretchWithin(cy),
+        {circle.width, circle.height, cx, cy, cx, cy}, StretchWithin(cy),
         [&](int32_t x, int32_t y) -> SourcePoint<float> {
             const double dx = x - cx, dy = y - cy, d2 = dx * dx + dy * dy;
             const double stretch = d2 == 0 ? 1 : Stretch(std::sqrt(d2 / R2));
             return {static_cast<float>(dx * stretch + cx), static_cast<float>(dy * stretch + cy)};
         },
         [&](int32_t y, int32_t x, std::span<const SourcePoint<float>> sources) {
-            for (const SourcePoint<float>& source : sources) {
-                const double dx = x - cx, dy = y - cy;
-                const double index = std::trunc(table.width * double{source.y} + double{source.x});
-                if (dx * dx + dy * dy <= R2 && index >= 0 && index <= lastIndex) {
-                    table.XRow(y)[x] = source.x;
-                    table.YRow(y)[x] = source.y;
-                }
-                ++x;
-            }
+            points.assign(sources.begin(), sources.end());
+            AtLevel<KeepRest>(circle, x, y, points.size(), points.data());
+            use(x, y, points);
         });
+}
+
+LinearWarp BuildWarp(const Circle& circle) {
+    LinearWarp warp(circle.width, circle.height, static_cast<size_t>(3.2 * circle.cy * circle.cy));
+    FindPoints(circle, [&](int32_t x, int32_t y, std::span<const SourcePoint<float>> points) {
+        warp.Add(x, y, points);
+    });
+    return warp;
+}
+
+GatherMap BuildNearestMap(const Circle& circle) {
+    OwnedRemapTable owner(circle.width, circle.height);
+    const RemapTable table = owner.View();
+    table.FillIdentity();
+    FindPoints(circle, [&](int32_t x, int32_t y, std::span<const SourcePoint<float>> points) {
+        for (const SourcePoint<float>& point : points) {
+            table.XRow(y)[x] = point.x;
+            table.YRow(y)[x] = point.y;
+            ++x;
+        }
+    });
+    return MakeGatherMap(table.NearestIndices(), circle.width);
 }
 
 }  // namespace
@@ -85,14 +127,11 @@ void CHallwayVisionSpecialEffectFilter::Prepare() {
         IndexFull = BuildMap(width, height);
         IndexHalf = BuildMap(width / 2, height / 2);
     } else {
-        OwnedRemapTable luma(width, height), chroma(width / 2, height / 2);
-        FillTable(luma.View());
-        FillTable(chroma.View());
-        IndexHalf = MakeGatherMap(chroma.View().NearestIndices(), width / 2);
+        IndexHalf = BuildNearestMap({width / 2, height / 2});
         if (width > 1 && height > 1) {
-            LumaWarp = LinearWarp(luma.View());
+            LumaWarp = BuildWarp({width, height});
         } else {  // too small to interpolate
-            IndexFull = MakeGatherMap(luma.View().NearestIndices(), width);
+            IndexFull = BuildNearestMap({width, height});
         }
     }
 }

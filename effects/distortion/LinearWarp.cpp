@@ -10,22 +10,43 @@ namespace {
 
 constexpr int32_t kStretch = 64;  // pixels mixed at once
 
-/// Splits a coordinate into whole part and fraction. The fraction is exact in single precision: it is a
-/// multiple of the coordinate's last place, and no larger than the coordinate.
+/// Whole part and fraction of a coordinate from 0 to `last`. The fraction is exact in single precision: it is
+/// a multiple of the coordinate's last place, and no larger than the coordinate.
 struct Tap {
     int32_t index;
     float fraction;
+};
 
-    Tap(float position, int32_t last) {
-        index = static_cast<int32_t>(double{position} + 1e-7);
-        if (index < last) {
-            fraction = position - static_cast<float>(index);
-        } else {
-            index = last - 1;
-            fraction = 1.0F;
-        }
+SE_INLINE Tap Split(float position, int32_t last) {
+    const auto whole = static_cast<int32_t>(double{position} + 1e-7);
+    const float rest = position - static_cast<float>(whole);
+    return {std::min(whole, last - 1), whole < last ? rest : 1.0F};
+}
+
+/// Where the sources of pixels have to be: in a picture with these numbers of the last column and row.
+struct Bounds {
+    int32_t lastX, lastY;
+
+    SE_INLINE bool Hold(SourcePoint<float> point) const {
+        return (point.x >= 0) & (point.x <= static_cast<float>(lastX)) & (point.y >= 0) &
+               (point.y <= static_cast<float>(lastY));
     }
 };
+
+/// Splits the sources of the pixels from (x, y) on. Those with sources outside the picture are their own.
+SE_INLINE void SplitSpan(const SourcePoint<float>* points, Bounds bounds, int32_t x, int32_t y, int32_t count,
+                         int32_t* SE_RESTRICT source, float* SE_RESTRICT fractionX,
+                         float* SE_RESTRICT fractionY) {
+    for (int32_t i = 0; i < count; ++i) {
+        const SourcePoint<float> point = points[i];
+        const bool inside = bounds.Hold(point);
+        const Tap tapX = Split(inside ? point.x : static_cast<float>(x + i), bounds.lastX);
+        const Tap tapY = Split(inside ? point.y : static_cast<float>(y), bounds.lastY);
+        source[i] = tapY.index * (bounds.lastX + 1) + tapX.index;
+        fractionX[i] = tapX.fraction;
+        fractionY[i] = tapY.fraction;
+    }
+}
 
 /// The neighbours of a stretch of pixels: two rows of pairs, the left pixel in the low byte.
 struct Neighbours {
@@ -75,29 +96,44 @@ SE_INLINE bool MixQuickly(const Neighbours& pixels, const float* SE_RESTRICT fra
 
 }  // namespace
 
-LinearWarp::LinearWarp(const RemapTable& table) : width_(table.width) {
-    const int32_t lastX = table.width - 1, lastY = table.height - 1;
-    const auto moves = [&](int32_t x, int32_t y) {
-        const float sx = table.XRow(y)[x], sy = table.YRow(y)[x];
-        const bool inside =
-            sx >= 0 && sx <= static_cast<float>(lastX) && sy >= 0 && sy <= static_cast<float>(lastY);
-        return inside && (sx != static_cast<float>(x) || sy != static_cast<float>(y));
-    };
-    for (int32_t y = 0; y <= lastY; ++y) {
-        int32_t first = 0, end = table.width;
-        while (first < end && !moves(first, y)) ++first;
-        while (first < end && !moves(end - 1, y)) --end;
-        if (first == end) continue;
-        spans_.push_back({y * table.width + first, end - first});
-        for (int32_t x = first; x < end; ++x) {
-            const bool moved = moves(x, y);
-            const Tap tapX(moved ? table.XRow(y)[x] : static_cast<float>(x), lastX);
-            const Tap tapY(moved ? table.YRow(y)[x] : static_cast<float>(y), lastY);
-            source_.push_back(tapY.index * table.width + tapX.index);
-            fractionX_.push_back(tapX.fraction);
-            fractionY_.push_back(tapY.fraction);
-        }
+LinearWarp::LinearWarp(int32_t width, int32_t height, size_t pixels) : width_(width), height_(height) {
+    source_.reserve(pixels);
+    fractionX_.reserve(pixels);
+    fractionY_.reserve(pixels);
+}
+
+LinearWarp::LinearWarp(const RemapTable& table) : width_(table.width), height_(table.height) {
+    std::vector<SourcePoint<float>> points(static_cast<size_t>(width_));
+    for (int32_t y = 0; y < height_; ++y) {
+        std::transform(table.XRow(y), table.XRow(y) + width_, table.YRow(y), points.begin(),
+                       [](float sourceX, float sourceY) {
+                           return SourcePoint<float>{sourceX, sourceY};
+                       });
+        Add(0, y, points);
     }
+}
+
+void LinearWarp::Add(int32_t x, int32_t y, std::span<const SourcePoint<float>> points) {
+    const Bounds bounds{width_ - 1, height_ - 1};
+    const auto moves = [&](size_t i) {
+        const SourcePoint<float> point = points[i];
+        const auto column = static_cast<float>(x + static_cast<int32_t>(i));
+        return bounds.Hold(point) && (point.x != column || point.y != static_cast<float>(y));
+    };
+    size_t first = 0, end = points.size();
+    while (first < end && !moves(first)) ++first;
+    while (first < end && !moves(end - 1)) --end;
+    if (first == end) return;
+    const auto count = static_cast<int32_t>(end - first);
+    x += static_cast<int32_t>(first);
+    spans_.push_back({y * width_ + x, count});
+
+    const size_t done = source_.size(), pixels = done + static_cast<size_t>(count);
+    source_.resize(pixels);
+    fractionX_.resize(pixels);
+    fractionY_.resize(pixels);
+    AtLevel<SplitSpan>(&points[first], bounds, x, y, count, &source_[done], &fractionX_[done],
+                       &fractionY_[done]);
 }
 
 void LinearWarp::Apply(const uint8_t* src, uint8_t* dst) const {
