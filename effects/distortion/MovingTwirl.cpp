@@ -57,6 +57,24 @@ SE_INLINE void FindSources(const Twist& twist, const uint16_t* SE_RESTRICT radiu
 
 }  // namespace
 
+/// Mirrors the rows at the last one, which is the middle row. Only the sign of the angle differs.
+void CMovingTwirlSpecialEffectFilter::Disc::AddLowerHalf() {
+    if (rows.empty()) return;
+    const size_t middle = rows.size() - 1;
+    size_t begin = radius.size() - static_cast<size_t>(rows[middle].count);
+    for (size_t i = middle; i-- > 0;) {
+        const Row upper = rows[i];
+        const size_t end = begin;
+        begin -= static_cast<size_t>(upper.count);
+        rows.push_back({2 * rows[middle].y - upper.y, upper.firstColumn, upper.count});
+        for (size_t k = begin; k < end; ++k) {
+            radius.push_back(radius[k]);
+            share.push_back(share[k]);
+            angle.push_back(static_cast<int16_t>(-angle[k]));
+        }
+    }
+}
+
 /// The centre is a separate argument because that of a chroma plane can lie between two pixels.
 CMovingTwirlSpecialEffectFilter::Disc CMovingTwirlSpecialEffectFilter::MakeDisc(int32_t width, int32_t height,
                                                                                 int32_t centerX,
@@ -67,7 +85,7 @@ CMovingTwirlSpecialEffectFilter::Disc CMovingTwirlSpecialEffectFilter::MakeDisc(
     disc.centerX = centerX;
     disc.centerY = centerY;
     const int32_t hw = width / 2, hh = height / 2;
-    for (int32_t y = 0; y < height; ++y) {
+    for (int32_t y = 0; y <= hh && y < height; ++y) {
         Disc::Row row{y, 0, 0};
         for (int32_t x = 0; x < width; ++x) {
             const int32_t dx = x - hw, dy = y - hh;
@@ -80,6 +98,7 @@ CMovingTwirlSpecialEffectFilter::Disc CMovingTwirlSpecialEffectFilter::MakeDisc(
         }
         if (row.count > 0) disc.rows.push_back(row);
     }
+    disc.AddLowerHalf();
     return disc;
 }
 

@@ -30,6 +30,8 @@ class CMovingTwirlSpecialEffectFilter final : public PlanarEffect<CMovingTwirlSp
         std::vector<uint16_t> radius;  ///< of each pixel of the rows, in whole pixels
         std::vector<uint16_t> share;   ///< of each pixel: its share of the twist, fixed point
         std::vector<int16_t> angle;    ///< of each pixel, radians in fixed point
+
+        void AddLowerHalf();
     };
 
     static Disc MakeDisc(int32_t width, int32_t height, int32_t centerX, int32_t centerY);
