@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "imaging/ExactDivision.h"
 #include "imaging/PerLevel.h"
 
 namespace {
@@ -62,20 +61,27 @@ void FillSteepBeam(CPlane8u& mask) {
     });
 }
 
-/// Adds half of the mask less 91; without any light 127 levels are lost.
+/// Adds half of the mask less 91; without any light 127 levels are lost. Saturating steps down and up, one
+/// of which is 0, keep to bytes.
 SE_INLINE void LightLuma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT luma, size_t count) {
+    constexpr uint8_t kUnchanged = 91, kDark = 127;
     for (size_t i = 0; i < count; ++i) {
-        const auto change = static_cast<int16_t>(mask[i] == 0 ? -127 : (mask[i] >> 1) - 91);
-        const auto lit = static_cast<int16_t>(luma[i] + change);
-        luma[i] = static_cast<uint8_t>(std::clamp<int16_t>(lit, 0, 255));
+        const uint8_t light = mask[i], half = light >> 1;
+        const auto lost = static_cast<uint8_t>(std::max(half, kUnchanged) - half);
+        const uint8_t down = light == 0 ? kDark : lost;
+        const auto up = static_cast<uint8_t>(std::max(half, kUnchanged) - kUnchanged);
+        const auto dimmed = static_cast<uint8_t>(std::max(luma[i], down) - down);
+        const auto room = static_cast<uint8_t>(255 - up);
+        luma[i] = static_cast<uint8_t>(std::min(dimmed, room) + up);
     }
 }
 
-/// Adds mask * 16 / 255.
-SE_INLINE void WarmChroma(const uint8_t* SE_RESTRICT mask, uint8_t* SE_RESTRICT chroma, size_t count) {
+/// Adds the offsets, saturated.
+SE_INLINE void WarmChroma(const uint8_t* SE_RESTRICT offsets, uint8_t* SE_RESTRICT chroma, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        const uint16_t offset = DivideBy255(static_cast<uint16_t>(mask[i] * 16));
-        chroma[i] = static_cast<uint8_t>(std::min<uint16_t>(static_cast<uint16_t>(chroma[i] + offset), 255));
+        const uint8_t offset = offsets[i];
+        const auto room = static_cast<uint8_t>(255 - offset);
+        chroma[i] = static_cast<uint8_t>(std::min(chroma[i], room) + offset);
     }
 }
 
@@ -94,19 +100,21 @@ void CSpotLightSpecialEffectFilter::Prepare() {
             FillSteepBeam(LumaMask);
             break;
     }
-    ChromaMask = NewPlane(Width() / 2, Height() / 2);
-    ResizePlane(LumaMask, ChromaMask);
+    ChromaWarmth = NewPlane(Width() / 2, Height() / 2);
+    ResizePlane(LumaMask, ChromaWarmth);
+    std::transform(ChromaWarmth.data, ChromaWarmth.data + ChromaWarmth.Size(), ChromaWarmth.data,
+                   [](uint8_t light) { return static_cast<uint8_t>(light * 16 / 255); });
 }
 
 void CSpotLightSpecialEffectFilter::Release() {
     LumaMask.Release();
-    ChromaMask.Release();
+    ChromaWarmth.Release();
 }
 
 void CSpotLightSpecialEffectFilter::ProcessPlanar(const PlanarFrame& frame) {
     AtLevel<LightLuma>(LumaMask.data, frame.y.data, LumaMask.Size());
-    AtLevel<WarmChroma>(ChromaMask.data, frame.u.data, ChromaMask.Size());
-    AtLevel<WarmChroma>(ChromaMask.data, frame.v.data, ChromaMask.Size());
+    AtLevel<WarmChroma>(ChromaWarmth.data, frame.u.data, ChromaWarmth.Size());
+    AtLevel<WarmChroma>(ChromaWarmth.data, frame.v.data, ChromaWarmth.Size());
 }
 
 template struct EffectClass<CSpotLightSpecialEffectFilter>;

@@ -19,8 +19,8 @@ class CSpotLightSpecialEffectFilter final : public PlanarEffect<CSpotLightSpecia
 
   private:
     uint32_t Shape;
-    CPlane8u LumaMask;    ///< 0 without light, 255 in full light
-    CPlane8u ChromaMask;  ///< the same at the chroma size
+    CPlane8u LumaMask;      ///< 0 without light, 255 in full light
+    CPlane8u ChromaWarmth;  ///< what is added to the chroma, 0 to 16
 };
 
 #endif
