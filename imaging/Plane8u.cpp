@@ -46,7 +46,7 @@ void CopyClipped(const CPlane8u& src, CPlane8u& dst, int64_t x, int64_t y) {
 
 CPlane8u::CPlane8u(const CPlane8u& other) {
     if (other.Empty()) return;
-    Require(Allocate(other.width, other.height));
+    Require(AllocateUninitialized(other.width, other.height));
     CopyPixels(other);
 }
 
@@ -58,6 +58,12 @@ void CPlane8u::Attach(uint8_t* planeData, int32_t planeWidth, int32_t planeHeigh
 }
 
 bool CPlane8u::Allocate(int32_t planeWidth, int32_t planeHeight) {
+    if (!AllocateUninitialized(planeWidth, planeHeight)) return false;
+    std::memset(data, 0, Size());
+    return true;
+}
+
+bool CPlane8u::AllocateUninitialized(int32_t planeWidth, int32_t planeHeight) {
     if (owned) ::operator delete(data, kAlignment);
     data = nullptr;
     if (planeWidth < 1 || planeHeight < 1) return false;
@@ -65,7 +71,7 @@ bool CPlane8u::Allocate(int32_t planeWidth, int32_t planeHeight) {
     if (size > std::numeric_limits<int32_t>::max()) return false;
     void* const block = ::operator new(static_cast<size_t>(size), kAlignment, std::nothrow);
     if (block == nullptr) return false;
-    data = static_cast<uint8_t*>(std::memset(block, 0, static_cast<size_t>(size)));
+    data = static_cast<uint8_t*>(block);
     width = planeWidth;
     height = planeHeight;
     owned = true;

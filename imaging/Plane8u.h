@@ -109,6 +109,9 @@ class CPlane8u {
     int32_t width = 0;  ///< pixels; also the row step in bytes
     int32_t height = 0;
     bool owned = false;  ///< whether `data` is released with the plane
+
+  private:
+    [[nodiscard]] bool AllocateUninitialized(int32_t planeWidth, int32_t planeHeight);
 };
 
 /// An owned plane of zeros, for an effect's workspace: `Scratch = NewPlane(Width() / 2, Height() / 2);` Empty
