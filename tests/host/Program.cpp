@@ -152,6 +152,16 @@ std::string Terminal::Text() const {
     return text;
 }
 
+std::string Terminal::Await(const std::string& part) const {
+    std::string text;
+    for (int i = 0; i < 3000 && text.find(part) == std::string::npos; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        text += Text();
+    }
+    EXPECT_NE(text.find(part), std::string::npos) << text;
+    return text;
+}
+
 void ExpectError(const Outcome& outcome, int exitCode, const std::string& part) {
     EXPECT_EQ(outcome.exitCode, exitCode) << outcome.error;
     EXPECT_NE(outcome.error.find(part), std::string::npos) << outcome.error;

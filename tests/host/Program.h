@@ -64,7 +64,8 @@ class ProgramTest : public testing::Test {
     std::filesystem::path directory_;
 };
 
-/// A terminal on which a child may write.
+/// A terminal on which a child may write. `apply` shows its progress there, from the first frame on: "1
+/// frames".
 class Terminal {
   public:
     Terminal();
@@ -75,6 +76,9 @@ class Terminal {
     const std::string& Name() const { return name_; }
     /// What has been written since the last call.
     std::string Text() const;
+    /// Waits until `part` is written, for a minute at most. Returns what has been written since the last
+    /// call.
+    std::string Await(const std::string& part) const;
 
   private:
     int master_ = -1;

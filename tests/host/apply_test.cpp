@@ -3,10 +3,8 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <thread>
 
 #include "Clips.h"
 #include "Media.h"
@@ -252,11 +250,11 @@ class InterruptTest : public ApplyTest {
 TEST_F(InterruptTest, FinishesTheFile) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         const std::string name = signal == SIGINT ? "int.mp4" : signal == SIGTERM ? "term.mkv" : "hup.webm";
+        const Terminal terminal;
         Child child(
             Command({"apply", "-e", "sepia", "test:", name, "--frames", "1000000", "--size", "96x64"}),
-            directory_);
-        ASSERT_TRUE(Started(name + ".part"));
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            directory_, {.error = terminal.Name(), .environment = {"TERM=xterm"}});
+        terminal.Await("frames");
         child.Send(signal);
         const Outcome outcome = child.Wait();
         ExpectSuccess(outcome);
@@ -277,15 +275,16 @@ TEST_F(InterruptTest, EndsAWaitForInput) {
     int ends[2] = {};
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     const std::string readEnd = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(ends[0]);
-    Child child(Command({"apply", "-e", "sepia", "-", "out.mkv"}), directory_, {.input = readEnd});
+    const Terminal terminal;
+    Child child(Command({"apply", "-e", "sepia", "-", "out.mkv"}), directory_,
+                {.input = readEnd, .error = terminal.Name(), .environment = {"TERM=xterm"}});
     const std::string stream = Read("in.y4m");
     for (size_t sent = 0; sent < stream.size();) {
         const ssize_t count = write(ends[1], stream.data() + sent, stream.size() - sent);
         ASSERT_GT(count, 0);
         sent += static_cast<size_t>(count);
     }
-    ASSERT_TRUE(Started("out.mkv.part"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    terminal.Await("frames");
     child.Send(SIGINT);
     ExpectSuccess(child.Wait());
     EXPECT_GE(Frames("out.mkv").size(), 1u);
@@ -298,12 +297,13 @@ TEST_F(InterruptTest, TheSecondSignalEndsAtOnce) {
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     const std::string writeEnd = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(ends[1]);
     // Nobody reads: the program waits for room in the pipe.
-    Child child(Command({"apply", "-e", "sepia", "test:", "-"}), directory_, {.output = writeEnd});
+    const Terminal terminal;
+    Child child(Command({"apply", "-e", "sepia", "test:", "-"}), directory_,
+                {.output = writeEnd, .error = terminal.Name(), .environment = {"TERM=xterm"}});
     std::array<char, 16> header{};
     ASSERT_EQ(read(ends[0], header.data(), header.size()), 16);
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
     child.Send(SIGINT);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    terminal.Await("stopping");
     child.Send(SIGINT);
     EXPECT_EQ(child.Wait().signal, SIGINT);
     close(ends[0]);

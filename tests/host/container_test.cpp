@@ -302,7 +302,8 @@ TEST_F(ContainerTest, InputsCanBeUrls) {
     const Outcome outcome = Shell(
         "for port in 18765 28765 38765; do"
         "  ffmpeg -v quiet -nostdin -i in.mkv -c copy -f matroska -listen 1 http://127.0.0.1:$port/in.mkv &"
-        "  server=$!; sleep 1;"
+        "  server=$!; listening=\":$(printf %04X $port) 00000000:0000 0A\";"
+        "  until grep -q \"$listening\" /proc/net/tcp || ! kill -0 $server 2> /dev/null; do sleep 0.05; done;"
         "  kill -0 $server 2> /dev/null || continue;"
         "  $P apply -e gray-scale http://127.0.0.1:$port/in.mkv b.mkv; code=$?;"
         "  kill $server 2> /dev/null; wait $server; exit $code;"

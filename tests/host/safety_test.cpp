@@ -93,9 +93,10 @@ TEST_F(SafetyTest, AnInterruptedRunKeepsTheOlderOutput) {
 }
 
 TEST_F(SafetyTest, AnInterruptedSceneIsFinished) {
-    Child child(Command({"test:", "out.mkv", "--frames", "1000000", "--size", "96x64"}), directory_);
-    ASSERT_TRUE(Started("out.mkv.part"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    const Terminal terminal;
+    Child child(Command({"test:", "out.mkv", "--frames", "1000000", "--size", "96x64"}), directory_,
+                {.error = terminal.Name(), .environment = {"TERM=xterm"}});
+    terminal.Await("frames");
     child.Send(SIGINT);
     ExpectSuccess(child.Wait());
     EXPECT_GT(CountFrames("out.mkv"), 0);

@@ -1,6 +1,4 @@
 // What the program says: lists, reports, help, notes, and the line at the end of a run.
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdlib>
 #include <map>
@@ -272,11 +270,7 @@ TEST_F(TerminalTest, HeadingsAreBoldUnlessNoColorIsSet) {
         const Terminal terminal;
         Child child({SE_PROGRAM, "list"}, directory_,
                     {.output = terminal.Name(), .environment = environment});
-        std::string text;
-        for (int i = 0; i < 200 && text.find("sepia") == std::string::npos; ++i) {
-            text += terminal.Text();
-            usleep(20'000);
-        }
+        const std::string text = terminal.Await("sepia");
         child.Wait();
         return text + terminal.Text();
     };
@@ -290,13 +284,11 @@ TEST_F(TerminalTest, AcknowledgesAnInterruptAtOnce) {
     Child child({SE_PROGRAM, "apply", "-e", "gray-scale", "test:", "out.mkv", "--frames", "1000000", "--size",
                  "96x64"},
                 directory_, {.error = terminal.Name(), .environment = {"TERM=xterm"}});
-    ASSERT_TRUE(Started("out.mkv.part"));
-    usleep(200'000);
+    terminal.Await("frames");
     child.Send(SIGINT);
+    terminal.Await("specialeffects: stopping\r\n");
     ExpectSuccess(child.Wait());
-    const std::string text = terminal.Text();
-    EXPECT_NE(text.find("specialeffects: stopping\r\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("wrote "), std::string::npos) << text;
+    EXPECT_NE(terminal.Text().find("wrote "), std::string::npos);
 }
 
 }  // namespace
