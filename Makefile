@@ -8,7 +8,7 @@ INSTALLED ?= build/installed.txt
 export CCACHE_BASEDIR ?= $(CURDIR)
 
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web packages
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web packages docs
 
 .PHONY: build arm64 windows install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
 
@@ -247,6 +247,14 @@ check-windows:
 check-packages:
 	@tools/setup.sh build gstreamer frei0r obs packages dist check-packages
 	tests/packages/check.sh
+
+# The commands of the documents.
+check-docs:
+	@tools/setup.sh build check gstreamer frei0r obs python check-gstreamer check-frei0r check-docs
+	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_GSTREAMER=ON -DSE_BUILD_FREI0R=ON -DSE_BUILD_OBS=ON \
+	    -DSE_BUILD_PYTHON=ON
+	cmake --build --preset release --target product python_wheel drawing_tests check_kernels
+	tests/docs/commands.py run $(RELEASE) build/check-docs
 
 ## bench      times of every primitive, effect and peer, in build/bench/*.csv and docs/performance.md; about five minutes
 bench:

@@ -15,7 +15,8 @@ make_bare_debian() {
     mkdir -p "$bare_archives/partial"
     if ! [ -f "$bare_cache/bare.tar" ]; then
         rm -rf "$bare_cache/bare"
-        debootstrap --variant=minbase --include=sudo --cache-dir="$bare_archives" bookworm "$bare_cache/bare" "$mirror" || {
+        debootstrap --variant=minbase --include=sudo --cache-dir="$bare_archives" bookworm "$bare_cache/bare" "$mirror" \
+            > /dev/null || {
             tail -n 20 "$bare_cache/bare/debootstrap/debootstrap.log" >&2 || true
             echo "Cannot be installed: a bare Debian 12 by debootstrap from $mirror" >&2
             exit 1

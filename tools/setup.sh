@@ -10,20 +10,21 @@ groups='
 build        build-essential cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev
 build        libavformat-dev libavcodec-dev libavdevice-dev libavfilter-dev libavutil-dev libswscale-dev libwebp-dev
 build        libpugixml-dev opencv-data
-check        ccache libgtest-dev ffmpeg
+check        ccache libgtest-dev ffmpeg python3
 clang        clang libclang-rt-dev
 slow         qemu-user
 arm64        cmake ninja-build ccache libgtest-dev g++-aarch64-linux-gnu qemu-user
 windows      g++-mingw-w64-x86-64-posix llvm libstb-dev
-check-windows wine wine64 clang lld libgtest-dev ccache
+check-windows python3 wine wine64 clang lld libgtest-dev ccache
 gstreamer    libgstreamer-plugins-base1.0-dev
 check-gstreamer gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-pipewire
 check-gstreamer gir1.2-gstreamer-1.0 python3-gi pipewire wireplumber dbus
 dist         git
-packages     debhelper dh-python fakeroot lintian
+packages     python3 debhelper dh-python fakeroot lintian
 check-packages debootstrap
 python       python3 python3-numpy python3-pip python3-setuptools python3-wheel python3-pytest python3-opencv
 python       python3-matplotlib mypy
+check-docs   python3-venv
 demo         ffmpeg imagemagick
 frei0r       frei0r-plugins-dev
 check-frei0r ffmpeg melt libxml2-utils qtdeclarative5-dev-tools

@@ -12,10 +12,7 @@ mkdir -p "$scratch"
 cd "$scratch"
 export CCACHE_BASEDIR="$scratch"  # the compiler's cache knows most of it
 
-# The first block of commands under the heading, which is meant to be typed as it stands.
-awk '/^## /{ here = $0 == "## Add an effect" } here && /^```$/ { exit } here && block { print } here && /^```sh$/ { block = 1 }' \
-    CONTRIBUTING.md > commands.sh
-[ "$(wc -l < commands.sh)" -ge 5 ] || { echo "CONTRIBUTING.md has no commands that add an effect" >&2; exit 1; }
+tests/docs/commands.py list CONTRIBUTING.md "Add an effect" > commands.sh
 cat commands.sh
 sh -eu commands.sh
 

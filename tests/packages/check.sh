@@ -3,20 +3,16 @@
 # programs that it is for, and purged again. Needs root, as `chroot` does.
 #
 # The packages are also built from the tarball of `make dist`, in another folder, which has to give the same bytes.
-#
-# DEBIAN_MIRROR names another mirror than deb.debian.org.
 set -eu
 
 cd "$(dirname "$0")/../.."
+. tools/bare_debian.sh
 scratch=$PWD/build/check-packages
-mirror=${DEBIAN_MIRROR:-http://deb.debian.org/debian}
-[ "$(id -u)" -eq 0 ] || { echo "check.sh: run me as root" >&2; exit 1; }
 mkdir -p "$scratch"
 
 # ---- README.md's commands ----
-awk '/^## /{ here = $0 == "## Debian packages" } here && /^```$/ { exit } here && block { print }
-    here && /^```sh$/ { block = 1 }' README.md > "$scratch/commands.sh"
-first=$(sed -n 's/ *#.*//; 1p' "$scratch/commands.sh")
+tests/docs/commands.py list README.md "Debian packages" > "$scratch/commands.sh"
+first=$(head -n 1 "$scratch/commands.sh")
 [ "$first" = "make packages" ] || { echo "README.md builds the packages by '$first'" >&2; exit 1; }
 sh -eux -c "$first"
 
@@ -37,28 +33,7 @@ done
 echo "two builds give the same packages"
 
 # ---- in a bare Debian ----
-# Made once; the downloaded packages stay, too.
-archives=$scratch/archives
-mkdir -p "$archives/partial"
-if ! [ -f "$scratch/bare.tar" ]; then
-    rm -rf "$scratch/bare"
-    debootstrap --variant=minbase --include=sudo --cache-dir="$archives" bookworm "$scratch/bare" "$mirror" || {
-        tail -n 20 "$scratch/bare/debootstrap/debootstrap.log" >&2 || true
-        echo "Cannot be installed: a bare Debian 12 by debootstrap from $mirror" >&2
-        exit 1
-    }
-    tar -cf "$scratch/bare.tar.new" -C "$scratch/bare" .
-    mv "$scratch/bare.tar.new" "$scratch/bare.tar"
-fi
-rm -rf "$scratch/bare"
-mkdir "$scratch/bare"
-tar -xf "$scratch/bare.tar" -C "$scratch/bare"
-cp /etc/resolv.conf /etc/hosts "$scratch/bare/etc/"
-{
-    echo "deb $mirror bookworm main"
-    echo "deb $mirror bookworm-updates main"
-    echo "deb ${mirror}-security bookworm-security main"
-} > "$scratch/bare/etc/apt/sources.list"
+make_bare_debian "$scratch/bare"
 # Answers yes, as a user does, and keeps the download small.
 cat > "$scratch/bare/etc/apt/apt.conf.d/90check" << 'CONFIGURATION'
 APT::Get::Assume-Yes "true";
@@ -76,13 +51,5 @@ cp -r bridges/python/examples "$project/bridges/python"
 cp demo/portrait.jpg "$project/demo"
 cp README.md NEWS.md sfx/sfx.h debian/changelog tests/packages/inside.sh "$scratch/commands.sh" "$project"
 
-# The mounts end with this shell's namespace.
-export scratch archives
-# shellcheck disable=SC2016  # the inner shell expands them
-unshare --mount --pid --fork --propagation private sh -eu -c '
-    mount -t proc proc "$scratch/bare/proc"
-    mount -t devpts devpts "$scratch/bare/dev/pts"
-    mount --bind "$archives" "$scratch/bare/var/cache/apt/archives"
-    exec chroot "$scratch/bare" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/tmp/home LC_ALL=C.UTF-8 \
-        DEBIAN_FRONTEND=noninteractive sh /project/inside.sh'
+in_bare_debian "$scratch/bare" HOME=/tmp/home LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive sh /project/inside.sh
 rm -rf "$scratch/bare" "${scratch:?}/$name"

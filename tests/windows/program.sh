@@ -59,4 +59,17 @@ head -c 600 in.y4m > short.y4m
 
 "$@" list | grep -q '^sketch-2 ' || fail "list has no sketch-2"
 "$@" info rain | grep -q drop-size || fail "info shows no property"
+
+# The commands of the page.
+mkdir page
+cp in.y4m page
+cp "$sources/demo/portrait.jpg" page/in.jpg
+cp negative.png page/in.png
+cd page
+"$sources/tests/docs/commands.py" list docs/platforms.md "The program" --shell bat > commands.txt
+while read -r command; do
+    # shellcheck disable=SC2086  # several words are meant
+    "$@" ${command#specialeffects } < /dev/null > /dev/null || fail "docs/platforms.md: $command"
+done < commands.txt
+
 echo "The program does what it should."

@@ -29,14 +29,3 @@ silently() {
 elements() {
     gst-inspect-1.0 specialeffects | sed -n 's/^  \(sfx-[a-z0-9-]*\):.*/\1/p'
 }
-
-camera="videotestsrc num-buffers=30 is-live=true"
-window="fakesink silent=true"
-
-# The commands in the sh blocks of a page, one on a line, without comments, with a test picture and nothing for camera
-# and window.
-shell_commands() {
-    awk '/^```/ { inside = ($0 == "```sh"); next } inside { print }' "$1" |
-        sed -e ':join' -e '/\\$/ { N; s/\\\n *//; b join' -e '}' -e 's/   *#.*//' \
-            -e "s/v4l2src/$camera/" -e "s/autovideosink/$window/"
-}

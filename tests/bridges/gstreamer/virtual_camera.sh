@@ -31,14 +31,14 @@ await pw-cli info 0
 start wireplumber
 await sh -c 'wpctl status | grep -q WirePlumber'
 
-shell_commands "$root/docs/gstreamer.md" | grep pipewire > commands.txt
+"$root/tests/docs/commands.py" list docs/gstreamer.md | grep pipewire > commands.txt
 [ "$(wc -l < commands.txt)" -eq 2 ] || fail "the page has other commands for PipeWire"
-# Endless, and without colour, so that the effect can be recognized.
-sed -n 1p commands.txt | sed 's/num-buffers=30//; s/sfx-rain/sfx-gray-scale/; s/^/exec /' > camera.sh
+# Without colour, so that the effect can be recognized.
+sed -n 1p commands.txt | sed 's/v4l2src/videotestsrc is-live=true/; s/sfx-rain/sfx-gray-scale/; s/^/exec /' > camera.sh
 start sh camera.sh
 await sh -c 'pw-cli ls Node | grep -q sfx-camera'
 sed -n 2p commands.txt |
-    sed "s|pipewiresrc|pipewiresrc num-buffers=10|; s|fakesink.*|video/x-raw,format=I420 ! filesink location=seen.yuv|" \
+    sed "s|pipewiresrc|pipewiresrc num-buffers=10|; s|autovideosink|video/x-raw,format=I420 ! filesink location=seen.yuv|" \
         > reader.sh
 timeout 30 sh reader.sh > reader.txt 2>&1 || fail "$(cat reader.txt)"
 
