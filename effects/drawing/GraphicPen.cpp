@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstdlib>
 #include <span>
 
 #include "effects/drawing/DiagonalBits.h"
@@ -24,8 +25,9 @@ SE_INLINE int64_t DrawStrokes(const int32_t* random, int64_t count, int32_t widt
         const int32_t x = random[0] % width, y = random[1] % height;
         const int32_t length = random[2] % (2 * reach + 1) - reach;
         const bool overprints = length > 0;
-        const int32_t pixels =
-            overprints ? std::min({length, width - x, y + 1}) : std::min({-length, x + 1, height - y});
+        // Both directions, since a branch would be hard to predict.
+        const int32_t mostUp = std::min(width - x, y + 1), mostDown = std::min(x + 1, height - y);
+        const int32_t pixels = std::min(std::abs(length), overprints ? mostUp : mostDown);
         const int32_t up = overprints ? pixels - 1 : 0;
         const uint64_t inksAll = overprints ? ~uint64_t{0} : 0;
         page.ForStroke({x + up, y - up}, pixels, [&](uint64_t& word, uint64_t stroke) {

@@ -32,12 +32,9 @@ SE_INLINE int64_t DrawStrokes(const int32_t* random, int64_t count, Strokes& str
         if (x < 0 || y < 0 || y >= height) continue;
         const int32_t pixels = std::min({length, width - x, falls ? height - y : y + 1});
         const int32_t up = pixels - 1;
-        const auto set = [](uint32_t& word, uint32_t bits) { word |= bits; };
-        if (falls) {
-            strokes.falling.ForStroke({x, y}, pixels, set);
-        } else {
-            strokes.rising.ForStroke({x + up, y - up}, pixels, set);
-        }
+        const PlanePoint upper = falls ? PlanePoint{x, y} : PlanePoint{x + up, y - up};
+        (falls ? strokes.falling : strokes.rising)
+            .ForStroke(upper, pixels, [](uint32_t& word, uint32_t bits) { word |= bits; });
         drawn += pixels;
     }
     return drawn;
