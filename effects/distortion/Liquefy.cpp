@@ -40,7 +40,6 @@ void CLiquefySpecialEffectFilter::Prepare() {
     FrameCounter = 0;
     TempPlane = NewPlane(Width(), Height());
     HeightMap = NewPlane(Width(), Height());
-    for (int32_t i = 0; i < FrameCount; ++i) Frames.push_back(NewPlane(Width(), Height()));
     if (Mode == kWaves) MakeWaves();
     if (Mode == kBlobs) MakeBlobs();
     if (Mode == kNoise) MakeNoise();
@@ -63,7 +62,7 @@ void CLiquefySpecialEffectFilter::MakeWaves() {
         for (size_t y = 0; y < height; ++y) {
             b[y] = std::cos(2 * ((static_cast<double>(y) + phase) / 100.0) * kPi) * 30.0;
         }
-        uint8_t* pixel = Frames[static_cast<size_t>(i)].data;
+        uint8_t* pixel = Frames.emplace_back(NewPlane(Width(), Height())).data;
         for (size_t y = 0; y < height; ++y) {
             for (size_t x = 0; x < width; ++x) {
                 *pixel++ = static_cast<uint8_t>(static_cast<int32_t>(a[x] + b[y] + 60.0));
@@ -77,15 +76,14 @@ void CLiquefySpecialEffectFilter::MakeBlobs() {
     constexpr double kTwoPi = 6.283185307;
     const double n = FrameCount;
     RepeatedMean means(Width(), Height());
-    CPlane8u& noise = Frames[0];
+    CPlane8u levels = NewPlane(Width(), Height());
     std::vector<int32_t> random(static_cast<size_t>(Width()));
     for (int32_t y = 0; y < Height(); ++y) {
         FillRandom(random);
-        std::ranges::transform(random, noise.Row(y),
+        std::ranges::transform(random, levels.Row(y),
                                [](int32_t number) { return static_cast<uint8_t>(number % 256); });
     }
-    means.Apply(noise, 30);
-    CPlane8u levels = noise;
+    means.Apply(levels, 30);
     std::transform(levels.data, levels.data + levels.Size(), levels.data, [](uint8_t level) {
         return static_cast<uint8_t>(std::clamp<int32_t>(level, kLowestBlob, kHighestBlob));
     });
@@ -97,8 +95,8 @@ void CLiquefySpecialEffectFilter::MakeBlobs() {
             const double height = std::sin((phase + k + i) * (kTwoPi / n)) * 8.0 + 135.0;
             heights[static_cast<size_t>(i)] = static_cast<uint8_t>(static_cast<int32_t>(height));
         }
-        CPlane8u& frame = Frames[static_cast<size_t>(k)];
-        LookupBytes(heights.data(), levels.data, frame.data, levels.Size());
+        CPlane8u& frame = Frames.emplace_back(levels);
+        LookupBytes(heights.data(), frame.data, frame.Size());
         means.Apply(frame, 6);
     }
 }

@@ -21,14 +21,15 @@ SE_INLINE Range RangeOf(const uint8_t* pixels, size_t count) {
     return {lowest, highest};
 }
 
-/// Up to this pixel nine of them, and the 4 that rounds their mean, fit a byte.
-constexpr int32_t kNarrow = (255 - 4) / 9;
+/// Half of the nine pixels of a mean, which rounds it.
+constexpr int32_t kHalf = 4;
 
-SE_INLINE uint8_t RoundedNinth(uint8_t sum) {
-    return static_cast<uint8_t>((sum + 4) * 57 >> 9);
-}
-SE_INLINE uint8_t RoundedNinth(uint16_t sum) {
-    return static_cast<uint8_t>(prim::MeanOfSquare<3>(sum));
+/// Up to this pixel nine of them and that half fit a byte.
+constexpr int32_t kNarrow = (255 - kHalf) / 9;
+
+/// sum / 9, for up to nine pixels and half of nine.
+SE_INLINE uint8_t Ninth(uint16_t sum) {
+    return static_cast<uint8_t>(prim::MulHigh(sum, 7282));
 }
 
 /// The outermost pixels stay as they are.
@@ -39,7 +40,7 @@ SE_INLINE void MeanRow(const uint8_t* SE_RESTRICT above, const uint8_t* SE_RESTR
     Sum* SE_RESTRICT const sums = reinterpret_cast<Sum*>(memory);
     for (size_t x = 0; x < width; ++x) sums[x] = static_cast<Sum>(above[x] + here[x] + below[x]);
     for (size_t x = 1; x < width - 1; ++x) {
-        means[x] = RoundedNinth(static_cast<Sum>(sums[x - 1] + sums[x] + sums[x + 1]));
+        means[x] = Ninth(static_cast<Sum>(sums[x - 1] + sums[x] + sums[x + 1] + kHalf));
     }
     means[0] = here[0];
     means[width - 1] = here[width - 1];
