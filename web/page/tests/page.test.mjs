@@ -176,6 +176,16 @@ describe("gallery", () => {
         assert.ok(sepia.mean[0] > sepia.mean[2] + 20, JSON.stringify(sepia));
     });
 
+    for (const [width, height] of [[1400, 900], [390, 844]]) {
+        on(`shows whole titles, also those of variants, ${width} pixels wide`, { viewport: { width, height } }, async (page) => {
+            for (const more of await page.locator(".more").all()) await more.click();
+            const cut = await page.locator("#shelves .card:visible .title").evaluateAll((all) => all
+                .filter((title) => title.scrollWidth > title.clientWidth || title.scrollHeight > title.clientHeight)
+                .map((title) => title.textContent));
+            assert.deepEqual(cut, []);
+        });
+    }
+
     on("finds effects by words, and by kind", {}, async (page) => {
         const visible = () => page.locator("#shelves .card:visible .title").allTextContents();
         await page.keyboard.press("/");
