@@ -10,7 +10,7 @@ export CCACHE_BASEDIR ?= $(CURDIR)
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
 PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web packages docs
 
-.PHONY: build arm64 windows install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench docs lint help clean $(PARTS:%=check-%)
+.PHONY: build arm64 windows install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench bench-peers docs lint help clean $(PARTS:%=check-%)
 
 ## build      the library and the program, in build/release
 build:
@@ -256,7 +256,7 @@ check-docs:
 	cmake --build --preset release --target product python_wheel drawing_tests check_kernels
 	tests/docs/commands.py run $(RELEASE) build/check-docs
 
-## bench      times of every primitive, effect and peer, in build/bench/*.csv and docs/performance.md; about five minutes
+## bench      times of every primitive and effect, in build/bench/*.csv and docs/performance.md; about five minutes
 bench:
 	@tools/setup.sh build check bench
 	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_BENCH=ON
@@ -265,8 +265,17 @@ bench:
 	$(RELEASE)/tests/check_kernels/check_kernels --bench --csv > build/bench/kernels.csv
 	$(RELEASE)/bench/bench_opencv > build/bench/opencv.csv
 	$(RELEASE)/bench/bench_effects --csv > build/bench/effects.csv
-	bench/bench_peers.py $(RELEASE)/bench/bench_effects > build/bench/peers.md
 	tools/performance_page.sh build/bench docs/performance.md
+
+## bench-peers  FFmpeg, frei0r and GStreamer beside the effects, timed and at odd sizes, in docs/comparison.md; three minutes
+bench-peers:
+	@tools/setup.sh build gstreamer frei0r bench bench-peers
+	cmake --preset release -DSE_BUILD_BENCH=ON -DSE_BUILD_GSTREAMER=ON -DSE_BUILD_FREI0R=ON
+	cmake --build --preset release --target bench_effects sfx gstspecialeffects frei0r_plugins
+	mkdir -p build/bench
+	bench/bench_peers.py $(RELEASE)/bench/bench_effects > build/bench/peers.md
+	bench/peers_odd_sizes.py $(RELEASE) > build/bench/sizes.md
+	tools/performance_page.sh build/bench docs/comparison.md
 
 ## docs       a page for each effect with its picture and its time, after `make demo`
 docs: build

@@ -235,7 +235,8 @@ void Make(const fs::path& source, const fs::path& data, const fs::path& demo, co
                             (docs / "images" / (PageName(displayName) + ".jpg")).string()));
         }
     }
-    index << "\nThe tables of [performance.md](performance.md) say how fast each is. "
+    index << "\nThe tables of [performance.md](performance.md) say how fast each is, and "
+             "[comparison.md](comparison.md) what other collections offer. "
              "`make docs` generates these pages.\n";
 }
 

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Puts new times into docs/performance.md:
+# Puts new times into a page of docs/:
 #
 #   tools/performance_page.sh FOLDER PAGE
 #
@@ -16,8 +16,8 @@ machine() {
     echo "Times are medians of processor time."
 }
 
-for name in machine effects peers kernels opencv; do
-    grep -qx "<!-- $name -->" "$page" || { echo "$page has no place for $name" >&2; exit 1; }
+names=$(sed -n 's/^<!-- \([a-z]*\) -->$/\1/p' "$page" | grep -vx end)
+for name in $names; do
     if [ "$name" = machine ]; then
         machine
     elif [ -f "$folder/$name.md" ]; then

@@ -34,7 +34,9 @@ web-page     nodejs npm
 check-web-page chromium ffmpeg
 obs          libobs-dev
 check-obs    obs-studio ffmpeg xvfb xauth libx11-dev libgl1-mesa-dri libegl1
-bench        libopencv-dev python3 ffmpeg gstreamer1.0-tools gstreamer1.0-plugins-good
+bench        libopencv-dev
+bench-peers  python3 ffmpeg frei0r-plugins
+bench-peers  gstreamer1.0-tools gstreamer1.0-plugins-good gstreamer1.0-plugins-bad
 lint         git clang clang-format clang-tidy cppcheck shellcheck flake8 libopencv-dev libgtest-dev
 '
 
