@@ -161,8 +161,8 @@ Result Measure(const CatalogueRow& row, Size size, const std::vector<bench::Fram
     const double before = AllocatedBytes();
     const Effect effect(row.create());
     StreamDescription stream{0, size.width, size.height, kFormatPlanar};
-    std::vector<double> configureTimes;
-    for (int i = 0; i < 3; ++i) configureTimes.push_back(bench::Timed([&] { effect->Configure(&stream); }));
+    std::vector<double> configureTimes(3);
+    for (double& time : configureTimes) time = bench::Timed([&] { effect->Configure(&stream); });
     SettingsRecord settings{0, nullptr, options.cascade.data(), {0, 0}};
     effect->LoadSettings(&settings);  // of Picture Me; others have none
 

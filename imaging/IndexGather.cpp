@@ -472,7 +472,8 @@ void GatherMap::Release() {
 void GatherMap::Apply(const uint8_t* src, uint8_t* dst) const {
     const uint32_t* words = words_.data();
     const ptrdiff_t width = width_;
-    for (const auto& [kind, count] : runs_) switch (kind) {
+    for (const auto& [kind, count] : runs_) {
+        switch (kind) {
 #if SE_PICK
             case ShuffledKind(1, Shape::kRow):
                 words = RunShuffled<1, Shape::kRow>(words, count, src, dst, width);
@@ -521,4 +522,5 @@ void GatherMap::Apply(const uint8_t* src, uint8_t* dst) const {
                 words = RunStretches<3>(words, count, src, dst);
                 break;
         }
+    }
 }

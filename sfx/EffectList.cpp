@@ -357,6 +357,7 @@ const EffectEntry* FindEffect(std::string_view text) {
         return effect;
     }
     std::vector<std::string_view> names;
+    names.reserve(all.size());
     for (const EffectEntry& entry : all) {
         names.emplace_back(entry.info.id);
     }
