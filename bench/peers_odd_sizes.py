@@ -579,12 +579,12 @@ def main() -> int:
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     build = options.build.resolve()
     os.environ["GST_PLUGIN_PATH"] = str(build / "gstreamer-1.0")
-    collections = [Collection("libsfx", list(libsfx_filters(build / "libsfx.so")))]
-    frei0r_folders = (("our frei0r plugins", build / "frei0r-1"), ("frei0r", Path("/usr/lib/frei0r-1")))
+    collections = [Collection("this, as libsfx: planar and RGBA", list(libsfx_filters(build / "libsfx.so")))]
+    frei0r_folders = (("this, as frei0r plugins", build / "frei0r-1"), ("frei0r", Path("/usr/lib/frei0r-1")))
     collections += [Collection(title, list(frei0r_filters(folder))) for title, folder in frei0r_folders]
     try:
         gstreamer = GStreamer()
-        for title, plugins in (("our GStreamer elements", ("specialeffects",)),
+        for title, plugins in (("this, as GStreamer elements", ("specialeffects",)),
                                ("GStreamer good", ("effectv", "videofilter", "alpha", "smpte")),
                                ("GStreamer bad", ("geometrictransform", "gaudieffects", "coloreffects", "smooth",
                                                   "videofiltersbad"))):

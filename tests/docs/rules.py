@@ -55,6 +55,7 @@ NOT_RUN = {
     "needs a kernel module": [r" modprobe ", r"/dev/video9"],
     "changes the system": [r"^sudo ldconfig$"],
     "measures, which takes a quiet machine": [r"\bbench", r"--bench", r"-DSE_BUILD_BENCH=ON", r"/memory\.mjs "],
+    "runs other packages": [r"--prefix build/peers"],
     "shows how another program crashes": [r"! rippletv !", r"=rgbparade "],
 }
 
