@@ -62,6 +62,8 @@ TEST(Text, SaysWhatIsWrong) {
     EXPECT_EQ(Refusal("sepia:tone=9", SFX_ERROR_UNKNOWN), "sepia has no property \"tone\"; it has none");
     EXPECT_EQ(Refusal("rain:drop-size=big", SFX_ERROR_VALUE), "drop-size takes a whole number, not \"big\"");
     EXPECT_EQ(Refusal("rain:drop-size=", SFX_ERROR_VALUE), "drop-size takes a whole number, not \"\"");
+    EXPECT_EQ(Refusal("fish-eye:effect-type=sphre", SFX_ERROR_UNKNOWN),
+              "effect-type takes the name or number of a choice, not \"sphre\"; did you mean sphere?");
     EXPECT_EQ(Refusal("rain:9", SFX_ERROR_VALUE),
               "\"9\" sets nothing; properties of rain are set as name=value");
     EXPECT_EQ(Refusal("line-art-1:background-color=1,2", SFX_ERROR_VALUE),
@@ -124,7 +126,9 @@ TEST(Settings, AreTypedAndTextual) {
         EXPECT_EQ(sfx_set_int(effect.get(), name, 5), SFX_ERROR_UNKNOWN) << name;
         EXPECT_EQ(sfx_get_int(effect.get(), name, &value), SFX_ERROR_UNKNOWN) << name;
     }
-    EXPECT_EQ(sfx_set(effect.get(), "drop-size", "x"), SFX_ERROR_VALUE);
+    for (const char* number : {"x", "+-5", "5 6", "1e1"}) {
+        EXPECT_EQ(sfx_set(effect.get(), "drop-size", number), SFX_ERROR_VALUE) << number;
+    }
     EXPECT_EQ(Get(effect, "drop-size"), "7");
 
     ASSERT_EQ(sfx_set_defaults(effect.get()), SFX_OK);
@@ -145,6 +149,15 @@ TEST(Settings, OutOfRangeAreClamped) {
     EXPECT_EQ(sfx_set(lines.get(), "background-color", "300,-5,7"), SFX_CLAMPED);
     EXPECT_EQ(Get(lines, "background-color"), "#ff0007");
     EXPECT_EQ(sfx_set_int(lines.get(), "background-color", -1), SFX_CLAMPED);
+}
+
+TEST(Settings, OfAChoiceAreNamesOrNumbers) {
+    const EffectHandle effect = Create("fish-eye:effect-type=2");
+    EXPECT_EQ(Get(effect, "effect-type"), "cosine");
+    EXPECT_EQ(sfx_set(effect.get(), "effect-type", "Arc_Cosine"), SFX_OK);
+    EXPECT_EQ(Print(effect.get()), "fish-eye:effect-type=arc-cosine");
+    EXPECT_EQ(sfx_set(effect.get(), "effect-type", "0"), SFX_CLAMPED);
+    EXPECT_EQ(Get(effect, "effect-type"), "sphere");
 }
 
 // Also those that an effect resets when it is configured.
@@ -231,6 +244,24 @@ TEST(Settings, ComeFromFiles) {
     EXPECT_EQ(sfx_load_settings(Create("sepia").get(), home.Path("colour.txt").c_str()), SFX_ERROR_UNKNOWN);
     EXPECT_EQ(sfx_load_settings(effect.get(), nullptr), SFX_ERROR_ARGUMENT);
 }
+
+#if !defined(_WIN32)
+// A short path may lead to a file whose full path is too long for the system.
+TEST(Settings, OfAFileThatAnEffectCannotOpenAreRefused) {
+    const Home home;
+    const std::string name(250, 'd');
+    for (int depth = 0; depth < 20; ++depth) {
+        fs::create_directory(name);
+        fs::current_path(name);
+    }
+    std::ofstream("colour.txt") << "12 34 56\n";
+    const EffectHandle effect = Create("sepia+line-art-2:background-color=#445566");
+    EXPECT_EQ(sfx_load_settings(effect.get(), "colour.txt"), SFX_ERROR_FILE);
+    EXPECT_EQ(std::string(sfx_message()).find("line-art-2 does not take the settings file /"), 0U)
+        << sfx_message();
+    EXPECT_EQ(Print(effect.get()), "sepia+line-art-2:background-color=#445566");
+}
+#endif
 
 TEST(Settings, FromAFileReplaceWhatWasSet) {
     const Home home;
