@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <string>
 #include <utility>
@@ -21,13 +20,6 @@ namespace {
 
 constexpr const char* kFile = "perlin.dat";
 constexpr int32_t kPictureWidth = 640, kPictureHeight = 480;
-
-/// The position in the loop, shared by all effects of the same surroundings. The phase would blend
-/// neighbouring pictures; it stays at 0.
-struct CloudLoop {
-    std::atomic<uint32_t> CloudFrame = 0;
-    std::atomic<int32_t> CloudPhase = 0;
-};
 
 /// The picture at position `t` of the loop, 0 <= t < 1. Cross-fades two stretches of the noise, one of which
 /// ends where the other begins, so that the last picture leads into the first.

@@ -2,9 +2,18 @@
 #ifndef SPECIALEFFECTS_EFFECTS_ANIMATED_CLOUDS_H
 #define SPECIALEFFECTS_EFFECTS_ANIMATED_CLOUDS_H
 
+#include <atomic>
+
 #include "framework/EffectBase.h"
 #include "imaging/Plane8u.h"
 #include "imaging/ResizePlan.h"
+
+/// The position in the loop, shared by all effects of the same surroundings. The phase would blend
+/// neighbouring pictures; it stays at 0.
+struct CloudLoop {
+    std::atomic<uint32_t> CloudFrame = 0;
+    std::atomic<int32_t> CloudPhase = 0;
+};
 
 /// The first `Configure` that finds no data file perlin.dat makes it, with all pictures at 640 by 480. It
 /// writes to a temporary file and renames it when complete. If the file cannot be written or read there are

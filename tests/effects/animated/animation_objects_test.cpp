@@ -71,6 +71,25 @@ TEST(MovingObject, HasItsOperationsInOrder) {
     EXPECT_EQ(sprite->velocityX(), 1);
 }
 
+TEST(MovingObject, IsDestroyedThroughItsFirstSlot) {
+    const Owned<CMovingAnimationObject> freed = MakeOwned<CMovingAnimationObject>(4, 4, 40, 30, 2);
+    void* const memory = ::operator new(sizeof(CMovingAnimationObject));
+    auto* const object = new (memory) CMovingAnimationObject(4, 4, 40, 30, 2);
+    EXPECT_EQ(object->DeletingDestructor(0), memory);
+    ::operator delete(memory);
+}
+
+TEST(MovingObject, DrawsARampOfGreyUpAndDown) {
+    auto sprite = NewSprite(3, 2, 40, 30, 5);
+    sprite->BuildFrames();
+    const uint8_t ramp[] = {0, 102, 204, 255, 204};
+    for (size_t i = 0; i < std::size(ramp); ++i) {
+        const CPlane8u& mask = sprite->Mask(i);
+        EXPECT_EQ(std::vector<uint8_t>(mask.data, mask.data + mask.Size()), std::vector<uint8_t>(6, ramp[i]));
+    }
+    NewSprite(3, 2, 40, 30, 0)->BuildFrames();
+}
+
 TEST(MovingObject, BouncesAtTheEdges) {
     auto sprite = NewSprite(10, 10, 50, 40);
     ASSERT_EQ(sprite->maxX(), 39);
@@ -379,6 +398,9 @@ TEST(Framework, KeepsAndRemovesItsObjects) {
     EXPECT_EQ(framework.GetObjectCount(), 0U);
     framework.AddObject(NewSprite(4, 4, 40, 30));
     framework.RemoveFirst(100);
+    EXPECT_EQ(framework.GetObjectCount(), 0U);
+    framework.AddObject(NewSprite(4, 4, 40, 30));
+    framework.RemoveAll();
     EXPECT_EQ(framework.GetObjectCount(), 0U);
 }
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "effects/animated/Clouds.h"
 #include "imaging/GradientNoise.h"
 #include "imaging/ScalarColor.h"
 #include "tests/imaging/models/PointModels.h"
@@ -214,6 +215,21 @@ TEST_F(Clouds, RepeatsItselfInSurroundingsOfItsOwn) {
     }
     EXPECT_EQ(files[0], files[1]);
     EXPECT_EQ(frames[0], frames[1]);
+}
+
+TEST_F(Clouds, APhaseShowsTheNextPictureOnce) {
+    WriteRandomFile();
+    TestSurroundings surroundings;
+    const SurroundingsScope scope(surroundings);
+    ASSERT_EQ(effect.Configure(64, 48), kSuccess);
+    Model model(64, 48, 1, 90, 0xC0C0C0U);
+    surroundings.Shared<CloudLoop>().CloudPhase = 1;
+    for (const int shows : {1, 1, 2}) {
+        TestFrame frame = StreamPicture(64, 48, shows), expected = frame;
+        model.From(shows)(expected);
+        ASSERT_EQ(effect.Process(frame), kSuccess);
+        EXPECT_EQ(FirstDifference(frame, expected), "") << shows;
+    }
 }
 
 TEST_F(Clouds, AShortFileRepeatsItsLastPicture) {
