@@ -47,7 +47,7 @@ namespace {
 constexpr int32_t kOnly = CatalogueRow::kOnly;
 
 template <class Effect>
-constexpr CatalogueRow Row(const char* guid, const char* shortName, int32_t variant, EffectKind kind,
+consteval CatalogueRow Row(const char* guid, const char* shortName, int32_t variant, EffectKind kind,
                            CatalogueRow::Places listedAt, const char* description, uint32_t traits,
                            const char* dataFile = nullptr) {
     return {ParseGuid(guid),
@@ -324,7 +324,7 @@ constexpr CatalogueRow kRows[] = {
 constexpr EffectGuid kListedOnly = ParseGuid("{8AAE654A-D222-4D8A-968F-937591B1B696}");
 constexpr size_t kListedOnlyAt = 40;
 
-constexpr auto MakeListing() {
+consteval auto MakeListing() {
     std::array<EffectGuid, kListedOnlyAt + 1> listing{};
     listing[kListedOnlyAt] = kListedOnly;
     for (const CatalogueRow& row : kRows) {

@@ -24,7 +24,7 @@ constexpr uint32_t Hex(std::string_view digits) {
 }  // namespace guid_detail
 
 /// "{ABC27FCB-B469-428E-9A2F-C2117AD7148E}" as 16 bytes. Anything else does not compile.
-constexpr EffectGuid ParseGuid(std::string_view text) {
+consteval EffectGuid ParseGuid(std::string_view text) {
     using guid_detail::Hex;
     if (text.size() != 38 || text[0] != '{' || text[37] != '}' || text[9] != '-' || text[14] != '-' ||
         text[19] != '-' || text[24] != '-') {

@@ -44,27 +44,27 @@ struct Property {
 
     /// The same row with a sentence that says what the property does and, where its values are a choice,
     /// their names.
-    constexpr Property Says(const char* sentence, std::span<const ValueName> names = {}) const {
+    consteval Property Says(const char* sentence, std::span<const ValueName> names = {}) const {
         Property row = *this;
         row.description = sentence;
         row.values = names;
         return row;
     }
     /// The same row with other bounds than the range text says.
-    constexpr Property ClampedTo(int32_t lo, int32_t hi) const {
+    consteval Property ClampedTo(int32_t lo, int32_t hi) const {
         Property row = *this;
         row.lowest = lo;
         row.highest = hi;
         return row;
     }
     /// The same row, for a property that does more than be stored.
-    constexpr Property OnSet(Setter setter) const {
+    consteval Property OnSet(Setter setter) const {
         Property row = *this;
         row.set = setter;
         return row;
     }
     /// The same row, for a property that shows another value than the stored one.
-    constexpr Property OnGet(Getter getter) const {
+    consteval Property OnGet(Getter getter) const {
         Property row = *this;
         row.get = getter;
         return row;
@@ -111,7 +111,7 @@ constexpr Property<OwnerOf<Member>> Row(PropTypeSet type, const char* name, cons
 
 /// An integer in the member `Member`, clamped to the two numbers of `range`.
 template <auto Member>
-constexpr auto IntegerProperty(const char* name, const char* defaultText, const char* range) {
+consteval auto IntegerProperty(const char* name, const char* defaultText, const char* range) {
     const char* text = range;
     const int32_t lowest = property_detail::ReadBound(text);
     ++text;
@@ -121,13 +121,13 @@ constexpr auto IntegerProperty(const char* name, const char* defaultText, const 
 
 /// A boolean in the member `Member`.
 template <auto Member>
-constexpr auto BooleanProperty(const char* name, const char* defaultText) {
+consteval auto BooleanProperty(const char* name, const char* defaultText) {
     return property_detail::Row<Member>(PropTypeSet::Boolean, name, defaultText, "", 0, 1);
 }
 
 /// A colour, red in the low byte, in the 32-bit member `Member`.
 template <auto Member>
-constexpr auto ColorProperty(const char* name, const char* defaultText) {
+consteval auto ColorProperty(const char* name, const char* defaultText) {
     return property_detail::Row<Member>(PropTypeSet::Color, name, defaultText, "",
                                         std::numeric_limits<int32_t>::min(),
                                         std::numeric_limits<int32_t>::max());
@@ -135,7 +135,7 @@ constexpr auto ColorProperty(const char* name, const char* defaultText) {
 
 /// A colour that the two functions keep, where there is no member of its own.
 template <class Effect>
-constexpr Property<Effect> ColorProperty(const char* name, const char* defaultText,
+consteval Property<Effect> ColorProperty(const char* name, const char* defaultText,
                                          typename Property<Effect>::Getter get,
                                          typename Property<Effect>::Setter set) {
     return {PropTypeSet::Color,

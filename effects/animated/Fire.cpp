@@ -17,7 +17,7 @@ constexpr uint8_t Truncated(double value) {
 }
 
 /// White, red, dark violet, blue, white, in studio range.
-constexpr FirePalette MakePalette() {
+consteval FirePalette MakePalette() {
     FirePalette palette;
     for (size_t index = 0; index < 256; ++index) {
         const auto i = static_cast<double>(index);

@@ -14,7 +14,7 @@ constexpr size_t kTerms = RadialFunction::kTerms;
 using Terms = std::array<double, kTerms>;
 
 /// Row m holds the coefficients of the Chebyshev polynomial of degree m, of the first kind.
-constexpr std::array<Terms, kTerms> MakeChebyshev() {
+consteval std::array<Terms, kTerms> MakeChebyshev() {
     std::array<Terms, kTerms> rows{};
     rows[0][0] = 1;
     rows[1][1] = 1;

@@ -15,7 +15,7 @@ constexpr int32_t kMargin = kBlurSize / 2;
 using Palette = std::array<uint8_t, 256>;
 
 /// A palette through three colours, at 0, 128 and 255.
-constexpr Palette MakePalette(int32_t low, int32_t middle, int32_t high) {
+consteval Palette MakePalette(int32_t low, int32_t middle, int32_t high) {
     Palette palette{};
     for (int32_t i = 0; i < 256; ++i) {
         const double t = i < 128 ? i * 0.0078125 : (i - 128) / 127.0;

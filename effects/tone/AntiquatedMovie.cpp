@@ -17,7 +17,7 @@ constexpr uint8_t kNeutral = 128;
 using ByteTable = std::array<uint8_t, 256>;
 
 /// v * factor + offset, truncated, for each byte v.
-constexpr ByteTable LinearTable(double factor, double offset) {
+consteval ByteTable LinearTable(double factor, double offset) {
     ByteTable table{};
     for (int32_t v = 0; v < 256; ++v) {
         const auto value = static_cast<int32_t>(v * factor + offset);
