@@ -12,6 +12,9 @@ target=$1
 grep -q "^make $target  *#" README.md || { echo "README.md has no make $target" >&2; exit 2; }
 scratch=$PWD/build/bare-machine
 bare=$scratch/$target
+mkdir -p "$scratch"
+exec 9> "$scratch/$target.lock"
+flock --nonblock 9 || { echo "$0 $target runs already" >&2; exit 1; }
 make_bare_debian "$bare"
 git clone --quiet --depth 1 "file://$PWD" "$bare/root/project"
 
