@@ -18,9 +18,10 @@ constexpr const char* kToneMapping =
 }  // namespace
 
 Intake::Intake(int width, int height, int quarterTurns, const Color& color)
-    : quarterTurns_(quarterTurns), color_(color), pool_(width, height) {
-    sidewaysPool_ = quarterTurns % 2 != 0 ? FramePool(height, width) : FramePool(width, height);
-}
+    : quarterTurns_(quarterTurns),
+      color_(color),
+      pool_(width, height),
+      sidewaysPool_(quarterTurns % 2 != 0 ? FramePool(height, width) : FramePool(width, height)) {}
 
 AVFramePtr Intake::MapTones(const AVFrame& picture) {
     if (!HasFilter("zscale") || !HasFilter("tonemap")) {
