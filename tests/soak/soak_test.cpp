@@ -1,8 +1,10 @@
-// Every effect for a long time: created and destroyed repeatedly, given thousands of frames, and all of them
-// at once on many threads. How long is set where the test program is built (SE_SOAK_...).
+// Every effect for a long time: created and destroyed repeatedly, given thousands of frames, and many of them
+// at once on many threads. How long is set where the test program is built, and by variables of the
+// environment of the same names (SE_SOAK_...).
 #include <gtest/gtest.h>
-#include <malloc.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "framework/Catalogue.h"
+#include "tests/soak/Soak.h"
 #include "tests/support/GoldenRun.h"
 #include "tests/support/TestFrame.h"
 #include "tests/support/TestSurroundings.h"
@@ -61,25 +64,6 @@ class SoakDirectory {
     TemporaryDirectory directory_;
 };
 
-/// Bytes of the heap that are in use, the allocator's caches included.
-int64_t HeapInUse() {
-    const struct mallinfo2 heap = mallinfo2();
-    return static_cast<int64_t>(heap.uordblks + heap.hblkhd);
-}
-
-/// Memory may settle at the start of a run, and grows no more then.
-class LevelMemory {
-  public:
-    void Settled() { settled_ = HeapInUse(); }
-    void ExpectLevel() const {
-        if (!SE_SOAK_MEMORY_COUNTS) return;
-        EXPECT_LT(HeapInUse() - settled_, 16384);
-    }
-
-  private:
-    int64_t settled_ = 0;
-};
-
 // ---- one effect at a time --------------------------------------------------------------------------------
 
 class Soak : public testing::TestWithParam<int> {
@@ -91,31 +75,46 @@ class Soak : public testing::TestWithParam<int> {
 };
 
 TEST_P(Soak, LivesThatFollowEachOtherLeaveNothingBehind) {
-    const std::vector<TestFrame> scene = DrawScene(64, 48, 3);
+    static constexpr int32_t kSides[][2] = {{64, 48}, {176, 144}, {1, 1}, {33, 97}, {160, 90}, {320, 2}};
+    std::vector<std::vector<TestFrame>> scenes;
+    for (const auto& [width, height] : kSides) scenes.push_back(DrawScene(width, height, 3));
+    const size_t lives = SoakSetting("SE_SOAK_LIVES", SE_SOAK_LIVES);
+    const size_t settled = std::max(lives / 10, 2 * scenes.size());
     LevelMemory memory;
-    for (int life = 0; life < SE_SOAK_LIVES; ++life) {
-        if (life == SE_SOAK_LIVES / 10) memory.Settled();
+    for (size_t life = 0; life < lives; ++life) {
+        if (life == settled) memory.Settled();
+        const std::vector<TestFrame>& scene = scenes[life % scenes.size()];
         const Effect effect = Create(row());
         ASSERT_EQ(Configure(*effect, scene[0]), kSuccess);
         for (TestFrame frame : scene) ASSERT_EQ(effect->ProcessFrame(frame.record()), kSuccess);
-        ASSERT_EQ(effect->Shutdown(), kSuccess);
+        // Every other one changes its size, and every third is destroyed as it runs.
+        if (life % 2 == 0) {
+            TestFrame frame = scenes[(life + 1) % scenes.size()][0];
+            ASSERT_EQ(Configure(*effect, frame), kSuccess);
+            ASSERT_EQ(effect->ProcessFrame(frame.record()), kSuccess);
+        }
+        if (life % 3 != 0) {
+            ASSERT_EQ(effect->Shutdown(), kSuccess);
+        }
     }
-    memory.ExpectLevel();
+    if (SE_SOAK_MEMORY_COUNTS) memory.ExpectLevel(row().shortName);
 }
 
 TEST_P(Soak, LongStreamEndsAsItShould) {
     const std::vector<TestFrame> scene = DrawScene(176, 144, 50);
     const Effect effect = Create(row());
     ASSERT_EQ(Configure(*effect, scene[0]), kSuccess);
+    const size_t frames = SoakSetting("SE_SOAK_FRAMES", SE_SOAK_FRAMES);
+    const size_t settled = std::min<size_t>(frames / 10, 1000);
     LevelMemory memory;
     TestFrame frame = scene[0];
-    for (size_t i = 0; i < SE_SOAK_FRAMES; ++i) {
-        if (i == SE_SOAK_FRAMES / 10) memory.Settled();
+    for (size_t i = 0; i < frames; ++i) {
+        if (i == settled) memory.Settled();
         frame = scene[i % scene.size()];
         ASSERT_EQ(effect->ProcessFrame(frame.record()), kSuccess) << "frame " << i;
         ASSERT_TRUE(frame.GuardsIntact()) << "frame " << i;
     }
-    memory.ExpectLevel();
+    if (SE_SOAK_MEMORY_COUNTS) memory.ExpectLevel(row().shortName);
     EXPECT_EQ(effect->Shutdown(), kSuccess);
     frame = scene[0];
     // Without workspace a frame is refused or, by the effects that need none, processed.
@@ -142,42 +141,75 @@ void SetAllProperties(CSpecialEffectFilter& effect) {
     }
 }
 
-/// The whole life of an effect in surroundings of its own, as a checksum of all its frames.
-uint64_t RunLife(const CatalogueRow& row, const std::vector<TestFrame>& scene, bool wide) {
-    TestSurroundings surroundings;
-    const SurroundingsScope scope(surroundings);
-    const Effect effect = Create(row);
-    EXPECT_EQ(Configure(*effect, scene[0]), kSuccess);
-    wide ? SetAllProperties<WideChar>(*effect) : SetAllProperties<char>(*effect);
-    uint64_t checksum = 0;
-    for (TestFrame frame : scene) {
-        EXPECT_EQ(effect->ProcessFrame(frame.record()), kSuccess);
-        checksum = checksum * 0x100000001B3ULL ^ frame.Checksum();
+/// The life of an effect in surroundings of its own, frame by frame.
+class Life {
+  public:
+    Life(const CatalogueRow& row, const std::vector<TestFrame>& scene, bool wide) : scene_(&scene) {
+        const SurroundingsScope scope(*surroundings_);
+        effect_ = Create(row);
+        EXPECT_EQ(Configure(*effect_, scene[0]), kSuccess);
+        wide ? SetAllProperties<WideChar>(*effect_) : SetAllProperties<char>(*effect_);
     }
-    return checksum;
-}
+
+    bool HasFrames() const { return next_ < scene_->size(); }
+    void Step() {
+        const SurroundingsScope scope(*surroundings_);
+        TestFrame frame = (*scene_)[next_++];
+        EXPECT_EQ(effect_->ProcessFrame(frame.record()), kSuccess);
+        checksum_ = checksum_ * 0x100000001B3ULL ^ frame.Checksum();
+    }
+    /// Of all frames so far.
+    uint64_t Checksum() const { return checksum_; }
+
+  private:
+    const std::vector<TestFrame>* scene_;
+    std::unique_ptr<TestSurroundings> surroundings_ = std::make_unique<TestSurroundings>();
+    Effect effect_;
+    size_t next_ = 0;
+    uint64_t checksum_ = 0;
+};
+
+/// Each of the threads has as many effects as this at once.
+constexpr size_t kThreads = 8, kEffectsOfThread = 3;
 
 TEST(SoakThreads, EffectsOnManyThreadsComputeWhatTheyComputeAlone) {
     const SoakDirectory directory;
     const std::vector<TestFrame> scene = DrawScene(96, 80, 4);
     std::vector<uint64_t> alone;
-    for (const CatalogueRow& row : EffectCatalogue()) alone.push_back(RunLife(row, scene, false));
+    for (const CatalogueRow& row : EffectCatalogue()) {
+        Life life(row, scene, false);
+        while (life.HasFrames()) life.Step();
+        alone.push_back(life.Checksum());
+    }
 
     // The threads do not synchronize before they end, since that would hide a race.
     struct Outcome {
         size_t lives = 0, wrongRow = 0;
     };
-    std::vector<Outcome> outcomes(8);
-    const auto end = steady_clock::now() + std::chrono::seconds(SE_SOAK_SECONDS);
+    std::vector<Outcome> outcomes(kThreads);
+    const auto end =
+        steady_clock::now() + std::chrono::seconds(SoakSetting("SE_SOAK_SECONDS", SE_SOAK_SECONDS));
     std::vector<std::thread> threads;
     for (Outcome& outcome : outcomes) {
         threads.emplace_back([&, seed = threads.size()] {
+            struct Running {
+                size_t row = 0;
+                std::unique_ptr<Life> life = nullptr;
+            };
+            std::array<Running, kEffectsOfThread> effects;
             TestRandom random(seed);
             while (steady_clock::now() < end && outcome.wrongRow == 0) {
-                const auto row = static_cast<size_t>(random.Below(static_cast<int32_t>(alone.size())));
-                const uint64_t checksum = RunLife(EffectCatalogue()[row], scene, random.Below(2) == 0);
-                if (checksum != alone[row]) outcome.wrongRow = row + 1;
-                ++outcome.lives;
+                auto& [row, life] = effects[static_cast<size_t>(random.Below(kEffectsOfThread))];
+                if (life == nullptr) {
+                    row = static_cast<size_t>(random.Below(static_cast<int32_t>(alone.size())));
+                    life = std::make_unique<Life>(EffectCatalogue()[row], scene, random.Below(2) == 0);
+                } else if (life->HasFrames()) {
+                    life->Step();
+                } else {
+                    if (life->Checksum() != alone[row]) outcome.wrongRow = row + 1;
+                    life.reset();
+                    ++outcome.lives;
+                }
             }
         });
     }
