@@ -13,6 +13,8 @@
 #include <cstring>
 #include <thread>
 
+#include "tests/soak/Soak.h"
+
 // Last, and without its macros of common words.
 #include <X11/Xlib.h>
 #undef None
@@ -183,7 +185,7 @@ int StartObs() {
     if (!obs_startup("en-US", OBS_CONFIG_FOLDER, nullptr)) return 1;
     obs_video_info video{};
     video.graphics_module = "libobs-opengl";
-    video.fps_num = 200;
+    video.fps_num = static_cast<uint32_t>(SoakSetting("SE_OBS_RATE", 200));
     video.fps_den = 1;
     video.base_width = video.output_width = kCanvasWidth;
     video.base_height = video.output_height = kCanvasHeight;

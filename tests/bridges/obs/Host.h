@@ -24,8 +24,8 @@ using Effect = std::unique_ptr<sfx_effect, decltype(&sfx_destroy)>;
 
 inline constexpr uint32_t kCanvasWidth = 160, kCanvasHeight = 96;
 
-/// Starts libobs and loads the plugin; 0 where that works. The canvas is BGRA, 160 by 96, 200 frames a
-/// second.
+/// Starts libobs and loads the plugin; 0 where that works. The canvas is BGRA, 160 by 96. It has 200
+/// frames a second; SE_OBS_RATE in the environment makes it another rate.
 int StartObs();
 /// Ends it, and returns the number of libobs's allocations that are left.
 long StopObs();
