@@ -1,4 +1,4 @@
-// Under libFuzzer: the whole contract, or libsfx.
+// Under libFuzzer: the whole contract, libsfx, or files with any content.
 //
 //     build/fuzz/tests/fuzz/fuzz_contract [options] [corpus directories]
 #include <unistd.h>
