@@ -125,18 +125,19 @@ check-thread:
 	$(call build_tests,thread,soak_tests sfx_tests)
 	$(call run_tests,thread,-R '^(SoakThreads|Threads)')
 
-# Guided fuzzing of the contract and of libsfx on every core, for so many seconds each, from the stored inputs. New
-# inputs stay in build/fuzz/corpus.
+# Guided fuzzing of the contract, of libsfx and of the files that it reads on every core, for so many seconds each, from
+# the stored inputs. New inputs stay in build/fuzz/corpus.
 FUZZ_SECONDS ?= 40
 check-fuzz:
 	@tools/setup.sh build check clang
-	$(call build_tests,fuzz,fuzz_contract fuzz_sfx)
-	$(call run_fuzz,contract)
-	$(call run_fuzz,sfx)
+	$(call build_tests,fuzz,fuzz_contract fuzz_sfx fuzz_files)
+	$(call run_fuzz,contract,$(FUZZ_SECONDS))
+	$(call run_fuzz,sfx,$(FUZZ_SECONDS))
+	$(call run_fuzz,files,$(FUZZ_SECONDS))
 
 define run_fuzz
 	mkdir -p build/fuzz/corpus/$(1)
-	cd build/fuzz && tests/fuzz/fuzz_$(1) -fork=$(JOBS) -max_total_time=$(FUZZ_SECONDS) corpus/$(1) \
+	cd build/fuzz && tests/fuzz/fuzz_$(1) -fork=$(JOBS) -max_total_time=$(2) corpus/$(1) \
 	    $(CURDIR)/tests/fuzz/inputs/$(1)
 
 endef
@@ -256,6 +257,75 @@ check-docs:
 	cmake --build --preset release --target product python_wheel drawing_tests check_kernels
 	tests/docs/commands.py run $(RELEASE) build/check-docs
 
+## long-NAME  one run for SECONDS (900): $(LONG)
+LONG := lives frames contract sfx files media threads gstreamer obs page
+SECONDS ?= 900
+LIVES ?= 1000
+FRAMES ?= 100000
+.PHONY: $(LONG:%=long-%)
+
+# Every effect created, configured and destroyed LIVES times; FRAMES frames of every effect. Both watch the memory.
+long-lives long-frames:
+	@tools/setup.sh build check
+	$(call build_tests,release,soak_tests cascade)
+	SE_SOAK_LIVES=$(LIVES) SE_SOAK_FRAMES=$(FRAMES) $(RELEASE)/tests/soak/soak_tests \
+	    --gtest_filter=$(if $(filter %lives,$@),*LeaveNothingBehind*,*LongStream*)
+
+# Guided fuzzing.
+long-contract long-sfx: long-%:
+	@tools/setup.sh build check clang
+	$(call build_tests,fuzz,fuzz_$*)
+	$(call run_fuzz,$*,$(SECONDS))
+
+# Damaged files of each kind, for SECONDS each: those that libsfx reads, and the program's videos and pictures. There, a
+# crash in FFmpeg's libraries does not end the run.
+FILES ?= cascade settings bmp presets
+MEDIA ?= mp4 mkv png jpg gif y4m
+long-files:
+	@tools/setup.sh build check clang
+	$(call build_tests,fuzz,fuzz_files)
+	$(foreach kind,$(FILES),$(call fuzz_kind,files,$(kind)))
+
+long-media:
+	@tools/setup.sh build check clang
+	cmake --preset fuzz -DSE_BUILD_TESTS=ON -DSE_BUILD_HOST=ON
+	cmake --build --preset fuzz --target fuzz_media
+	$(foreach kind,$(MEDIA),$(call fuzz_kind,media,$(kind),-ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1))
+
+define fuzz_kind
+	mkdir -p build/fuzz/corpus/$(1)-$(2)
+	cp tests/fuzz/inputs/$(1)/*.$(2) build/fuzz/corpus/$(1)-$(2)
+	cd build/fuzz && tests/fuzz/fuzz_$(1) -fork=$(JOBS) -max_total_time=$(SECONDS) -rss_limit_mb=4096 -timeout=60 \
+	    $(3) corpus/$(1)-$(2)
+
+endef
+
+# 24 effects at once on 8 threads, under the thread sanitizer.
+long-threads:
+	@tools/setup.sh build check clang
+	$(call build_tests,thread,soak_tests)
+	SE_SOAK_SECONDS=$(SECONDS) build/thread/tests/soak/soak_tests --gtest_filter=SoakThreads.*
+
+# The bridges in their hosts, with another effect every second.
+long-gstreamer:
+	@tools/setup.sh build check gstreamer check-gstreamer
+	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_GSTREAMER=ON
+	cmake --build --preset release --target gstreamer_tests
+	SE_SOAK_SECONDS=$(SECONDS) $(RELEASE)/tests/bridges/gstreamer/gstreamer_tests --gtest_filter=LongRun.*
+
+long-obs:
+	@tools/setup.sh build check obs check-obs
+	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_OBS=ON
+	cmake --build --preset release --target obs_tests cascade
+	SE_SOAK_SECONDS=$(SECONDS) SE_OBS_RATE=15 LIBGL_ALWAYS_SOFTWARE=1 XDG_CACHE_HOME=$(CURDIR)/build/cache \
+	    XDG_CONFIG_HOME=$(CURDIR)/build/config \
+	    xvfb-run -a $(RELEASE)/tests/bridges/obs/obs_tests --gtest_filter=LongRun.*
+
+long-page: export PATH := $(CURDIR)/build/node/bin:$(PATH)
+long-page: web
+	@tools/setup.sh check-web-page
+	cd web/page && node tests/long-run.mjs $(SECONDS)
+
 ## bench      times of every primitive and effect, in build/bench/*.csv and docs/performance.md; about five minutes
 bench:
 	@tools/setup.sh build check bench
@@ -304,4 +374,4 @@ clean:
 
 help:
 	@echo "make TARGET, where TARGET is"
-	@sed -n 's/^## /  /p' $(MAKEFILE_LIST) | sed 's/[$$](PARTS)/$(PARTS)/'
+	@sed -n 's/^## /  /p' $(MAKEFILE_LIST) | sed 's/[$$](PARTS)/$(PARTS)/; s/[$$](LONG)/$(LONG)/'
