@@ -7,13 +7,14 @@
 namespace host {
 
 /// Repeats frames and leaves some out on their way to another output. Each frame is shown at the time of the
-/// rate that is nearest to its own.
+/// rate that is nearest to its own. A gap of more than an hour is closed, with a note: a damaged time would
+/// otherwise fill the disk with repeated frames.
 class ConstantRate : public VideoOutput {
   public:
     /// `output` gets times in units of 1/`rate`. `notes` gets a note on the first frame that is repeated or
-    /// left out; null when the rate is what the user asked for.
-    ConstantRate(std::unique_ptr<VideoOutput> output, AVRational timeBase, AVRational rate,
-                 const Notes* notes);
+    /// left out, unless `isAsked` says that the user asked for the rate.
+    ConstantRate(std::unique_ptr<VideoOutput> output, AVRational timeBase, AVRational rate, bool isAsked,
+                 const Notes& notes);
 
     void Write(Frame frame) override;
     void WritePacket(PacketPtr packet) override { output_->WritePacket(std::move(packet)); }
@@ -21,16 +22,18 @@ class ConstantRate : public VideoOutput {
     int64_t FrameCount() const override { return output_->FrameCount(); }
 
   private:
-    int64_t PlaceOf(int64_t time) const;
+    int64_t PlaceOf(int64_t time);
     void WriteHeld(int64_t untilPlace);
     void Tell();
 
     std::unique_ptr<VideoOutput> output_;
     AVRational timeBase_;
     AVRational rate_;
-    const Notes* notes_;
+    bool isTold_;
+    const Notes& notes_;
     Frame held_;
     int64_t heldPlace_ = 0;
+    int64_t closed_ = 0;  // places in the gaps so far
 };
 
 }  // namespace host

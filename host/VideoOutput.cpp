@@ -86,7 +86,7 @@ std::unique_ptr<VideoOutput> OpenOutput(const std::string& name, const VideoInpu
                                          : SensibleRate(input.Stream().frameRate);
     auto output = OpenByKind(name, kind, input, AtConstantRate(input.Stream(), rate), options, notes);
     return std::make_unique<ConstantRate>(std::move(output), input.Stream().timeBase, rate,
-                                          options.rate ? nullptr : &notes);
+                                          options.rate.has_value(), notes);
 }
 
 }  // namespace host

@@ -284,6 +284,20 @@ TEST_F(VariableRateTest, BecomesConstantInY4m) {
     EXPECT_EQ(Read("pipe.y4m"), Read("out.y4m"));
 }
 
+// One damaged time would fill the disk with repeated frames.
+TEST_F(VariableRateTest, AGapOfHoursIsClosed) {
+    Make("-i in.mkv -c copy -bsf:v \"setts=pts='PTS+gte(N,5)*9e9':dts='DTS+gte(N,5)*9e9'\" gap.mkv");
+    for (const std::string name : {"out.y4m", "out.avi"}) {
+        const std::string note = Apply("gap.mkv " + name);
+        EXPECT_NE(note.find("note: a gap of 2500.0 hours between two frames is left out"), std::string::npos)
+            << note;
+        EXPECT_GE(CountFrames(name), 15);
+        EXPECT_LE(CountFrames(name), 22);
+    }
+    Apply("gap.mkv whole.mkv");
+    EXPECT_EQ(CountFrames("whole.mkv"), 12);
+}
+
 TEST_F(ContainerTest, PixelAspectIsAppliedToPictures) {
     Make("-f lavfi -i testsrc2=s=96x64:r=25:d=0.2 -vf setsar=2/1 -pix_fmt yuv420p -c:v libx264 in.mp4");
     Apply("in.mp4 out.png --frame 1");
