@@ -44,7 +44,7 @@ class LevelMemory {
     }
 
     /// Prints both, in kilobytes, and expects that they have grown by less than so many bytes.
-    void ExpectLevel(const std::string& what, int64_t heapLimit = 16384,
+    void ExpectLevel(const std::string& what, int64_t heapLimit = 32768,
                      int64_t residentLimit = 262144) const {
         const int64_t heap = HeapBytes(), resident = ResidentBytes();
         std::printf("%-24s heap %7.1f to %7.1f KB, resident %6.0f to %6.0f KB\n", what.c_str(), Kilo(heap_),
