@@ -115,7 +115,8 @@ void CTimeDistortionSpecialEffectFilter::ShowPast(const CPlane8u& average, const
     forBlocks([&](size_t at, size_t pixels) {
         uint32_t& set = used[at / kBlock];
         const size_t start = begin + at;
-        const bool changed = AtLevel<ChooseSlots>(average.data + start, luma.data + start, now, slots + at, pixels);
+        const bool changed =
+            AtLevel<ChooseSlots>(average.data + start, luma.data + start, now, slots + at, pixels);
         set = changed ? SetOf(slots + at, pixels) : 0;
         for (uint32_t left = set; left != 0; left &= left - 1) {
             for (const auto& [plane, history] : channels) {

@@ -26,8 +26,8 @@ class CTimeDistortionSpecialEffectFilter final : public PlanarEffect<CTimeDistor
         CPlane8u* pixels;
         const CPlane8u* history;
     };
-    /// Replaces those of `count` pixels from number `begin` on where `luma` differs from `average`; all planes
-    /// have one size.
+    /// Replaces those of `count` pixels from number `begin` on where `luma` differs from `average`; all
+    /// planes have one size.
     void ShowPast(const CPlane8u& average, const CPlane8u& luma, size_t begin, size_t count,
                   std::initializer_list<Channel> channels);
 
