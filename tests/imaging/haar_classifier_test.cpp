@@ -92,6 +92,19 @@ TEST(HaarClassifier, OtherStatuses) {
     EXPECT_EQ(size[0], -1);
 }
 
+TEST(HaarClassifier, TakesTheLastRectanglesWhoseEdgesAreNumbers) {
+    const PrimRect rects[] = {{kMost - 1, 0, 1, 1}, {0, kMost - 2, 1, 2}};
+    const float numbers[] = {1, 1};
+    const int32_t counts[] = {2};
+    PrimHaarState* state = nullptr;
+    ASSERT_EQ(PrimHaarClassifierInit(&state, rects, numbers, numbers, numbers, numbers, counts, 1), kPrimOk);
+    int32_t size[2] = {};
+    EXPECT_EQ(PrimHaarClassifierGetSize(state, size), kPrimOk);
+    EXPECT_EQ(size[0], kMost);
+    EXPECT_EQ(size[1], kMost);
+    PrimHaarClassifierFree(state);
+}
+
 TEST(HaarClassifier, SizeIsTheLargestExtent) {
     const PrimRect rects[] = {{3, 1, 4, 2}, {0, 9, 5, 3}, {6, 0, 1, 1}};
     const float numbers[] = {1, 1, 1};
