@@ -110,6 +110,21 @@ TEST_P(RadialMap, EqualsTheFormulaAtLargeSizes) {
 INSTANTIATE_TEST_SUITE_P(Levels, RadialMap, testing::ValuesIn(cpu::Levels().begin(), cpu::Levels().end()),
                          [](const auto& level) { return std::string(cpu::Name(level.param)); });
 
+/// Wrong polynomials would leave all pixels to the formula, which is right but slow.
+TEST(RadialFunction, SmoothTurnsHaveSmallErrors) {
+    constexpr double kRadius = 300;
+    const std::function<RadialTurn(double)>& turn = kShapes[0].turn;
+    const RadialFunction function(kRadius, [&](double d) { return turn(d / kRadius); });
+    RadialFunction::Row row(299);
+    function.Evaluate(0.5, 0.25, row.along.size(), row);
+    for (size_t i = 0; i < row.along.size(); ++i) {
+        const RadialTurn wanted = turn(std::hypot(static_cast<double>(i) + 0.5, 0.25) / kRadius);
+        ASSERT_LT(row.error[i], 1e-10) << i;
+        ASSERT_LE(std::abs(row.along[i] - wanted.along), row.error[i]) << i;
+        ASSERT_LE(std::abs(row.across[i] - wanted.across), row.error[i]) << i;
+    }
+}
+
 TEST(RadialMap, OfNoSizeHasNoRows) {
     const auto count = [](double end, Size size) {
         int rows = 0;
