@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -415,6 +416,21 @@ TEST(TextRenderer, DrawsBlackOnWhiteInCells) {
     EXPECT_EQ(darkest(32, 48), 0);     // the empty box
     EXPECT_EQ(text.Row(12)[40], 255);  // is empty
     EXPECT_TRUE(RenderText("").Empty());
+}
+
+TEST(TextRenderer, DrawsABoxForAnyOtherCharacter) {
+    const TextFromTable scope;
+    for (const char character : {'\0', '\n', '\x1F', '\x7F', '\x80', '\xFF'}) {
+        const CPlane8u cell = RenderText({&character, 1});
+        ASSERT_EQ(cell.width, kGlyphWidth);
+        ASSERT_EQ(cell.height, kGlyphHeight);
+        for (int y = 0; y < kGlyphHeight; ++y) {
+            for (int x = 0; x < kGlyphWidth; ++x) {
+                const int depth = std::min({x - 3, 12 - x, y - 4, 19 - y});
+                ASSERT_EQ(cell.Row(y)[x], depth == 0 ? 0 : 255) << x << "," << y;
+            }
+        }
+    }
 }
 
 TEST(TextRenderer, EveryGlyphHasInkAndIsCentred) {
