@@ -254,7 +254,7 @@ check-docs:
 	@tools/setup.sh build check gstreamer frei0r obs python check-gstreamer check-frei0r check-docs
 	cmake --preset release -DSE_BUILD_TESTS=ON -DSE_BUILD_GSTREAMER=ON -DSE_BUILD_FREI0R=ON -DSE_BUILD_OBS=ON \
 	    -DSE_BUILD_PYTHON=ON
-	cmake --build --preset release --target product python_wheel drawing_tests check_kernels
+	cmake --build --preset release --target product python_wheel check_kernels
 	tests/docs/commands.py run $(RELEASE) build/check-docs
 
 ## long-NAME  one run for SECONDS (900): $(LONG)
