@@ -25,6 +25,7 @@ check-packages debootstrap
 python       python3 python3-numpy python3-pip python3-setuptools python3-wheel python3-pytest python3-opencv
 python       python3-matplotlib mypy
 check-docs   python3-venv
+check-python python3-coverage
 demo         ffmpeg imagemagick
 frei0r       frei0r-plugins-dev
 check-frei0r ffmpeg melt libxml2-utils qtdeclarative5-dev-tools
