@@ -42,29 +42,31 @@ struct Property {
     const char* description = "";         ///< one sentence, for hosts of our own
     std::span<const ValueName> values{};  ///< names of an enumerated integer's values
 
+    // Not consteval: Clang 14 compiles a lambda in the argument of a consteval function wrongly.
+
     /// The same row with a sentence that says what the property does and, where its values are a choice,
     /// their names.
-    consteval Property Says(const char* sentence, std::span<const ValueName> names = {}) const {
+    constexpr Property Says(const char* sentence, std::span<const ValueName> names = {}) const {
         Property row = *this;
         row.description = sentence;
         row.values = names;
         return row;
     }
     /// The same row with other bounds than the range text says.
-    consteval Property ClampedTo(int32_t lo, int32_t hi) const {
+    constexpr Property ClampedTo(int32_t lo, int32_t hi) const {
         Property row = *this;
         row.lowest = lo;
         row.highest = hi;
         return row;
     }
     /// The same row, for a property that does more than be stored.
-    consteval Property OnSet(Setter setter) const {
+    constexpr Property OnSet(Setter setter) const {
         Property row = *this;
         row.set = setter;
         return row;
     }
     /// The same row, for a property that shows another value than the stored one.
-    consteval Property OnGet(Getter getter) const {
+    constexpr Property OnGet(Getter getter) const {
         Property row = *this;
         row.get = getter;
         return row;
@@ -111,7 +113,7 @@ constexpr Property<OwnerOf<Member>> Row(PropTypeSet type, const char* name, cons
 
 /// An integer in the member `Member`, clamped to the two numbers of `range`.
 template <auto Member>
-consteval auto IntegerProperty(const char* name, const char* defaultText, const char* range) {
+constexpr auto IntegerProperty(const char* name, const char* defaultText, const char* range) {
     const char* text = range;
     const int32_t lowest = property_detail::ReadBound(text);
     ++text;
@@ -121,13 +123,13 @@ consteval auto IntegerProperty(const char* name, const char* defaultText, const 
 
 /// A boolean in the member `Member`.
 template <auto Member>
-consteval auto BooleanProperty(const char* name, const char* defaultText) {
+constexpr auto BooleanProperty(const char* name, const char* defaultText) {
     return property_detail::Row<Member>(PropTypeSet::Boolean, name, defaultText, "", 0, 1);
 }
 
 /// A colour, red in the low byte, in the 32-bit member `Member`.
 template <auto Member>
-consteval auto ColorProperty(const char* name, const char* defaultText) {
+constexpr auto ColorProperty(const char* name, const char* defaultText) {
     return property_detail::Row<Member>(PropTypeSet::Color, name, defaultText, "",
                                         std::numeric_limits<int32_t>::min(),
                                         std::numeric_limits<int32_t>::max());
@@ -135,7 +137,7 @@ consteval auto ColorProperty(const char* name, const char* defaultText) {
 
 /// A colour that the two functions keep, where there is no member of its own.
 template <class Effect>
-consteval Property<Effect> ColorProperty(const char* name, const char* defaultText,
+constexpr Property<Effect> ColorProperty(const char* name, const char* defaultText,
                                          typename Property<Effect>::Getter get,
                                          typename Property<Effect>::Setter set) {
     return {PropTypeSet::Color,
