@@ -17,9 +17,9 @@ from pathlib import Path, PurePosixPath
 
 ROOT = Path(__file__).resolve().parent.parent
 
-# The least percentage of lines.
+# The least percentage of lines. A tenth of the framework makes tables of constants, which the compiler runs.
 BARS = {
-    "framework": 95,
+    "framework": 85,
     "imaging": 95,
     "effects": 95,
     "facetrack": 95,
