@@ -73,7 +73,7 @@ constexpr size_t kWindows = 60;
 constexpr uint64_t kWindowBits = (uint64_t{1} << kWindows) - 1;
 
 uint64_t LoadWord(const uint8_t* pixels) {
-    uint64_t word;
+    uint64_t word = 0;
     std::memcpy(&word, pixels, sizeof word);
     return word;
 }
