@@ -1,10 +1,13 @@
 // `apply` when all goes well.
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <thread>
 
 #include "Clips.h"
 #include "Media.h"
@@ -302,6 +305,8 @@ TEST_F(InterruptTest, TheSecondSignalEndsAtOnce) {
                 {.output = writeEnd, .error = terminal.Name(), .environment = {"TERM=xterm"}});
     std::array<char, 16> header{};
     ASSERT_EQ(read(ends[0], header.data(), header.size()), 16);
+    pollfd room{.fd = ends[1], .events = POLLOUT, .revents = 0};
+    while (poll(&room, 1, 0) > 0) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     child.Send(SIGINT);
     terminal.Await("stopping");
     child.Send(SIGINT);

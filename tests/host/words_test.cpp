@@ -286,9 +286,10 @@ TEST_F(TerminalTest, AcknowledgesAnInterruptAtOnce) {
                 directory_, {.error = terminal.Name(), .environment = {"TERM=xterm"}});
     terminal.Await("frames");
     child.Send(SIGINT);
-    terminal.Await("specialeffects: stopping\r\n");
+    std::string text = terminal.Await("specialeffects: stopping\r\n");
     ExpectSuccess(child.Wait());
-    EXPECT_NE(terminal.Text().find("wrote "), std::string::npos);
+    text += terminal.Text();
+    EXPECT_NE(text.find("wrote "), std::string::npos) << text;
 }
 
 }  // namespace
