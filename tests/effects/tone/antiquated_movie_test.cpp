@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
+#include <numeric>
 #include <vector>
 
 #include "tests/effects/tone/ToneModels.h"
@@ -99,10 +101,9 @@ class MovieModel {
     }
 
     void Equalize(PlainPlane& y) const {
-        int64_t cumulated[256];
-        for (int level = 0; level < 256; ++level) {
-            cumulated[level] = std::ranges::count_if(y.pixels, [=](uint8_t p) { return p <= level; });
-        }
+        int64_t cumulated[256] = {};
+        for (const uint8_t p : y.pixels) ++cumulated[p];
+        std::partial_sum(std::begin(cumulated), std::end(cumulated), std::begin(cumulated));
         for (uint8_t& p : y.pixels) p = static_cast<uint8_t>(cumulated[p] * 255 / (w_ * h_));
     }
 
