@@ -71,7 +71,8 @@ def check(commands: list[Command]) -> list[str]:
     code = [command.text for command in commands]
     for page in pages():
         code += re.findall(r"`([^`\n]+)`", (ROOT / page).read_text())
-    for target in sorted({target for text in code for target in re.findall(r"\bmake ([a-z][a-z0-9-]*)", text)}):
+    name = re.compile(r"\bmake ([a-z][a-z0-9-]*)(?![A-Za-z0-9-])")  # but not `make long-NAME`
+    for target in sorted({target for text in code for target in name.findall(text)}):
         dry = subprocess.run(["make", "--dry-run", target], cwd=ROOT, capture_output=True, text=True)
         if dry.returncode != 0:
             wrong.append(f"the documents name 'make {target}': {dry.stderr.strip()}")
