@@ -42,20 +42,20 @@ export function fromPosted({ image, timestamp }: PostedFrame): Frame {
   return hasVideoFrame() && image instanceof VideoFrame ? image : new StillFrame(image as ImageBitmap, timestamp);
 }
 
-type Canvas = HTMLCanvasElement | OffscreenCanvas;
 export type Context = CanvasRenderingContext2D | OffscreenCanvasRenderingContext2D;
 
 /** A canvas outside the page, for drawing and reading. */
 export function createContext(width: number, height: number): Context {
-  let canvas: Canvas;
+  const options = { willReadFrequently: true };
+  let context: Context | null;
   if (typeof OffscreenCanvas !== 'undefined') {
-    canvas = new OffscreenCanvas(width, height);
+    context = new OffscreenCanvas(width, height).getContext('2d', options);
   } else {
-    canvas = document.createElement('canvas');
+    const canvas = document.createElement('canvas');
     canvas.width = width;
     canvas.height = height;
+    context = canvas.getContext('2d', options);
   }
-  const context = canvas.getContext('2d', { willReadFrequently: true }) as Context | null;
   if (context === null) throw new Error('no 2D canvas');
   return context;
 }
