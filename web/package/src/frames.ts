@@ -46,7 +46,7 @@ export type Context = CanvasRenderingContext2D | OffscreenCanvasRenderingContext
 
 /** A canvas outside the page, for drawing and reading. */
 export function createContext(width: number, height: number): Context {
-  const options = { willReadFrequently: true };
+  const options: CanvasRenderingContext2DSettings = { willReadFrequently: true };
   let context: Context | null;
   if (typeof OffscreenCanvas !== 'undefined') {
     context = new OffscreenCanvas(width, height).getContext('2d', options);
