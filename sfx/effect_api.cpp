@@ -165,8 +165,11 @@ sfx_status sfx_set_int(sfx_effect* effect, const char* property, int32_t value) 
 }
 
 sfx_status sfx_get(const sfx_effect* effect, const char* property, char* buffer, size_t size) noexcept {
-    if (AnyNull(effect, property, buffer) || size == 0) {
+    if (AnyNull(effect, property, buffer)) {
         return NullArgument();
+    }
+    if (size == 0) {
+        return Tell(SFX_ERROR_ARGUMENT, "the size of the buffer is 0; the terminator needs 1");
     }
     return Guarded([&] {
         CopyText(effect->GetText(property), buffer, size);

@@ -259,8 +259,8 @@ SFX_API sfx_status sfx_set_int(sfx_effect* effect, const char* property, int32_t
 
 /*
  * The present value, what has been set since the last frame included: as number; or as text, "9", "true",
- * "#0000c0" or the id of a choice. The text is cut to size bytes with the terminator; size must be at
- * least 1.
+ * "#0000c0" or the id of a choice. The text is cut to size bytes with the terminator; a size of 0 is
+ * SFX_ERROR_ARGUMENT.
  */
 SFX_API sfx_status sfx_get(const sfx_effect* effect, const char* property, char* buffer,
                            size_t size) SFX_NOEXCEPT;

@@ -120,6 +120,8 @@ TEST(Settings, AreTypedAndTextual) {
     EXPECT_EQ(sfx_get(effect.get(), "background-color", small, sizeof small), SFX_OK);
     EXPECT_STREQ(small, "#12");
     EXPECT_EQ(sfx_get(effect.get(), "background-color", small, 0), SFX_ERROR_ARGUMENT);
+    EXPECT_STREQ(sfx_message(), "the size of the buffer is 0; the terminator needs 1");
+    EXPECT_STREQ(small, "#12");
 
     for (const char* name :
          {"4.drop-size", "-1.drop-size", "x.drop-size", "1.drop-size", "dropp", "", ".", "0."}) {
