@@ -1,5 +1,7 @@
 #include "Muxer.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <new>
 #include <string_view>
 
@@ -76,8 +78,20 @@ void Muxer::Finish() {
     file_.Commit();
 }
 
+void Muxer::NoteGap(double seconds) {
+    longestGap_ = std::max(longestGap_, seconds);
+}
+
 void Muxer::Check(int result) const {
-    if (result < 0) throw Failure("cannot write {}: {}", file_.Path(), LibavText(result));
+    if (result >= 0) return;
+    constexpr double kHour = 3600;
+    if (longestGap_ > kHour && (result == AVERROR_PATCHWELCOME || result == AVERROR(EINVAL))) {
+        throw Failure(
+            "cannot write {}: a frame comes {:.1f} hours after the one before it, and {} takes no such gap; "
+            "the times may be damaged, and --fps leaves the gap out",
+            file_.Path(), longestGap_ / kHour, container_.extension);
+    }
+    throw Failure("cannot write {}: {}", file_.Path(), LibavText(result));
 }
 
 }  // namespace host

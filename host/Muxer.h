@@ -35,6 +35,10 @@ class Muxer {
     /// Completes the file and gives it its name.
     void Finish();
 
+    /// Two frames are this far apart. Check names a gap of hours where the libraries refuse the file after
+    /// it.
+    void NoteGap(double seconds);
+
     /// Throws Failure for a negative result of the libraries.
     void Check(int result) const;
 
@@ -44,6 +48,7 @@ class Muxer {
     OutputContextPtr context_;
     bool hasHeader_ = false;          // and no trailer yet
     std::vector<int64_t> lastTimes_;  // of each stream
+    double longestGap_ = 0;           // between two frames, in seconds
 };
 
 }  // namespace host

@@ -201,6 +201,9 @@ bool VideoEncoder::TakesFramesAsTheyAre(const Frame& frame) const {
 
 void VideoEncoder::Write(Frame frame) {
     const int64_t time = av_rescale_q(frame.Time(), inputTimeBase_, encoder_->time_base);
+    if (lastTime_ >= 0) {
+        muxer_.NoteGap(static_cast<double>(time - lastTime_) * av_q2d(encoder_->time_base));
+    }
     lastTime_ = std::max(time, lastTime_ + 1);
     AVFramePtr converted;
     if (!TakesFramesAsTheyAre(frame)) {

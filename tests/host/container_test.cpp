@@ -284,9 +284,16 @@ TEST_F(VariableRateTest, BecomesConstantInY4m) {
     EXPECT_EQ(Read("pipe.y4m"), Read("out.y4m"));
 }
 
+class GapTest : public VariableRateTest {
+  protected:
+    void SetUp() override {
+        VariableRateTest::SetUp();
+        Make("-i in.mkv -c copy -bsf:v \"setts=pts='PTS+gte(N,5)*9e9':dts='DTS+gte(N,5)*9e9'\" gap.mkv");
+    }
+};
+
 // One damaged time would fill the disk with repeated frames.
-TEST_F(VariableRateTest, AGapOfHoursIsClosed) {
-    Make("-i in.mkv -c copy -bsf:v \"setts=pts='PTS+gte(N,5)*9e9':dts='DTS+gte(N,5)*9e9'\" gap.mkv");
+TEST_F(GapTest, OfHoursIsClosedWhereTheRateIsConstant) {
     for (const std::string name : {"out.y4m", "out.avi"}) {
         const std::string note = Apply("gap.mkv " + name);
         EXPECT_NE(note.find("note: a gap of 2500.0 hours between two frames is left out"), std::string::npos)
@@ -296,6 +303,20 @@ TEST_F(VariableRateTest, AGapOfHoursIsClosed) {
     }
     Apply("gap.mkv whole.mkv");
     EXPECT_EQ(CountFrames("whole.mkv"), 12);
+}
+
+TEST_F(GapTest, OfHoursIsNamedWhereTheContainerRefusesIt) {
+    for (const std::string extension : {".mp4", ".mov", ".webp"}) {
+        const std::string name = "out" + extension;
+        ExpectError(Shell("$P apply -e gray-scale gap.mkv " + name), 1,
+                    "cannot write " + name + ": a frame comes 2500.0 hours after the one before it, and " +
+                        extension + " takes no such gap");
+        EXPECT_FALSE(Exists(name));
+        // As the message advises.
+        EXPECT_NE(Apply("gap.mkv " + name + " --fps 10").find("note: a gap of 2500.0 hours"),
+                  std::string::npos);
+        EXPECT_TRUE(Exists(name));
+    }
 }
 
 TEST_F(ContainerTest, PixelAspectIsAppliedToPictures) {
