@@ -153,11 +153,18 @@ void SayItIsLate(Harness& harness, int frame) {
                                          static_cast<GstClockTime>(frame) * kFrame));
 }
 
+/// Says how often frames come. What an effect may cost for late frames goes by that.
+void SetRate(Harness& harness, const char* rate) {
+    const std::string caps = std::string("video/x-raw,format=I420,width=64,height=48,framerate=") + rate;
+    gst_harness_set_src_caps_str(harness.get(), caps.c_str());
+}
+
 // The base class drops what is late. An effect with a memory that takes little time still sees it.
 TEST(Filter, LateFramesAreDroppedButNotForgotten) {
     Harness harness("sfx-motion-blur-1");
     Reference reference("motion-blur-1");
     harness.SetFormat(kI420, 64, 48);
+    SetRate(harness, "1/100");  // the effect takes little of that on any machine
     harness.ExpectSameFrames(reference, 0, 3);
     SayItIsLate(harness, 5);
     for (int frame = 3; frame < 7; ++frame) {
@@ -169,9 +176,23 @@ TEST(Filter, LateFramesAreDroppedButNotForgotten) {
     harness.ExpectSameFrames(reference, 7, 3);
 }
 
+TEST(Filter, LateFramesAreSkippedWhereTheEffectTakesLong) {
+    Harness harness("sfx-motion-blur-1");
+    Reference reference("motion-blur-1");
+    harness.SetFormat(kI420, 64, 48);
+    SetRate(harness, "2147483647/1");  // less than a nanosecond for a frame
+    harness.ExpectSameFrames(reference, 0, 3);
+    SayItIsLate(harness, 5);
+    for (int frame = 3; frame < 7; ++frame) {
+        EXPECT_EQ(harness.PushAndPull(harness.Input(frame)), nullptr) << frame;
+    }
+    harness.ExpectSameFrames(reference, 7, 3);
+}
+
 TEST(Filter, LateFramesAreSharedWithOthersUnchanged) {
     Harness harness("sfx-motion-blur-1");
     harness.SetFormat(kI420, 64, 48);
+    SetRate(harness, "1/100");
     harness.PushAndPull(harness.Input(0));
     SayItIsLate(harness, 5);
     const BufferHandle input = harness.Input(1);
