@@ -1,6 +1,5 @@
 // The same for every element: an effect of libsfx, its description, its properties, its frames.
 #include <algorithm>
-#include <cctype>
 
 #include "Harness.h"
 

@@ -1,11 +1,13 @@
 # shellcheck shell=sh
 # What the scripts in this folder share. To be sourced with: BUILD folder, SCRATCH folder.
 #
-# A registry, a cache and the plugin of their own; the program specialeffects on the path; an empty folder to work in.
+# A registry, a cache and plugins of their own, so that no other plugin of the machine says a word when GStreamer makes
+# the registry; the program specialeffects on the path; an empty folder to work in.
 set -eu
 build=$1
 scratch=$2
-export GST_REGISTRY="$scratch.registry.bin" GST_PLUGIN_PATH="$build/gstreamer-1.0"
+export GST_REGISTRY_1_0="$scratch.registry.bin" GST_PLUGIN_PATH_1_0="$build/gstreamer-1.0"
+export GST_PLUGIN_SYSTEM_PATH_1_0="$build/tests/bridges/gstreamer/plugins"
 export XDG_CACHE_HOME="$build/tests/bridges/gstreamer/cache" G_DEBUG=fatal-criticals
 export PATH="$build/host:/usr/bin:$PATH" # Debian's own python3, which has python3-gi
 root=$(cd "$(dirname "$0")/../../.." && pwd)

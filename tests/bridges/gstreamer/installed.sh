@@ -8,5 +8,5 @@ silently cmake --install "$build" --prefix "$scratch/first" --component gstreame
 mv first moved
 plugin=$(find "$PWD/moved" -name libgstspecialeffects.so)
 ldd "$plugin" | grep -q "libsfx.*$scratch/moved/" || fail "$(ldd "$plugin")"
-GST_PLUGIN_PATH=$(dirname "$plugin")
+GST_PLUGIN_PATH_1_0=$(dirname "$plugin")
 silently gst-launch-1.0 -q videotestsrc num-buffers=3 ! sfx-picture-me ! fakesink silent=true

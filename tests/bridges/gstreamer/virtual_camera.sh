@@ -5,25 +5,27 @@ if [ -z "${SFX_TEST_SESSION:-}" ]; then
 fi
 . "$(dirname "$0")/environment.sh"
 
-export XDG_RUNTIME_DIR="$scratch/run" XDG_CONFIG_HOME="$scratch/config" XDG_STATE_HOME="$scratch/state"
-mkdir -m 700 run config state
+# The path of a socket has to be short.
+XDG_RUNTIME_DIR=$(mktemp -d)
+export XDG_RUNTIME_DIR XDG_CONFIG_HOME="$scratch/config" XDG_STATE_HOME="$scratch/state"
+mkdir -m 700 config state
+unset G_DEBUG # what PipeWire's own elements complain about ends nothing
 
 processes=""
-trap 'kill $processes 2> /dev/null; wait' EXIT
+trap 'kill -9 $processes 2> /dev/null; wait; rm -rf "$XDG_RUNTIME_DIR"' EXIT
+trap 'exit 1' HUP INT TERM
 start() {
     "$@" > "$1.txt" 2>&1 &
     processes="$! $processes"
 }
-# Waits up to 20 seconds for a command to succeed.
+# Repeats a command until it succeeds, for a minute at most.
 await() {
-    for _ in $(seq 100); do
-        if "$@" > await.txt 2>&1; then
-            return 0
-        fi
+    end=$(($(date +%s) + 60))
+    until "$@" > await.txt 2>&1; do
+        [ "$(date +%s)" -lt "$end" ] || fail "in vain: $*
+$(tail -n 50 ./*.txt)"
         sleep 0.2
     done
-    fail "in vain: $*
-$(cat await.txt ./*.txt)"
 }
 
 start pipewire
@@ -40,7 +42,8 @@ await sh -c 'pw-cli ls Node | grep -q sfx-camera'
 sed -n 2p commands.txt |
     sed "s|pipewiresrc|pipewiresrc num-buffers=10|; s|autovideosink|video/x-raw,format=I420 ! filesink location=seen.yuv|" \
         > reader.sh
-timeout 30 sh reader.sh > reader.txt 2>&1 || fail "$(cat reader.txt)"
+# Again, where PipeWire has listed the camera before it can connect it.
+await timeout 30 sh reader.sh
 
 frame=$((320 * 240 * 3 / 2))
 [ "$(wc -c < seen.yuv)" -eq $((10 * frame)) ] || fail "other than 10 pictures came out"
