@@ -169,7 +169,10 @@ test('without memory a frame is refused, and the effect goes on when there is so
   }
   assert.equal(session.process(0), ERROR_MEMORY);
   assert.equal(session.message(), 'out of memory');
-  assert.equal(session.module.withTexts([], () => session.process(1)), ERROR_MEMORY);
+  assert.equal(
+    session.module.withTexts([], () => session.process(1)),
+    ERROR_MEMORY,
+  );
   blocks.forEach((block) => free(block));
   assert.equal(session.process(2), OK);
 });

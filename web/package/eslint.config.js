@@ -1,8 +1,5 @@
 import tseslint from 'typescript-eslint';
 
-export default tseslint.config(
-  { ignores: ['dist', 'tests/page', '**/*.mjs', 'eslint.config.js'] },
-  ...tseslint.configs.strictTypeChecked,
-  ...tseslint.configs.stylisticTypeChecked,
-  { languageOptions: { parserOptions: { projectService: true, tsconfigRootDir: import.meta.dirname } } },
-);
+import { rules } from '../eslint.rules.mjs';
+
+export default rules(tseslint, { projectService: true, tsconfigRootDir: import.meta.dirname });

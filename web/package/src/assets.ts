@@ -47,9 +47,7 @@ async function load(url: string): Promise<WebAssembly.Module> {
   if (!response.ok) throw new Error(`status ${String(response.status)}`);
   // Servers that do not know the type of .wasm files rule streaming out.
   const isStreamable = response.headers.get('Content-Type')?.startsWith('application/wasm') === true;
-  return isStreamable
-    ? WebAssembly.compileStreaming(response)
-    : WebAssembly.compile(await response.arrayBuffer());
+  return isStreamable ? WebAssembly.compileStreaming(response) : WebAssembly.compile(await response.arrayBuffer());
 }
 
 /** Whether this machine has WebAssembly SIMD: by a module of one function, `i8x16.splat` of 0. */

@@ -16,7 +16,10 @@ interface WorkerTrackGenerator {
 }
 
 interface BreakoutBox {
-  readonly MediaStreamTrackProcessor?: new (init: { track: MediaStreamTrack; maxBufferSize?: number }) => TrackProcessor;
+  readonly MediaStreamTrackProcessor?: new (init: {
+    track: MediaStreamTrack;
+    maxBufferSize?: number;
+  }) => TrackProcessor;
   readonly MediaStreamTrackGenerator?: new (init: { kind: 'video' }) => TrackGenerator;
   readonly VideoTrackGenerator?: new () => WorkerTrackGenerator;
 }

@@ -183,7 +183,11 @@ class TrackProcessor implements Processor {
         output.show(frame);
       },
     );
-    const pipeline = await Pipeline.create(init, dataFilesFrom(init.cascade, () => createWorker(assets)), events);
+    const pipeline = await Pipeline.create(
+      init,
+      dataFilesFrom(init.cascade, () => createWorker(assets)),
+      events,
+    );
     const source = new VideoSource(false, (frame) => {
       pipeline.push(frame);
     });

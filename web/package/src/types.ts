@@ -111,16 +111,7 @@ export interface PresetInfo {
  * - `unsupported`: the browser lacks what is needed
  */
 export type ErrorCode =
-  | 'argument'
-  | 'unknown'
-  | 'value'
-  | 'picture'
-  | 'file'
-  | 'memory'
-  | 'failed'
-  | 'load'
-  | 'trap'
-  | 'unsupported';
+  'argument' | 'unknown' | 'value' | 'picture' | 'file' | 'memory' | 'failed' | 'load' | 'trap' | 'unsupported';
 
 /** What the package throws and what its promises reject with. The message is a sentence for people. */
 export class SpecialEffectsError extends Error {
@@ -242,13 +233,7 @@ export interface Processor {
 
 /** What pictures are read from. */
 export type ImageSource =
-  | ImageData
-  | ImageBitmap
-  | HTMLVideoElement
-  | HTMLImageElement
-  | HTMLCanvasElement
-  | OffscreenCanvas
-  | VideoFrame;
+  ImageData | ImageBitmap | HTMLVideoElement | HTMLImageElement | HTMLCanvasElement | OffscreenCanvas | VideoFrame;
 
 export interface ImageOptions {
   /** How often the picture is fed to the effects, 1/30 s apart; effects with a memory show more. Default: 1. */

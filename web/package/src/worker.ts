@@ -31,16 +31,16 @@ function createPipeline(init: PipelineInit): Promise<Pipeline> {
   // A second worker of this script makes the noise of Clouds.
   const createWorker = () => new Worker(scope.location.href, { type: 'module', name: 'specialeffects-noise' });
   return Pipeline.create(init, dataFilesFrom(init.cascade, createWorker), {
-      onStats: (stats) => {
-        post({ type: 'stats', stats });
-      },
-      onError: (error) => {
-        post({ type: 'error', error: posted(error) });
-      },
-      onFrame: (frame) => {
-        const { message, transfer } = toPosted(frame);
-        post({ type: 'frame', frame: message }, transfer);
-      },
+    onStats: (stats) => {
+      post({ type: 'stats', stats });
+    },
+    onError: (error) => {
+      post({ type: 'error', error: posted(error) });
+    },
+    onFrame: (frame) => {
+      const { message, transfer } = toPosted(frame);
+      post({ type: 'frame', frame: message }, transfer);
+    },
   });
 }
 

@@ -163,7 +163,9 @@ for (const path of PATHS) {
       await running.stop();
       return { fps, report, path, cameraRate: settings.frameRate, size: [video.videoWidth, video.videoHeight] };
     }, path);
-    console.log(`# ${path}: ${found.fps.toFixed(1)} of ${found.cameraRate} frames/s, ${found.report.milliseconds.toFixed(2)} ms a frame`);
+    console.log(
+      `# ${path}: ${found.fps.toFixed(1)} of ${found.cameraRate} frames/s, ${found.report.milliseconds.toFixed(2)} ms a frame`,
+    );
     assert.equal(found.report.path, path);
     assert.ok(found.report.processed > 10);
     assert.deepEqual([found.report.width, found.report.height], [WIDTH, HEIGHT]);
@@ -317,7 +319,11 @@ pageTest('two processors at once, each with its effects', async (page) => {
 pageTest('properties change while frames flow; mistakes are refused', async (page, complaints) => {
   const found = await page.evaluate(async () => {
     const codes = [];
-    const note = (promise) => promise.then(() => codes.push('none'), (error) => codes.push(error.code));
+    const note = (promise) =>
+      promise.then(
+        () => codes.push('none'),
+        (error) => codes.push(error.code),
+      );
     const running = processor({ effects: 'line-art-1' });
     const output = await running.start(await camera());
     await running.setProperty('background-color', '#ff0000');

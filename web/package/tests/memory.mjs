@@ -22,20 +22,31 @@ export async function watchMemory(page, seconds) {
   const rounds = Math.max(2, Math.round(seconds / 10));
   const samples = [];
   for (let round = 0; round < rounds; ++round) {
-    const [report] = await page.evaluate(async (duration) => {
-      const list = ['sketch-2', 'rain', 'time-distortion+sepia', 'fish-eye'];
-      for (const effects of list) {
-        await watched.setEffects(effects);
-        await sleep(duration / list.length);
-      }
-      return takeStats().slice(-1);
-    }, (seconds * 1000) / rounds);
-    samples.push({ wasm: report.memory, heap: await heap(), fps: Math.round(report.framesPerSecond), processed: report.processed });
+    const [report] = await page.evaluate(
+      async (duration) => {
+        const list = ['sketch-2', 'rain', 'time-distortion+sepia', 'fish-eye'];
+        for (const effects of list) {
+          await watched.setEffects(effects);
+          await sleep(duration / list.length);
+        }
+        return takeStats().slice(-1);
+      },
+      (seconds * 1000) / rounds,
+    );
+    samples.push({
+      wasm: report.memory,
+      heap: await heap(),
+      fps: Math.round(report.framesPerSecond),
+      processed: report.processed,
+    });
   }
   await page.evaluate(() => watched.stop());
   const [first, last] = [samples[0], samples.at(-1)];
   // Less than a frame for each change of effects: the heap of the module may need some more until it has holes enough.
-  assert.ok(last.wasm < first.wasm + 1_500_000, `the WebAssembly memory grows from ${first.wasm} to ${last.wasm} bytes`);
+  assert.ok(
+    last.wasm < first.wasm + 1_500_000,
+    `the WebAssembly memory grows from ${first.wasm} to ${last.wasm} bytes`,
+  );
   assert.ok(last.heap < first.heap + 2_000_000, `the heap grows from ${first.heap} to ${last.heap} bytes`);
   assert.ok(last.processed > first.processed);
   return { first, last };
@@ -43,7 +54,12 @@ export async function watchMemory(page, seconds) {
 
 if (import.meta.url === pathToFileURL(argv[1]).href) {
   const clip = join(temporaryFolder(), 'clip.y4m');
-  writeY4m(clip, 1280, 720, Array.from({ length: 30 }, (_, frame) => scene(1280, 720, frame)));
+  writeY4m(
+    clip,
+    1280,
+    720,
+    Array.from({ length: 30 }, (_, frame) => scene(1280, 720, frame)),
+  );
   const server = await serve({ '/dist/': join(root, 'dist'), '/': join(root, 'tests/page') });
   const browser = await launch(clip);
   try {

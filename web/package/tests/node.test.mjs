@@ -77,9 +77,7 @@ test('at odd sizes effects see the last column and row twice', async () => {
 });
 
 test('seeds matter, and repeat', async () => {
-  const [first, again, other] = await Promise.all(
-    [7, 7, 8].map((seed) => apply('rain', clip, { seed })),
-  );
+  const [first, again, other] = await Promise.all([7, 7, 8].map((seed) => apply('rain', clip, { seed })));
   assertSame(again, first, 'seed 7');
   assert.ok(!other.at(-1).equals(first.at(-1)));
 });
@@ -360,7 +358,10 @@ test('changing effects and sizes does not make the memory grow', async () => {
   const round = async () => {
     for (const effects of ['sketch-2', 'rain', 'time-distortion+sepia', 'clouds', 'picture-me']) {
       await engine.setEffects(effects, { width: 320, height: 240 });
-      for (const [width, height] of [[320, 240], [160, 120]]) {
+      for (const [width, height] of [
+        [320, 240],
+        [160, 120],
+      ]) {
         engine.applyToPixels({ width, height, data: new Uint8ClampedArray(width * height * 4) }, null);
       }
     }

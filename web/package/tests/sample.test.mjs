@@ -40,8 +40,16 @@ async function assertRuns(url) {
 test('vite build', { timeout: 120_000 }, async () => {
   await build({ root: sample, logLevel: 'warn', configFile: false });
   const files = readdirSync(join(sample, 'dist/assets'));
-  for (const kind of [/^specialeffects-.*\.wasm$/, /^specialeffects-baseline-.*\.wasm$/, /^haar-.*\.txt$/, /^worker-.*\.js$/]) {
-    assert.ok(files.some((file) => kind.test(file)), `${kind} is not among ${files.join(' ')}`);
+  for (const kind of [
+    /^specialeffects-.*\.wasm$/,
+    /^specialeffects-baseline-.*\.wasm$/,
+    /^haar-.*\.txt$/,
+    /^worker-.*\.js$/,
+  ]) {
+    assert.ok(
+      files.some((file) => kind.test(file)),
+      `${kind} is not among ${files.join(' ')}`,
+    );
   }
   const server = await preview({ root: sample, logLevel: 'warn', configFile: false, preview: { port: 0 } });
   try {

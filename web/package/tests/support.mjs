@@ -41,7 +41,7 @@ export function scene(width, height, frame) {
   for (let y = 0; y < height; ++y) {
     for (let x = 0; x < width; ++x) {
       const wave = 60 * Math.sin((x + 5 * frame) / 17) + 40 * Math.cos((y - 3 * frame) / 11);
-      luma[y * width + x] = Math.round(126 + wave + ((x >> 4) + (y >> 4)) % 2 * 18);
+      luma[y * width + x] = Math.round(126 + wave + (((x >> 4) + (y >> 4)) % 2) * 18);
     }
   }
   const [halfWidth, halfHeight] = [(width + 1) >> 1, (height + 1) >> 1];

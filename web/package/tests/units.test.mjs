@@ -44,7 +44,13 @@ test('a frame rate keeps to its bound, evenly', () => {
   const twenty = kept(20, times);
   assert.ok(twenty.length >= 198 && twenty.length <= 201, String(twenty.length));
   // Jitter does not cost frames, a pause is not made up for, and a clock that starts again is followed.
-  assert.equal(kept(30, times.map((time, i) => time + (i % 2) * 3)).length, 300);
+  assert.equal(
+    kept(
+      30,
+      times.map((time, i) => time + (i % 2) * 3),
+    ).length,
+    300,
+  );
   assert.deepEqual(kept(10, [0, 1000, 1010, 1020, 1100]), [0, 1000, 1100]);
   assert.deepEqual(kept(10, [5000, 0, 50, 100]), [5000, 0, 100]);
 });
@@ -103,8 +109,14 @@ test('behind schedule the newest frame is taken, and every frame is closed once'
   assert.deepEqual(applied, [0, 4]);
   finish();
   await until(() => shown.length === 2);
-  assert.deepEqual(frames.map((frame) => frame.closed), [1, 1, 1, 1, 1]);
-  assert.deepEqual(shown.map((frame) => frame.closed), [1, 1]);
+  assert.deepEqual(
+    frames.map((frame) => frame.closed),
+    [1, 1, 1, 1, 1],
+  );
+  assert.deepEqual(
+    shown.map((frame) => frame.closed),
+    [1, 1],
+  );
 });
 
 test('disabled, the frames themselves are shown', async () => {

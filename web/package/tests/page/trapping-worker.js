@@ -1,5 +1,7 @@
 // The worker of the package in which the 10th call of sfx_process traps, once.
-const bytes = [0, 97, 115, 109, 1, 0, 0, 0, 1, 4, 1, 96, 0, 0, 3, 2, 1, 0, 7, 5, 1, 1, 102, 0, 0, 10, 5, 1, 3, 0, 0, 11];
+const bytes = [
+  0, 97, 115, 109, 1, 0, 0, 0, 1, 4, 1, 96, 0, 0, 3, 2, 1, 0, 7, 5, 1, 1, 102, 0, 0, 10, 5, 1, 3, 0, 0, 11,
+];
 const trap = new WebAssembly.Instance(new WebAssembly.Module(Uint8Array.from(bytes))).exports.f;
 const { instantiate } = WebAssembly;
 let calls = 0;
