@@ -126,14 +126,14 @@ std::vector<Plan> MakePlans(bool light) {
     for (int32_t height = 1; height <= 40; ++height) {
         for (int32_t width = 1; width <= 40; ++width) {
             if (!light || height <= 3 || height % 12 == 5) {
-                plans.push_back({{width, height}, 6});
+                plans.push_back({{width, height}, 4});
             }
         }
     }
     plans.push_back({{176, 144}, light ? 16 : 32});
     if (!light) {
-        plans.push_back({{641, 479}, 8});
-        plans.push_back({{1280, 720}, 4});
+        plans.push_back({{641, 479}, 4});
+        plans.push_back({{1280, 720}, 2});
     }
     return plans;
 }

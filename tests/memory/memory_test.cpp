@@ -9,6 +9,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "effects/animated/RainDrops.h"
@@ -201,13 +202,13 @@ TEST_P(Memory, FramesTakeNothingAfterTheFirstTen) {
         Host host(row());
         ASSERT_NE(host.Create(), nullptr);
         ASSERT_EQ(host.Configure(width, height), kSuccess);
-        std::vector<TestFrame> scene;
-        for (int i = 0; i < kFrames; ++i) scene.push_back(TestFrame(width, height).DrawScene(i));
-        for (TestFrame& frame : scene) frame.record();
+        const std::vector<TestFrame>& scene = Scene(width, height, kFrames);
+        TestFrame frame(width, height);
         int64_t before = 0;
-        for (int i = 0; i < kFrames; ++i) {
+        for (size_t i = 0; i < scene.size(); ++i) {
+            frame = scene[i];  // in the memory that it has
             if (i == 10) before = heap::Allocations();
-            host.Process(scene[static_cast<size_t>(i)]);
+            ASSERT_EQ(host.Process(frame), kSuccess);
         }
         EXPECT_EQ(heap::Allocations() - before, 0) << width << " by " << height;
     }

@@ -2,17 +2,30 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
+#include <vector>
 
 #include "tests/sfx/Handles.h"
 
 namespace {
+
+/// One home for all tests, since Clouds takes long to make its data.
+class Flags : public testing::Test {
+  protected:
+    static void SetUpTestSuite() { home = std::make_unique<Home>(); }
+    static void TearDownTestSuite() { home.reset(); }
+
+  private:
+    static std::unique_ptr<Home> home;
+};
+std::unique_ptr<Home> Flags::home;
 
 /// The frames of an effect over one still picture, 40 ms apart or `step` nanoseconds.
 std::vector<uint64_t> StillFrames(const char* id, int64_t step) {
     const EffectHandle effect = Create(id);
     std::vector<uint64_t> sums;
     for (int i = 0; i < 30; ++i) {
-        TestFrame frame = TestFrame(160, 120).DrawScene(0);
+        TestFrame frame = Scene(160, 120, 1)[0];
         const sfx_picture picture = PictureOf(frame);
         EXPECT_GE(sfx_process(effect.get(), &picture, i * step), 0);
         sums.push_back(frame.Checksum());
@@ -20,8 +33,7 @@ std::vector<uint64_t> StillFrames(const char* id, int64_t step) {
     return sums;
 }
 
-TEST(Flags, DependOnTheSeed) {
-    const Home home;
+TEST_F(Flags, DependOnTheSeed) {
     for (size_t i = 0; i < sfx_effect_count(); ++i) {
         const sfx_effect_info& info = *sfx_effect_at(i);
         const EffectHandle one = Create(info.id), two = Create(info.id);
@@ -34,14 +46,13 @@ TEST(Flags, DependOnTheSeed) {
     }
 }
 
-TEST(Flags, DependOnTimeWhereTheListSaysSo) {
-    const Home home;
+TEST_F(Flags, DependOnTimeWhereTheListSaysSo) {
     for (size_t i = 0; i < sfx_effect_count(); ++i) {
         const sfx_effect_info& info = *sfx_effect_at(i);
         const EffectHandle slow = Create(info.id), fast = Create(info.id);
         bool differs = false;
         for (int frame = 0; frame < 20; ++frame) {
-            TestFrame a = TestFrame(160, 120).DrawScene(frame), b = a;
+            TestFrame a = Scene(160, 120, 20)[static_cast<size_t>(frame)], b = a;
             const sfx_picture pa = PictureOf(a), pb = PictureOf(b);
             ASSERT_GE(sfx_process(slow.get(), &pa, frame * int64_t{300000000}), 0);
             ASSERT_GE(sfx_process(fast.get(), &pb, frame * int64_t{10000000}), 0);
@@ -53,8 +64,7 @@ TEST(Flags, DependOnTimeWhereTheListSaysSo) {
     }
 }
 
-TEST(Flags, MoveByThemselvesWhereTheListSaysSo) {
-    const Home home;
+TEST_F(Flags, MoveByThemselvesWhereTheListSaysSo) {
     for (size_t i = 0; i < sfx_effect_count(); ++i) {
         const sfx_effect_info& info = *sfx_effect_at(i);
         const std::vector<uint64_t> sums = StillFrames(info.id, 40000000);
@@ -70,18 +80,17 @@ TEST(Flags, MoveByThemselvesWhereTheListSaysSo) {
     }
 }
 
-TEST(Flags, RememberWhereTheListSaysSo) {
-    const Home home;
+TEST_F(Flags, RememberWhereTheListSaysSo) {
     for (size_t i = 0; i < sfx_effect_count(); ++i) {
         const sfx_effect_info& info = *sfx_effect_at(i);
         // Two streams that differ until the last frame.
         const EffectHandle one = Create(info.id), two = Create(info.id);
         bool differs = false;
-        for (int frame = 0; frame < 24; ++frame) {
-            TestFrame a = TestFrame(320, 240).DrawScene(frame);
-            TestFrame b = TestFrame(320, 240).DrawScene(frame < 22 ? frame * 3 + 40 : frame);
-            ASSERT_GE(Process(one, a, frame), 0);
-            ASSERT_GE(Process(two, b, frame), 0);
+        const std::vector<TestFrame>& scene = Scene(320, 240, 104);
+        for (size_t frame = 0; frame < 24; ++frame) {
+            TestFrame a = scene[frame], b = scene[frame < 22 ? frame * 3 + 40 : frame];
+            ASSERT_GE(Process(one, a, static_cast<int>(frame)), 0);
+            ASSERT_GE(Process(two, b, static_cast<int>(frame)), 0);
             differs = differs || (frame >= 22 && !(a == b));
         }
         // Time Distortion shows only old frames; Picture Me needs faces.

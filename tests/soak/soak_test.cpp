@@ -46,12 +46,6 @@ ResultCode Configure(CSpecialEffectFilter& effect, const TestFrame& frame) {
     return effect.Configure(&stream);
 }
 
-std::vector<TestFrame> DrawScene(int32_t width, int32_t height, int pictures) {
-    std::vector<TestFrame> scene;
-    for (int i = 0; i < pictures; ++i) scene.push_back(TestFrame(width, height).DrawScene(i));
-    return scene;
-}
-
 /// An empty directory to work in, except for the cascade of the face detector.
 class SoakDirectory {
   public:
@@ -77,7 +71,7 @@ class Soak : public testing::TestWithParam<int> {
 TEST_P(Soak, LivesThatFollowEachOtherLeaveNothingBehind) {
     static constexpr int32_t kSides[][2] = {{64, 48}, {176, 144}, {1, 1}, {33, 97}, {160, 90}, {320, 2}};
     std::vector<std::vector<TestFrame>> scenes;
-    for (const auto& [width, height] : kSides) scenes.push_back(DrawScene(width, height, 3));
+    for (const auto& [width, height] : kSides) scenes.push_back(Scene(width, height, 3));
     const size_t lives = SoakSetting("SE_SOAK_LIVES", SE_SOAK_LIVES);
     const size_t settled = std::max(lives / 10, 2 * scenes.size());
     LevelMemory memory;
@@ -101,7 +95,7 @@ TEST_P(Soak, LivesThatFollowEachOtherLeaveNothingBehind) {
 }
 
 TEST_P(Soak, LongStreamEndsAsItShould) {
-    const std::vector<TestFrame> scene = DrawScene(176, 144, 50);
+    const std::vector<TestFrame>& scene = Scene(176, 144, 50);
     const Effect effect = Create(row());
     ASSERT_EQ(Configure(*effect, scene[0]), kSuccess);
     const size_t frames = SoakSetting("SE_SOAK_FRAMES", SE_SOAK_FRAMES);
@@ -174,7 +168,7 @@ constexpr size_t kThreads = 8, kEffectsOfThread = 3;
 
 TEST(SoakThreads, EffectsOnManyThreadsComputeWhatTheyComputeAlone) {
     const SoakDirectory directory;
-    const std::vector<TestFrame> scene = DrawScene(96, 80, 4);
+    const std::vector<TestFrame>& scene = Scene(96, 80, 4);
     std::vector<uint64_t> alone;
     for (const CatalogueRow& row : EffectCatalogue()) {
         Life life(row, scene, false);

@@ -1,10 +1,7 @@
 #include "tests/support/GoldenRun.h"
 
-#include <map>
 #include <memory>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "framework/Catalogue.h"
 #include "imaging/GradientNoise.h"
@@ -26,16 +23,6 @@ struct Destroy {
 std::unique_ptr<CSpecialEffectFilter, Destroy> Create(int row) {
     return std::unique_ptr<CSpecialEffectFilter, Destroy>(
         EffectCatalogue()[static_cast<size_t>(row - 1)].create());
-}
-
-/// Scene pictures of one size, drawn once.
-const std::vector<TestFrame>& Scene(const GoldenSize& size) {
-    static std::map<std::pair<int32_t, int32_t>, std::vector<TestFrame>> scenes;
-    std::vector<TestFrame>& frames = scenes[{size.width, size.height}];
-    while (frames.size() < static_cast<size_t>(size.frames)) {
-        frames.push_back(TestFrame(size.width, size.height).DrawScene(static_cast<int>(frames.size())));
-    }
-    return frames;
 }
 
 }  // namespace
@@ -61,7 +48,7 @@ uint64_t RunGolden(int row, const GoldenSize& size, TestClock& surroundings) {
     StreamDescription stream{0x1234, size.width, size.height, kFormatPlanar};
     uint64_t hash = 0xCBF29CE484222325ULL;
     hash = Mix(hash, effect->Configure(&stream));
-    for (const TestFrame& picture : Scene(size)) {
+    for (const TestFrame& picture : Scene(size.width, size.height, size.frames)) {
         TestFrame frame = picture;
         surroundings.now += 40;
         hash = Mix(hash, effect->ProcessFrame(frame.record()));

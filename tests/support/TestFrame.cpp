@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
+#include <tuple>
 
 TestFrame::TestFrame(int32_t width, int32_t height, int32_t format)
     : width_(width), height_(height), format_(format) {
@@ -61,8 +63,8 @@ namespace {
 
 /// One sample of the scene at a place of the unit square, in 0..255, before noise.
 int32_t SceneSample(int32_t x, int32_t y, int32_t width, int32_t height, int index, int channel) {
-    const int32_t u = x * 256 / std::max(width, 1);
-    const int32_t v = y * 256 / std::max(height, 1);
+    const int32_t u = x * 256 / width;
+    const int32_t v = y * 256 / height;
     if (channel > 0) {
         return 128 + ((channel == 1 ? u - 128 : v - 128) / 2 + (index * 3 + u + v) % 32 - 16) / 2;
     }
@@ -100,6 +102,15 @@ TestFrame& TestFrame::DrawScene(int index) {
         }
     }
     return *this;
+}
+
+const std::vector<TestFrame>& Scene(int32_t width, int32_t height, int count) {
+    static std::map<std::tuple<int32_t, int32_t, int>, std::vector<TestFrame>> scenes;
+    std::vector<TestFrame>& scene = scenes[{width, height, count}];
+    for (int i = static_cast<int>(scene.size()); i < count; ++i) {
+        scene.push_back(TestFrame(width, height).DrawScene(i));
+    }
+    return scene;
 }
 
 FrameRecord* TestFrame::record() {

@@ -81,6 +81,9 @@ class TestFrame {
     bool recordMade_ = false;
 };
 
+/// The first pictures of the scene at a size, drawn once in a process. For one thread at a time.
+const std::vector<TestFrame>& Scene(int32_t width, int32_t height, int count);
+
 /// Where two frames first differ, in words; empty when they are equal.
 std::string FirstDifference(const TestFrame& a, const TestFrame& b);
 
