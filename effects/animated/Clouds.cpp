@@ -24,15 +24,15 @@ constexpr int32_t kPictureWidth = 640, kPictureHeight = 480;
 /// The picture at position `t` of the loop, 0 <= t < 1. Cross-fades two stretches of the noise, one of which
 /// ends where the other begins, so that the last picture leads into the first.
 void DrawPicture(CPlane8u& picture, const GradientNoise& noise, double t) {
-    const auto octaves = [&](int32_t x, int32_t y, double z) {
-        return noise.Turbulence(x / 64.0, y / 64.0, z, 2, 2, 7);
-    };
+    std::array<double, kPictureWidth> ending, beginning;
     for (int32_t y = 0; y < picture.height; ++y) {
+        for (int32_t x = 0; x < kPictureWidth; ++x) ending[static_cast<size_t>(x)] = x / 64.0;
+        beginning = ending;
+        noise.Turbulence(ending, y / 64.0, 2 * t, 2, 2, 7);
+        noise.Turbulence(beginning, y / 64.0, 2 * (t - 1), 2, 2, 7);
         uint8_t* const row = picture.Row(y);
-        for (int32_t x = 0; x < picture.width; ++x) {
-            const double n1 = octaves(x, y, 2 * t);
-            const double n2 = octaves(x, y, 2 * (t - 1));
-            const double value = ((1 - t) * n1 + t * n2 + 1.0) * 255.0 * 0.5;
+        for (size_t x = 0; x < kPictureWidth; ++x) {
+            const double value = ((1 - t) * ending[x] + t * beginning[x] + 1.0) * 255.0 * 0.5;
             row[x] = static_cast<uint8_t>(std::clamp(static_cast<int32_t>(value), 0, 255));
         }
     }

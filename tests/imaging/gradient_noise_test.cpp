@@ -3,11 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <utility>
+#include <vector>
+
+#include "imaging/Cpu.h"
+#include "tests/support/LevelLimit.h"
 
 namespace {
 
@@ -109,6 +114,30 @@ TEST(GradientNoise, MatchesItsDefinition) {
 }
 
 const GradientNoise noise(std::rand);
+
+TEST(GradientNoise, ARowEqualsItsPointsAtEveryLevel) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr double kOdd[] = {kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN(), 1e300,
+                               -9.3e18};
+    for (const cpu::Level level : cpu::Levels()) {
+        const LevelLimit limit(level);
+        for (const size_t count : {0, 1, 2, 63, 64, 65, 200}) {
+            for (const double pitch : {1 / 64.0, 0.37, -1.0, 5.25}) {
+                for (const int32_t octaves : {0, 1, 7}) {
+                    std::vector<double> row(count);
+                    for (size_t i = 0; i < count; ++i) row[i] = 3.1 + pitch * static_cast<double>(i);
+                    if (count > 70) std::ranges::copy(kOdd, row.begin() + 60);
+                    const std::vector<double> x = row;
+                    noise.Turbulence(row, 2.7, -1.3, 1.9, 2.1, octaves);
+                    for (size_t i = 0; i < count; ++i) {
+                        EXPECT_EQ(row[i], noise.Turbulence(x[i], 2.7, -1.3, 1.9, 2.1, octaves))
+                            << cpu::Name(level) << ", point " << i << " of " << count;
+                    }
+                }
+            }
+        }
+    }
+}
 
 TEST(GradientNoise, NoOctaveIsSilence) {
     EXPECT_EQ(noise.Turbulence(1.5, 2.5, 3.5, 2.0, 2.0, 0), 0.0);
