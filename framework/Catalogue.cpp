@@ -328,7 +328,7 @@ consteval auto MakeListing() {
     std::array<EffectGuid, kListedOnlyAt + 1> listing{};
     listing[kListedOnlyAt] = kListedOnly;
     for (const CatalogueRow& row : kRows) {
-        for (const int8_t place : {row.listedAt.first, row.listedAt.second}) {
+        for (const int32_t place : {row.listedAt.first, row.listedAt.second}) {
             if (place != CatalogueRow::Places::kNone) listing[static_cast<size_t>(place)] = row.id;
         }
     }

@@ -34,8 +34,8 @@ struct CatalogueRow {
     const char* dataFile;  ///< name of the data file that the effect needs, or null
 
     struct Places {
-        static constexpr int8_t kNone = -1;
-        int8_t first = kNone, second = kNone;
+        static constexpr int32_t kNone = -1;
+        int32_t first = kNone, second = kNone;
     };
     Places listedAt;  ///< the places at which `EffectListing` has the effect
 

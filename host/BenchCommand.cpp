@@ -103,6 +103,7 @@ void Run(const BenchOptions& options) {
     const Notes notes(options.quiet);
     const std::vector<std::string> effects = options.effects.empty() ? EveryEffect() : options.effects;
     std::vector<EffectChain> chains;
+    chains.reserve(effects.size());
     for (const std::string& effect : effects) chains.emplace_back(std::vector{effect}, notes);
     const Size size = EvenSize(options.size, notes);
     const std::vector<Frame> scene = DrawScene(size);
