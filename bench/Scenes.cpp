@@ -122,6 +122,7 @@ std::span<const Scene> Scenes() {
 
 std::vector<Frame> DrawClip(const Scene& scene, int32_t width, int32_t height) {
     std::vector<Frame> clip;
+    clip.reserve(2 * kPictures - 2);
     for (int32_t i = 0; i < kPictures; ++i) clip.push_back(DrawFrame(scene, width, height, i));
     for (size_t i = kPictures - 2; i > 0; --i) clip.push_back(clip[i]);
     return clip;

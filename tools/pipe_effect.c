@@ -17,12 +17,12 @@ int main(int argc, char** argv) {
     const int width = atoi(argv[2]), height = atoi(argv[3]);
     const size_t size = sfx_picture_layout(NULL, SFX_I420, width, height, NULL);
     unsigned char* const pixels = size > 0 ? malloc(size) : NULL;
+    int status = 0;
     if (pixels == NULL || sfx_prepare(effect, width, height) < 0) {
         fprintf(stderr, "%s\n", sfx_message());
-        return 1;
+        status = 1;
     }
     sfx_picture_layout(&picture, SFX_I420, width, height, pixels);
-    int status = 0;
     for (int64_t frame = 0; status == 0 && fread(pixels, 1, size, stdin) == size; ++frame) {
         if (sfx_process(effect, &picture, frame * 1000000000 / 30) < 0) {
             fprintf(stderr, "%s\n", sfx_message());

@@ -13,7 +13,7 @@
 enum { CANARY = 0xA7 };
 
 Guarded guarded(size_t size, uint8_t fill) {
-    size_t usable; /* at least one byte of canary in front */
+    size_t usable = 0; /* at least one byte of canary in front */
     uint8_t* base = guarded_pages(size, &usable);
     Guarded buffer = {base + usable - size, size, base, usable};
     memset(base, CANARY, usable - size);

@@ -36,10 +36,11 @@ static uint32_t without_workspace(const CatalogueRow* row) {
 
 /* An open picture of the format; its first bytes are those that Fish Eye writes in any case. */
 static void open_picture(Picture* picture, int32_t format) {
-    if (format == PACKED)
+    if (format == PACKED) {
         picture_packed(picture, WIDTH, HEIGHT, &noise);
-    else
+    } else {
         picture_planar(picture, WIDTH, HEIGHT, &noise);
+    }
     picture->image.format = format;
     picture->plane[0].data[0] = 0;
     for (int i = 1; i < 3 && picture->plane[i].size; ++i) picture->plane[i].data[0] = 128;

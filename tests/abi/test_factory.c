@@ -175,9 +175,10 @@ static void test_creation(void) {
     Effect* const mark = (Effect*)(uintptr_t)kUntouched;
     begin_check("creation: a null out pointer is an invalid argument, before the GUID is looked at");
     expect_code(create_effect(factory, parse_guid(listed_only), 0, NULL), INVALID_ARGUMENT, "unknown GUID");
-    for (int i = 0; i < ROWS; ++i)
+    for (int i = 0; i < ROWS; ++i) {
         expect_code(create_effect(factory, parse_guid(catalogue[i].guid), 0, NULL), INVALID_ARGUMENT,
                     catalogue[i].guid);
+    }
     end_check();
 
     begin_check("creation: the entry that is only listed fails and leaves the out value alone");

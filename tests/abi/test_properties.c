@@ -587,10 +587,11 @@ void test_properties(void) {
     for (int i = 0; i < ROWS; ++i) {
         int count = 0;
         properties_of(&catalogue[i], &count);
-        if (count)
+        if (count) {
             check_effect_with_table(factory, &catalogue[i], i + 1);
-        else
+        } else {
             check_effect_without_table(factory, &catalogue[i], i + 1);
+        }
     }
     check_camera_flashes_mode(factory);
     check_instances_are_separate(factory);

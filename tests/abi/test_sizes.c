@@ -19,15 +19,17 @@ static void run_frames(Effect* effect, int32_t width, int32_t height, int32_t fo
     expect(configured == SUCCESS, "Configure %d by %d, format %d: 0x%x", width, height, format, configured);
     for (int i = 0; i < frames; ++i) {
         Picture picture;
-        if (format == PACKED)
+        if (format == PACKED) {
             picture_packed(&picture, width, height, &noise);
-        else
+        } else {
             picture_planar(&picture, width, height, &noise);
+        }
         const uint32_t result = process_frame(effect, &picture.frame);
         expect(known_code(result), "%d by %d, format %d: 0x%x", width, height, format, result);
-        if (result != SUCCESS)
+        if (result != SUCCESS) {
             expect(picture_unchanged(&picture), "%d by %d, format %d: refused, but changed", width, height,
                    format);
+        }
         expect(picture_intact(&picture), "%d by %d, format %d: overrun", width, height, format);
         picture_close(&picture);
     }

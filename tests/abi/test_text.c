@@ -16,9 +16,10 @@ static size_t smaller(size_t a, size_t b) {
 static void expect_cut(const Guarded* buffer, const char* text, const char* what) {
     const size_t kept = buffer->size ? smaller(strlen(text), buffer->size - 1) : 0;
     expect(guarded_intact(buffer), "%s, size %zu: written in front of the buffer", what, buffer->size);
-    if (buffer->size)
+    if (buffer->size) {
         expect(memcmp(buffer->data, text, kept) == 0 && buffer->data[kept] == 0, "%s, size %zu: wrong text",
                what, buffer->size);
+    }
 }
 
 static void expect_wide_cut(const Guarded* buffer, const char* text, const char* what) {

@@ -128,19 +128,21 @@ static void test_gray_scale(Factory* factory) {
 
 /* The planes hold what the model makes of what they held. */
 static bool sepia_matches(const Picture* picture, int width, int height) {
-    if (picture->image.format == PACKED)
+    if (picture->image.format == PACKED) {
         sepia_packed_model(picture->before[0], width, height);
-    else
+    } else {
         sepia_planar_model(picture->before, width, height);
+    }
     return picture_unchanged(picture);
 }
 
 static void check_sepia_size(Effect* effect, int width, int height, int32_t format) {
     Picture picture;
-    if (format == PACKED)
+    if (format == PACKED) {
         picture_packed(&picture, width, height, &noise);
-    else
+    } else {
         picture_planar_round_up(&picture, width, height, &noise);
+    }
     configure_as(effect, width, height, format);
     expect_code(process_frame(effect, &picture.frame), SUCCESS, "ProcessFrame");
     expect(picture_intact(&picture), "%d by %d, format %d: overrun", width, height, format);
