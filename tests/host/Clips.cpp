@@ -155,7 +155,6 @@ Sound SoundOf(const std::string& path) {
     const int index = av_find_best_stream(input.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (index < 0) return sound;
     const AVStream& stream = *input->streams[index];
-    sound.codec = stream.codecpar->codec_id;
     const host::PacketPtr packet = host::NewPacket();
     bool first = true;
     while (av_read_frame(input.get(), packet.get()) >= 0) {
@@ -169,12 +168,6 @@ Sound SoundOf(const std::string& path) {
         av_packet_unref(packet.get());
     }
     return sound;
-}
-
-AVCodecID VideoCodecOf(const std::string& path) {
-    const InputContextPtr input = Open(path);
-    const int index = av_find_best_stream(input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-    return index < 0 ? AV_CODEC_ID_NONE : input->streams[index]->codecpar->codec_id;
 }
 
 double MeanOf(const host::Frame& frame, int plane) {

@@ -26,16 +26,12 @@ std::vector<host::Frame> FramesOf(const std::string& path);
 host::Frame FirstFrameOf(const std::string& path);
 
 struct Sound {
-    AVCodecID codec = AV_CODEC_ID_NONE;
     std::string bytes;       ///< of all packets
     double firstSecond = 0;  ///< when the first packet begins
     double lastSecond = 0;   ///< when the last packet begins
 };
-/// The first stream of sound; its codec is NONE when there is none.
+/// The first stream of sound; empty when there is none.
 Sound SoundOf(const std::string& path);
-
-/// The codec of the video.
-AVCodecID VideoCodecOf(const std::string& path);
 
 /// Mean of a plane.
 double MeanOf(const host::Frame& frame, int plane);

@@ -35,12 +35,28 @@ void Redirect(const std::string& path, int flags, int target) {
     close(descriptor);
 }
 
+/// Asks until the answer is true, for a minute at most. The last answer.
+template <class Question>
+bool WaitUntil(Question question) {
+    for (int i = 0; i < 3000; ++i) {
+        if (question()) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return question();
+}
+
 int g_runs = 0;
 
-class QuietLibraries : public testing::Environment {
-    void SetUp() override { host::SetUpLibav(); }
+/// FFmpeg's libraries print nothing. Data files are made once for all tests, and nothing in the user's
+/// folders is read or written.
+class Surroundings : public testing::Environment {
+    void SetUp() override {
+        host::SetUpLibav();
+        setenv("XDG_CACHE_HOME", SE_TEST_FOLDERS "/cache", 1);
+        setenv("XDG_CONFIG_HOME", SE_TEST_FOLDERS "/config", 1);
+    }
 };
-[[maybe_unused]] const auto* const g_environment = testing::AddGlobalTestEnvironment(new QuietLibraries);
+[[maybe_unused]] const auto* const g_environment = testing::AddGlobalTestEnvironment(new Surroundings);
 
 }  // namespace
 
@@ -107,17 +123,17 @@ void ProgramTest::TearDown() {
     fs::remove_all(directory_);
 }
 
-Outcome ProgramTest::Run(std::vector<std::string> arguments, const RunOptions& options) const {
-    arguments.insert(arguments.begin(), SE_PROGRAM);
-    return Child(arguments, directory_, options).Wait();
+Outcome ProgramTest::Run(const std::vector<std::string>& arguments, const RunOptions& options) const {
+    return Start(arguments, options).Wait();
 }
 
-bool ProgramTest::Started(const std::string& name) const {
-    for (int i = 0; i < 600; ++i) {
-        if (Exists(name)) return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return false;
+Child ProgramTest::Start(std::vector<std::string> arguments, const RunOptions& options) const {
+    arguments.insert(arguments.begin(), SE_PROGRAM);
+    return Child(arguments, directory_, options);
+}
+
+bool ProgramTest::Appears(const std::string& name) const {
+    return WaitUntil([&] { return Exists(name); });
 }
 
 std::string ProgramTest::Read(const std::string& name) const {
@@ -154,11 +170,10 @@ std::string Terminal::Text() const {
 
 std::string Terminal::Await(const std::string& part) const {
     std::string text;
-    for (int i = 0; i < 3000 && text.find(part) == std::string::npos; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_TRUE(WaitUntil([&] {
         text += Text();
-    }
-    EXPECT_NE(text.find(part), std::string::npos) << text;
+        return text.find(part) != std::string::npos;
+    })) << text;
     return text;
 }
 

@@ -51,13 +51,14 @@ class ProgramTest : public testing::Test {
     void SetUp() override;
     void TearDown() override;
 
-    /// Runs the program.
-    Outcome Run(std::vector<std::string> arguments, const RunOptions& options = {}) const;
+    /// Runs the program, or starts it.
+    Outcome Run(const std::vector<std::string>& arguments, const RunOptions& options = {}) const;
+    Child Start(std::vector<std::string> arguments, const RunOptions& options = {}) const;
 
     std::string Path(const std::string& name) const { return (directory_ / name).string(); }
     bool Exists(const std::string& name) const { return std::filesystem::exists(directory_ / name); }
-    /// Waits until a program has made the file. False when it never does.
-    bool Started(const std::string& name) const;
+    /// Waits until a program has made the file, for a minute at most. False when it does not.
+    bool Appears(const std::string& name) const;
     std::string Read(const std::string& name) const;
     void Write(const std::string& name, const std::string& content) const;
 

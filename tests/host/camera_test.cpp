@@ -43,7 +43,7 @@ TEST_F(CameraTest, ARecordingEndsWithAnInterrupt) {
     RunOptions options = options_;
     options.error = terminal.Name();
     options.environment.emplace_back("TERM=xterm");
-    Child child({SE_PROGRAM, "apply", "-e", "gray-scale", "/dev/video7", "out.mkv"}, directory_, options);
+    Child child = Start({"apply", "-e", "gray-scale", "/dev/video7", "out.mkv"}, options);
     terminal.Await("frames");
     child.Send(SIGINT);
     ExpectSuccess(child.Wait());

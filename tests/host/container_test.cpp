@@ -335,7 +335,8 @@ TEST_F(ContainerTest, InputsCanBeUrls) {
     EXPECT_EQ(CountFrames("a.mp4"), 25);
     // A server for one reader.
     const Outcome outcome = Shell(
-        "for port in 18765 28765 38765; do"
+        "for try in 1 2 3 4 5; do"
+        "  port=$((10000 + RANDOM % 20000));"
         "  ffmpeg -v quiet -nostdin -i in.mkv -c copy -f matroska -listen 1 http://127.0.0.1:$port/in.mkv &"
         "  server=$!; listening=\":$(printf %04X $port) 00000000:0000 0A\";"
         "  until grep -q \"$listening\" /proc/net/tcp || ! kill -0 $server 2> /dev/null; do sleep 0.05; done;"

@@ -23,9 +23,9 @@ class SafetyTest : public MediaTest {
         Make("-f lavfi -i testsrc2=s=64x48:r=25:d=400 -pix_fmt yuv420p -c:v mpeg4 long.mkv");
     }
 
-    static std::vector<std::string> Command(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {SE_PROGRAM, "apply", "-e", "graphic-pen-1"});
-        return arguments;
+    Child StartApply(std::vector<std::string> arguments, const RunOptions& options = {}) const {
+        arguments.insert(arguments.begin(), {"apply", "-e", "graphic-pen-1"});
+        return Start(arguments, options);
     }
 };
 
@@ -82,8 +82,8 @@ TEST_F(SafetyTest, AnInterruptedRunKeepsTheOlderOutput) {
     MakeLong();
     for (const int signal : {SIGINT, SIGTERM}) {
         Write("out.mkv", "precious");
-        Child child(Command({"-y", "long.mkv", "out.mkv"}), directory_);
-        ASSERT_TRUE(Started("out.mkv.part"));
+        Child child = StartApply({"-y", "long.mkv", "out.mkv"});
+        ASSERT_TRUE(Appears("out.mkv.part"));
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         child.Send(signal);
         ExpectError(child.Wait(), 128 + signal, "interrupted; out.mkv is not written");
@@ -94,8 +94,8 @@ TEST_F(SafetyTest, AnInterruptedRunKeepsTheOlderOutput) {
 
 TEST_F(SafetyTest, AnInterruptedSceneIsFinished) {
     const Terminal terminal;
-    Child child(Command({"test:", "out.mkv", "--frames", "1000000", "--size", "96x64"}), directory_,
-                {.error = terminal.Name(), .environment = {"TERM=xterm"}});
+    Child child = StartApply({"test:", "out.mkv", "--frames", "1000000", "--size", "96x64"},
+                             {.error = terminal.Name(), .environment = {"TERM=xterm"}});
     terminal.Await("frames");
     child.Send(SIGINT);
     ExpectSuccess(child.Wait());
@@ -107,8 +107,8 @@ TEST_F(SafetyTest, ASecondInterruptLeavesNothing) {
     for (const std::string name : {"out.mkv", "out.y4m", "shot%04d.png"}) {
         SCOPED_TRACE(name);
         const std::string part = (name == "shot%04d.png" ? "shot0001.png" : name) + ".part";
-        Child child(Command({"long.mkv", name}), directory_);
-        ASSERT_TRUE(Started(part));
+        Child child = StartApply({"long.mkv", name});
+        ASSERT_TRUE(Appears(part));
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         // Stopped, it finds both signals when it goes on.
         child.Send(SIGSTOP);

@@ -270,8 +270,7 @@ TEST_F(TerminalTest, ADumbOneGetsNoEscapes) {
 TEST_F(TerminalTest, HeadingsAreBoldUnlessNoColorIsSet) {
     const auto list = [this](const std::vector<std::string>& environment) {
         const Terminal terminal;
-        Child child({SE_PROGRAM, "list"}, directory_,
-                    {.output = terminal.Name(), .environment = environment});
+        Child child = Start({"list"}, {.output = terminal.Name(), .environment = environment});
         const std::string text = terminal.Await("sepia");
         child.Wait();
         return text + terminal.Text();
@@ -283,9 +282,9 @@ TEST_F(TerminalTest, HeadingsAreBoldUnlessNoColorIsSet) {
 
 TEST_F(TerminalTest, AcknowledgesAnInterruptAtOnce) {
     const Terminal terminal;
-    Child child({SE_PROGRAM, "apply", "-e", "gray-scale", "test:", "out.mkv", "--frames", "1000000", "--size",
-                 "96x64"},
-                directory_, {.error = terminal.Name(), .environment = {"TERM=xterm"}});
+    Child child =
+        Start({"apply", "-e", "gray-scale", "test:", "out.mkv", "--frames", "1000000", "--size", "96x64"},
+              {.error = terminal.Name(), .environment = {"TERM=xterm"}});
     terminal.Await("frames");
     child.Send(SIGINT);
     std::string text = terminal.Await("specialeffects: stopping\r\n");
