@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -67,6 +69,16 @@ inline uint64_t ChecksumOf(const EffectHandle& effect, int frames = 6) {
         sum = sum * 31 + frame.Checksum();
     }
     return sum;
+}
+
+/// Writes a file, with the folders that lead to it. The result is its path.
+inline std::string WriteFile(const std::string& path, const std::string& content) {
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    if (!folder.empty()) {
+        std::filesystem::create_directories(folder);
+    }
+    std::ofstream(path, std::ios::binary) << content;
+    return path;
 }
 
 /// An environment variable with another value, for a scope.

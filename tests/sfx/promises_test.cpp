@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
@@ -90,11 +89,6 @@ std::vector<uint64_t> Sums(const EffectHandle& effect, int frames, int32_t width
         sums.push_back(frame.Checksum());
     }
     return sums;
-}
-
-std::string WriteFile(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-    return path;
 }
 
 // ---- arguments ---------------------------------------------------------------------------------------
@@ -294,16 +288,18 @@ TEST(Promises, StridesOfZeroMeanTightRows) {
 
 // The result is up to the caller; the memory next to the buffer is not.
 TEST(Promises, PlanesThatOverlapHarmNobody) {
+    constexpr size_t kGuard = 32;
     for (int format = 0; format < SFX_FORMAT_COUNT; ++format) {
-        PlainPicture picture(static_cast<sfx_format>(format), 9, 7, Rows::kGaps);
-        picture.Randomize(1);
-        for (int plane = 1; plane < sfx_format_planes(format); ++plane) {
-            picture.record().planes[plane] = picture.record().planes[0];
-            picture.record().strides[plane] = picture.record().strides[0];
-            picture.record().sizes[plane] = picture.record().sizes[0];
-        }
+        sfx_picture picture = SFX_PICTURE_INIT;
+        sfx_picture_layout(&picture, format, 9, 7, nullptr);
+        const size_t size = *std::max_element(picture.sizes, picture.sizes + 4);
+        std::vector<uint8_t> memory(size + 2 * kGuard, 0xA7);
+        std::fill_n(picture.planes, sfx_format_planes(format), memory.data() + kGuard);
         const EffectHandle effect = Create("sketch-1+rain");
-        EXPECT_GE(sfx_process(effect.get(), &picture.record(), 0), 0);
+        EXPECT_GE(sfx_process(effect.get(), &picture, 0), 0);
+        const auto intact = [](uint8_t byte) { return byte == 0xA7; };
+        EXPECT_TRUE(std::all_of(memory.begin(), memory.begin() + kGuard, intact)) << format;
+        EXPECT_TRUE(std::all_of(memory.end() - kGuard, memory.end(), intact)) << format;
     }
 }
 
@@ -696,13 +692,12 @@ TEST(Promises, NoFolderAtAllIsNoReasonToFailOrToWriteHere) {
 TEST(Promises, RelativePathsAreThoseOfTheCall) {
     const Home home;
     const EffectHandle effect = Create("line-art-1");
-    std::filesystem::create_directory("data");
     WriteFile("settings", "1 2 3");
     ASSERT_EQ(sfx_load_settings(effect.get(), "settings"), SFX_OK);
     const std::vector<uint64_t> sums = Sums(effect, 1);
     const EffectHandle picture = Create("clouds");
-    ASSERT_EQ(sfx_set_data_folder(picture.get(), "data"), SFX_OK);
     WriteFile("data/perlin.dat", std::string(1 << 20, 'x'));
+    ASSERT_EQ(sfx_set_data_folder(picture.get(), "data"), SFX_OK);
     {
         const TemporaryDirectory elsewhere;
         ASSERT_EQ(sfx_reset(effect.get()), SFX_OK);

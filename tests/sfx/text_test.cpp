@@ -13,11 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void WriteFile(const std::string& path, const std::string& text) {
-    fs::create_directories(fs::path(path).parent_path());
-    std::ofstream(path, std::ios::binary) << text;
-}
-
 /// What sfx_create says of a text that it refuses.
 std::string Refusal(const std::string& text, sfx_status status) {
     sfx_effect* effect = nullptr;
