@@ -9,7 +9,7 @@
 #   sfx          sfx, framework, imaging; sfx.h nothing of the tree
 #   host         its own folder and sfx.h
 #   tests/abi    its own folder
-#   bridges/*    its own folder, sfx.h; so do its tests
+#   bridges/*    its own folder, sfx.h; its tests the same and tests/soak/Soak.h
 #   web          its own folder, sfx.h
 #
 # The module itself includes nothing from outside but the standard library and the compiler's intrinsics; the operating
@@ -196,7 +196,7 @@ foreach(file IN LISTS files)
     check_outside_file(${file} tests/abi)
 endforeach()
 
-foreach(room bridges/gstreamer tests/bridges/gstreamer tests/bridges/obs)
+foreach(room tests/bridges/frei0r tests/bridges/gstreamer tests/bridges/obs)
     sources(files ${room})
     foreach(file IN LISTS files)
         check_outside_file(${file} ${room} sfx/sfx.h tests/soak/Soak.h)

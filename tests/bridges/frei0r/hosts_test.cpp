@@ -10,17 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "sfx/sfx.h"
+#include "Services.h"
 
 namespace {
 
 constexpr int32_t kWidth = 256, kHeight = 94, kFrames = 6;
-
-std::string ServiceOf(const sfx_effect_info& info) {
-    std::string name = "sfx_";
-    for (const char* at = info.id; *at != '\0'; ++at) name += *at == '-' ? '_' : *at;
-    return name;
-}
 
 std::string Output(const std::string& command) {
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
@@ -85,7 +79,9 @@ TEST(Frei0rInMelt, ListsEveryPlugin) {
 }
 
 TEST(Frei0rInMelt, Renders) {
-    const std::filesystem::path file = std::filesystem::temp_directory_path() / "specialeffects-melt.yuv";
+    std::string folder = (std::filesystem::temp_directory_path() / "frei0r_test_XXXXXX").string();
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    const std::filesystem::path file = std::filesystem::path(folder) / "out.yuv";
     const std::string render =
         "melt -silent color:red out=11 -filter frei0r.sfx_camera_flashes_1 -consumer avformat:" +
         file.string() +
@@ -94,7 +90,7 @@ TEST(Frei0rInMelt, Renders) {
     ASSERT_EQ(std::system(render.c_str()), 0);
     std::ifstream stream(file, std::ios::binary);
     const std::string movie{std::istreambuf_iterator<char>(stream), {}};
-    std::filesystem::remove(file);
+    std::filesystem::remove_all(folder);
     ASSERT_GE(movie.size(), 12U * 320 * 240 * 3 / 2);
     // Flashes on a red field: the luma of the last frame is not flat.
     const std::string luma = movie.substr(movie.size() - 320 * 240 * 3 / 2, 320 * 240);

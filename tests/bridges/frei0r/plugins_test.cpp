@@ -13,15 +13,9 @@
 #include <thread>
 #include <vector>
 
-#include "sfx/sfx.h"
+#include "Services.h"
 
 namespace {
-
-std::string ServiceOf(const sfx_effect_info& info) {
-    std::string name = "sfx_";
-    for (const char* at = info.id; *at != '\0'; ++at) name += *at == '-' ? '_' : *at;
-    return name;
-}
 
 class Plugin {
   public:
