@@ -72,13 +72,15 @@ END
 cd "$scratch/empty"
 obs --multi > "$scratch/log" 2>&1 &
 obs=$!
+trap 'kill -9 $obs 2> /dev/null' EXIT
 # Waits for a line of the log, for a minute at most.
 wait_for() {
     tries=0
     until grep -q "$1" "$scratch/log"; do
         tries=$((tries + 1))
-        kill -0 "$obs" 2> /dev/null || fail "OBS has ended before: $1"
-        [ "$tries" -lt 300 ] || { kill -9 "$obs"; fail "OBS did not say in a minute: $1"; }
+        # What OBS says last it says before it ends: the log is looked at once more.
+        kill -0 "$obs" 2> /dev/null || grep -q "$1" "$scratch/log" || fail "OBS has ended before: $1"
+        [ "$tries" -lt 300 ] || fail "OBS did not say in a minute: $1"
         sleep 0.2
     done
 }
@@ -86,6 +88,7 @@ wait_for "All is recorded."
 kill -INT "$obs"
 wait_for "Number of memory leaks"
 wait "$obs" || fail "OBS has ended with an error"
+trap - EXIT
 
 has() {
     grep -qF "$1" "$scratch/log" || fail "OBS did not say: $1"
