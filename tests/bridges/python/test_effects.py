@@ -31,7 +31,7 @@ def test_properties_are_attributes_and_keywords():
     assert (rain.drop_size, rain.drop_period) == (9, 1)
     rain.drop_period = numpy.int64(4)
     assert rain.drop_period == 4
-    assert str(rain) == "rain:drop-period=4,drop-size=9" or str(rain) == "rain:drop-size=9,drop-period=4"
+    assert str(rain) == "rain:drop-period=4,drop-size=9"
     rain.set_defaults()
     assert str(rain) == "rain"
 
@@ -241,22 +241,27 @@ def test_other_threads_run_while_a_frame_runs():
     chain = Chain(["colored-pencil"] * 12)
     frame = noise(720, 1280, 3)
     chain(frame)
-    interval = []
 
-    def work():
-        start = time.monotonic()
-        chain(frame)
-        interval.extend((start, time.monotonic()))
+    def ticks_in_a_frame():
+        interval = []
 
-    worker = threading.Thread(target=work)
-    ticks = []
-    worker.start()
-    while worker.is_alive():
-        ticks.append(time.monotonic())
-        time.sleep(0.001)
-    start, end = interval
-    margin = (end - start) / 10
-    assert any(start + margin < tick < end - margin for tick in ticks)
+        def work():
+            start = time.monotonic()
+            chain(frame)
+            interval.extend((start, time.monotonic()))
+
+        worker = threading.Thread(target=work)
+        ticks = []
+        worker.start()
+        while worker.is_alive():
+            ticks.append(time.monotonic())
+            time.sleep(0.001)
+        start, end = interval
+        margin = (end - start) / 10
+        return any(start + margin < tick < end - margin for tick in ticks)
+
+    # A busy machine may let this thread wait for the whole of a frame.
+    assert any(ticks_in_a_frame() for _ in range(20))
 
 
 def test_threads_share_an_effect_without_harm():
