@@ -5,9 +5,12 @@ OTHER_LANGUAGES = ["", "bat", "c", "cmake", "cpp", "lua", "python", "ts"]
 
 # What a page takes as given.
 CLIP = "specialeffects apply -q --frames 10 -e sepia test: in.mp4"
+# GStreamer makes its registry in the first run, and other plugins of the machine may complain then.
+REGISTRY = "gst-inspect-1.0 > /dev/null 2>&1"
 AT_HAND = {
-    "README.md": CLIP,
+    "README.md": f"{CLIP}; {REGISTRY}",
     "docs/frei0r.md": CLIP,
+    "docs/gstreamer.md": REGISTRY,
     "docs/libsfx.md": "make install > /dev/null && cp docs/example_sfx.c program.c",
     "docs/python.md": CLIP,
 }
