@@ -18,7 +18,7 @@
 namespace {
 
 // Work that one run may ask for.
-constexpr int64_t kPixelBudget = 400000;
+constexpr int64_t kPixelBudget = 150000;
 constexpr int kStepBudget = 200;
 constexpr size_t kShippedPresets = 12;  // at least; runs add others
 
