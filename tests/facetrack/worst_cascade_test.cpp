@@ -103,6 +103,19 @@ TEST_F(WorstCascade, StagesStopAtTheMostThatAFrameMayDo) {
     EXPECT_GT(detector.GetFace().width, 0);
 }
 
+/// A stage looks at all positions, also at those that an earlier one has ruled out.
+TEST_F(WorstCascade, PositionsWithoutAWindowCountToo) {
+    CPlane8u plane(200, 150);
+    plane.Fill(100);
+    std::fill_n(plane.Row(70) + 90, 3, uint8_t{200});  // the only edges
+    ASSERT_TRUE(Initialize(EmptyStages(20, 20, 3), 200, 150));
+    EXPECT_EQ(detector.DetectAtScale(plane, 2), 0);
+    // Those of features of at most 18 by 18 in 100 by 75 pixels, four for a unit, in each of three stages.
+    constexpr int64_t kPositions = 83 * 58;
+    EXPECT_GT(detector.FrameWork(), 3 * (kPositions / 4));
+    EXPECT_LT(detector.FrameWork(), 3 * (kPositions / 4 + 100));
+}
+
 TEST_F(WorstCascade, ATrainedCascadeStaysFarBelow) {
     if (!std::filesystem::exists(HaarFile())) GTEST_SKIP() << "no cascade was made";
     detector.SetCascadePath(HaarFile());
