@@ -134,6 +134,13 @@ TEST(MovingObject, RandomVelocitiesAreTilted) {
     EXPECT_EQ(seen.size(), 31U);
 }
 
+TEST(MovingObject, IsBlackAndOpaqueAtFirst) {
+    auto sprite = NewSprite(4, 4, 40, 30);
+    uint8_t color[4] = {1, 2, 3, 4};
+    sprite->GetColor(color);
+    EXPECT_EQ(std::vector<uint8_t>(color, color + 4), (std::vector<uint8_t>{0, 0, 0, 255}));
+}
+
 TEST(MovingObject, ColourTakesThreeDrawsAndKeepsAlpha) {
     auto sprite = NewSprite(4, 4, 40, 30);
     const uint8_t start[4] = {9, 9, 9, 77};
