@@ -80,8 +80,8 @@ bool SumsAreExact(const float* row, double bound) {
 
 Twist MakeTwist(const float* matrix) {
     Twist twist{};
-    std::copy_n(matrix, 12, twist.exact.begin());
-    std::copy_n(matrix, 12, twist.rough.begin());
+    std::copy_n(matrix, twist.exact.size(), twist.exact.begin());
+    std::copy_n(matrix, twist.rough.size(), twist.rough.begin());
     double error = -1;  // even a tie will do when all sums are exact
     for (const float* row = matrix; row != matrix + 12; row += 4) {
         // No sum or partial sum of this row is larger.

@@ -25,9 +25,11 @@ void Twist(Trial& t) {
             matrix[i] *= 64;
         }
     }
+    const auto numbers = t.Source<float>(
+        {.width = 12, .height = 1, .element = [next = matrix.begin()](Random&) mutable { return *next++; }});
     const auto data = t.Target<uint8_t>({.channels = 3});
     t.Run(PrimColorTwist8uC3, model::PrimColorTwist8uC3, [&](auto twist, Side side) {
-        return twist(data.at(side), data.step(), t.width(), t.height(), matrix.data());
+        return twist(data.at(side), data.step(), t.width(), t.height(), numbers.at(side));
     });
 }
 
