@@ -1,5 +1,6 @@
 #include "effects/distortion/HallwayVision.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <vector>
@@ -7,16 +8,16 @@
 #include "effects/distortion/Gather.h"
 #include "effects/distortion/RadialMap.h"
 #include "effects/distortion/RemapTable.h"
-#include "imaging/PerLevel.h"
 #include "imaging/ReleaseMemory.h"
 
 namespace {
 
 constexpr double kBend = 0.3;
 
-/// The factor of the offset at a distance, as a fraction of the circle's radius.
+/// The factor of the offset at a distance, as a fraction of the circle's radius. It is 1 from the rim on, so
+/// that a pixel there is its own source.
 double Stretch(double r) {
-    return std::pow(std::sin(r * 3.1415926535 * 0.5), -kBend);
+    return std::pow(std::sin(std::min(r, 1.0) * 3.1415926535 * 0.5), -kBend);
 }
 
 RadialFunction StretchWithin(double radius) {
@@ -38,9 +39,8 @@ GatherMap BuildMap(int32_t width, int32_t height) {
         },
         [&](int32_t y, int32_t x, std::span<const SourcePoint<int32_t>> offsets) {
             for (const SourcePoint<int32_t>& offset : offsets) {
-                const int32_t dx = x - hw, dy = y - hh;
                 const int32_t source = (hh + offset.y) * width + hw + offset.x;
-                if (dx * dx + dy * dy <= R2 && source >= 0 && source < count) {
+                if (source >= 0 && source < count) {
                     indices[static_cast<size_t>(y * width + x)] = static_cast<uint32_t>(source);
                 }
                 ++x;
@@ -49,70 +49,41 @@ GatherMap BuildMap(int32_t width, int32_t height) {
     return MakeGatherMap(indices, width);
 }
 
-/// A circle as high as the plane, around its middle.
-struct Circle {
-    Circle(int32_t planeWidth, int32_t planeHeight)
-        : width(planeWidth), height(planeHeight), cx(0.5 * planeWidth), cy(0.5 * planeHeight) {}
-
-    int32_t width, height;  // of the plane
-    double cx, cy;          // the centre; the radius is cy
-};
-
-/// Makes those pixels from (x, y) on their own sources that lie outside the circle, or whose source's flat
-/// index lies outside the plane.
-SE_INLINE void KeepRest(const Circle& circle, int32_t x, int32_t y, size_t count,
-                        SourcePoint<float>* SE_RESTRICT points) {
-    const double width = circle.width, lastIndex = width * circle.height - 1;
-    const double dy = y - circle.cy, R2 = circle.cy * circle.cy;
-    for (size_t i = 0; i < count; ++i) {
-        const double column = x + static_cast<int32_t>(i), dx = column - circle.cx;
-        const float sourceX = points[i].x, sourceY = points[i].y;
-        const double index = std::trunc(width * double{sourceY} + double{sourceX});
-        const bool moves = (dx * dx + dy * dy <= R2) & (index >= 0) & (index <= lastIndex);
-        points[i].x = moves ? sourceX : static_cast<float>(column);
-        points[i].y = moves ? sourceY : static_cast<float>(y);
-    }
-}
-
-/// The same with fractions: calls use(x, y, points) for the parts of rows that the circle reaches.
+/// The same with fractions: calls use(y, x, sources) for the parts of rows that the circle reaches. Some
+/// sources lie outside the plane; their pixels stay as they are.
 template <class Use>
-void FindPoints(const Circle& circle, Use use) {
-    const double cx = circle.cx, cy = circle.cy, R2 = cy * cy;
-    std::vector<SourcePoint<float>> points;
+void FindSources(int32_t width, int32_t height, Use use) {
+    const double cx = 0.5 * width, cy = 0.5 * height, R2 = cy * cy;
     MapRadially<float>(
-        {circle.width, circle.height, cx, cy, cx, cy}, StretchWithin(cy),
+        {width, height, cx, cy, cx, cy}, StretchWithin(cy),
         [&](int32_t x, int32_t y) -> SourcePoint<float> {
             const double dx = x - cx, dy = y - cy, d2 = dx * dx + dy * dy;
             const double stretch = d2 == 0 ? 1 : Stretch(std::sqrt(d2 / R2));
             return {static_cast<float>(dx * stretch + cx), static_cast<float>(dy * stretch + cy)};
         },
-        [&](int32_t y, int32_t x, std::span<const SourcePoint<float>> sources) {
-            points.assign(sources.begin(), sources.end());
-            AtLevel<KeepRest>(circle, x, y, points.size(), points.data());
-            use(x, y, points);
-        });
+        use);
 }
 
-LinearWarp BuildWarp(const Circle& circle) {
-    LinearWarp warp(circle.width, circle.height, static_cast<size_t>(3.2 * circle.cy * circle.cy));
-    FindPoints(circle, [&](int32_t x, int32_t y, std::span<const SourcePoint<float>> points) {
-        warp.Add(x, y, points);
+LinearWarp BuildWarp(int32_t width, int32_t height) {
+    LinearWarp warp(width, height, static_cast<size_t>(0.8 * height * height));
+    FindSources(width, height, [&](int32_t y, int32_t x, std::span<const SourcePoint<float>> sources) {
+        warp.Add(x, y, sources);
     });
     return warp;
 }
 
-GatherMap BuildNearestMap(const Circle& circle) {
-    OwnedRemapTable owner(circle.width, circle.height);
+GatherMap BuildNearestMap(int32_t width, int32_t height) {
+    OwnedRemapTable owner(width, height);
     const RemapTable table = owner.View();
     table.FillIdentity();
-    FindPoints(circle, [&](int32_t x, int32_t y, std::span<const SourcePoint<float>> points) {
-        for (const SourcePoint<float>& point : points) {
-            table.XRow(y)[x] = point.x;
-            table.YRow(y)[x] = point.y;
+    FindSources(width, height, [&](int32_t y, int32_t x, std::span<const SourcePoint<float>> sources) {
+        for (const SourcePoint<float>& source : sources) {
+            table.XRow(y)[x] = source.x;
+            table.YRow(y)[x] = source.y;
             ++x;
         }
     });
-    return MakeGatherMap(table.NearestIndices(), circle.width);
+    return MakeGatherMap(table.NearestIndices(), width);
 }
 
 }  // namespace
@@ -127,12 +98,8 @@ void CHallwayVisionSpecialEffectFilter::Prepare() {
         IndexFull = BuildMap(width, height);
         IndexHalf = BuildMap(width / 2, height / 2);
     } else {
-        IndexHalf = BuildNearestMap({width / 2, height / 2});
-        if (width > 1 && height > 1) {
-            LumaWarp = BuildWarp({width, height});
-        } else {  // too small to interpolate
-            IndexFull = BuildNearestMap({width, height});
-        }
+        LumaWarp = BuildWarp(width, height);
+        IndexHalf = BuildNearestMap(width / 2, height / 2);
     }
 }
 

@@ -12,7 +12,7 @@
 
 /// The map in compiled form. For each row it stores only spans that start and end with a pixel that moves,
 /// with the source offset and the two fractions of each pixel. The results equal those of the linear remap
-/// primitive. Pictures must be at least 2 by 2.
+/// primitive. In a picture of one column or row no pixel may move.
 class LinearWarp {
   public:
     /// Moves nothing.

@@ -32,7 +32,8 @@ class RadialFunction {
         explicit Row(size_t count) : along(count), across(count), error(count) {}
     };
 
-    /// The turns of the offsets (firstX + i, dy), for i below `count`. Beyond the end they mean nothing.
+    /// The turns of the offsets (firstX + i, dy), for i below `count`. Beyond the end they are those at the
+    /// end.
     void Evaluate(double firstX, double dy, size_t count, Row& row) const;
 
     static constexpr size_t kTerms = 8;
@@ -62,8 +63,8 @@ struct SourcePoint {
 };
 
 /// Calls use(y, x, sources) for each row that the function's disc reaches: `sources` are those of the pixels
-/// from column x on. They include the disc, and some pixels beyond it, whose sources mean nothing. Rows come
-/// in any order. `exact(x, y)` is the formula.
+/// from column x on. They include the disc, and some pixels beyond it, which turn like the rim if the formula
+/// says so too. Rows come in any order. `exact(x, y)` is the formula.
 ///
 /// Coordinates are truncated towards 0 if `Number` is int32_t, and rounded to the nearest if it is float.
 template <class Number>
