@@ -185,8 +185,8 @@ TEST(Box, LargeMasks) {
 }
 
 TEST(Box, SumsOfMoreThan32Bits) {
-    // 24 bits of pixels, of which each mask covers nearly all.
-    constexpr int32_t kSide = 2900;
+    constexpr int32_t kSide = 4106;
+    static_assert(int64_t{kSide - 1} * (kSide - 1) * 255 > std::numeric_limits<uint32_t>::max());
     std::vector<uint8_t> pixels(size_t{2 * kSide} * size_t{2 * kSide}, 255);
     pixels[0] = 0;
     uint8_t* const region = pixels.data();
