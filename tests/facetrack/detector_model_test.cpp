@@ -232,11 +232,7 @@ TEST(DetectorModel, EqualsThePlainWayFromFrameToFrame) {
     const TemporaryDirectory directory;
     const std::vector<RawStage> stages = MakeStages();
     WriteCascade(stages, "haar.txt");
-#if defined(__SANITIZE_ADDRESS__)
-    constexpr int kFrames = 8;
-#else
-    constexpr int kFrames = 16;
-#endif
+    constexpr int kFrames = SE_SANITIZED ? 8 : 16;
     for (const auto& [width, height] : {std::pair{160, 120}, {121, 143}, {55, 40}}) {
         SCOPED_TRACE(testing::Message() << width << " by " << height);
         CFaceDetector detector;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <stdexcept>
 
 namespace {
 
@@ -11,7 +12,7 @@ EffectGuid GuidFromText(const char* text) {
     unsigned int d1 = 0, d2 = 0, d3 = 0, d4[8] = {};
     const int read = std::sscanf(text, "{%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x}", &d1, &d2, &d3, &d4[0],
                                  &d4[1], &d4[2], &d4[3], &d4[4], &d4[5], &d4[6], &d4[7]);
-    EXPECT_EQ(read, 11) << text;
+    if (read != 11) throw std::invalid_argument(std::string("not a GUID: ") + text);
     guid.Data1 = d1;
     guid.Data2 = static_cast<uint16_t>(d2);
     guid.Data3 = static_cast<uint16_t>(d3);
@@ -22,8 +23,11 @@ EffectGuid GuidFromText(const char* text) {
 CSpecialEffectFilter* Create(const char* guid) {
     ISpecialEffectFactory* factory = CreateSpecialEffectFactory();
     CSpecialEffectFilter* effect = nullptr;
-    EXPECT_EQ(factory->CreateEffect(GuidFromText(guid), 0, &effect), kSuccess) << guid;
+    const ResultCode result = factory->CreateEffect(GuidFromText(guid), 0, &effect);
     factory->Release();
+    if (result != kSuccess || effect == nullptr) {
+        throw std::invalid_argument(std::string("no effect has the GUID ") + guid);
+    }
     return effect;
 }
 
@@ -170,6 +174,15 @@ void ExpectContract(EffectDriver& effect, const ContractTraits& traits) {
         }
     }
     EXPECT_EQ(effect->Shutdown(), kSuccess);
+}
+
+void ExpectNoProperties(const char* guid) {
+    EffectDriver effect(guid);
+    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
+    EXPECT_EQ(effect.Set("Intensity", "3"), kSuccess);
+    EXPECT_EQ(effect.Get("Intensity"), "untouched");
+    EXPECT_EQ(effect->SetProperty(static_cast<PropertyRecord*>(nullptr)), kSuccess);
+    EXPECT_EQ(effect->GetProperty(static_cast<PropertyRecord*>(nullptr)), kSuccess);
 }
 
 void ExpectBooleanProperty(EffectDriver& effect, const std::string& name, bool initial) {

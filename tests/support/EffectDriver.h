@@ -11,8 +11,8 @@
 /// Owns one effect and gives its slots short names.
 class EffectDriver {
   public:
-    /// The effect with this GUID in registry form, through the factory. Fails the test when it does not
-    /// exist.
+    /// The effect with this GUID in registry form, through the factory. Throws std::invalid_argument, which
+    /// fails the test, when there is none.
     explicit EffectDriver(const char* guid);
     /// An effect made by the test itself; taken over.
     explicit EffectDriver(CSpecialEffectFilter* effect) : effect_(effect) {}
@@ -58,6 +58,9 @@ struct ContractTraits {
 /// `Configure` and after `Shutdown`, formats, sizes that are not served, second `Configure`, packed frames,
 /// tiny and odd sizes. Reports through GoogleTest.
 void ExpectContract(EffectDriver& effect, const ContractTraits& traits = {});
+
+/// An effect without a table of properties, which accepts every name and stores nothing.
+void ExpectNoProperties(const char* guid);
 
 /// The property `name`, boolean, in all spellings; `initial` is what runs at the start.
 void ExpectBooleanProperty(EffectDriver& effect, const std::string& name, bool initial);

@@ -11,11 +11,7 @@
 
 #include "tests/support/EffectDriver.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr int kModelFrames = 5;
-#else
-inline constexpr int kModelFrames = 20;
-#endif
+inline constexpr int kModelFrames = SE_SANITIZED ? 5 : 20;
 
 using FrameSizes = std::vector<std::pair<int32_t, int32_t>>;
 

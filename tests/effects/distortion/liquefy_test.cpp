@@ -14,11 +14,7 @@ constexpr const char* kGuids[] = {"{C116304B-F245-4111-855E-5EA4873787FB}",
                                   "{09BBE22C-BF85-445E-8DF0-F90E72B6B8C0}",
                                   "{D77E9CF7-CE38-4ABF-A4BA-525140515CEC}"};
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int kFrames = 5;
-#else
-constexpr int kFrames = 40;
-#endif
+constexpr int kFrames = SE_SANITIZED ? 5 : 40;
 
 using Bytes = std::vector<uint8_t>;
 

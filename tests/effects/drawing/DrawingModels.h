@@ -108,13 +108,6 @@ inline void ExpectEffect(const char* guid, const char* displayName, const Contra
     ExpectContract(effect, traits);
 }
 
-inline void ExpectNoProperties(const char* guid) {
-    EffectDriver effect(guid);
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Anything", "TRUE"), kSuccess);
-    EXPECT_EQ(effect->SetProperty(static_cast<PropertyRecord*>(nullptr)), kSuccess);
-}
-
 /// One property, without a range, and no other name.
 inline void ExpectOnlyProperty(const char* guid, PropTypeSet type, const char* name,
                                const char* defaultText) {

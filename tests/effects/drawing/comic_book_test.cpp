@@ -47,7 +47,7 @@ void ComicBookModel(Planes& p) {
 
 TEST(ComicBook, KeepsTheContract) {
     drawing_model::ExpectEffect(kGuid, "Comic Book");
-    drawing_model::ExpectNoProperties(kGuid);
+    ExpectNoProperties(kGuid);
 }
 
 /// Every luma with every chroma pair of a grid that has both ends and the middle: one 2 by 2 block each.

@@ -132,10 +132,7 @@ TEST_P(Chrome, ConfigureForgetsThePreviousPicture) {
 }
 
 TEST_P(Chrome, HasNoProperties) {
-    EffectDriver effect(Guid());
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Intensity", "3"), kSuccess);
-    EXPECT_EQ(effect.Get("Intensity"), "untouched");
+    ExpectNoProperties(Guid());
 }
 
 INSTANTIATE_TEST_SUITE_P(Variants, Chrome, testing::Values(1, 2));

@@ -55,11 +55,7 @@ TEST(GrayScale, NeverLooksAtLuma) {
 }
 
 TEST(GrayScale, HasNoProperties) {
-    EffectDriver effect(kGuid);
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Intensity", "3"), kSuccess);
-    EXPECT_EQ(effect.Get("Intensity"), "untouched");
-    EXPECT_EQ(effect->SetProperty(static_cast<PropertyRecord*>(nullptr)), kSuccess);
+    ExpectNoProperties(kGuid);
 }
 
 }  // namespace

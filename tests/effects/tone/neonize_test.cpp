@@ -222,10 +222,7 @@ TEST(Neonize, LargeGradientsSaturate) {
 }
 
 TEST(Neonize, HasNoProperties) {
-    EffectDriver effect(kGuid);
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Intensity", "3"), kSuccess);
-    EXPECT_EQ(effect.Get("Intensity"), "untouched");
+    ExpectNoProperties(kGuid);
 }
 
 }  // namespace

@@ -87,10 +87,7 @@ TEST(XRay, TakesTheByteCountsFromTheFrame) {
 }
 
 TEST(XRay, HasNoProperties) {
-    EffectDriver effect(kGuid);
-    EXPECT_EQ(effect->GetInternalInfo()->GetPropCount(), 0);
-    EXPECT_EQ(effect.Set("Intensity", "3"), kSuccess);
-    EXPECT_EQ(effect.Get("Intensity"), "untouched");
+    ExpectNoProperties(kGuid);
 }
 
 }  // namespace
