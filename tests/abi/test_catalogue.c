@@ -5,21 +5,16 @@
 #include "check.h"
 #include "memory.h"
 #include "tests.h"
+#include "wide.h"
 
 enum { ROOM = 64 };
-
-static bool wide_equals(const Wide* wide, const char* narrow) {
-    size_t i = 0;
-    while (wide[i] && wide[i] == (unsigned char)narrow[i]) ++i;
-    return wide[i] == (unsigned char)narrow[i];
-}
 
 static void check_name(Description* description, const char* wanted) {
     char name[ROOM] = "?";
     Wide wide[ROOM] = {'?'};
     expect(get_name(description, name, ROOM) == 1 && strcmp(name, wanted) == 0,
            "GetName: \"%s\", want \"%s\"", name, wanted);
-    expect(get_name_wide(description, wide, ROOM) == 1 && wide_equals(wide, wanted), "wide GetName differs");
+    expect(get_name_wide(description, wide, ROOM) == 1 && wide_is(wide, wanted), "wide GetName differs");
 }
 
 static void check_table(Description* description, const PropertyRow* rows, int count) {
@@ -36,8 +31,8 @@ static void check_table(Description* description, const PropertyRow* rows, int c
         Wide wide_name[ROOM] = {'?'}, wide_initial[ROOM] = {'?'}, wide_range[ROOM] = {'?'};
         const int wide_type =
             prop_type_info_wide(description, i, wide_name, ROOM, wide_initial, ROOM, wide_range, ROOM);
-        expect(wide_type == type && wide_equals(wide_name, name) && wide_equals(wide_initial, initial) &&
-                   wide_equals(wide_range, range),
+        expect(wide_type == type && wide_is(wide_name, name) && wide_is(wide_initial, initial) &&
+                   wide_is(wide_range, range),
                "row %d: the wide form differs", i);
     }
     const int outside[] = {count, count + 1, -1, INT32_MAX, INT32_MIN};
@@ -45,6 +40,7 @@ static void check_table(Description* description, const PropertyRow* rows, int c
         char text[3][ROOM];
         Wide wide[3][ROOM];
         memset(text, 0x5C, sizeof text);
+        memset(wide, 0x5C, sizeof wide);
         const int type = prop_type_info(description, outside[i], text[0], ROOM, text[1], ROOM, text[2], ROOM);
         expect(type == NO_PROPERTY, "index %d: type %d", outside[i], type);
         expect(all_bytes((const uint8_t*)text, sizeof text, 0x5C), "index %d: a buffer was touched",
@@ -52,6 +48,8 @@ static void check_table(Description* description, const PropertyRow* rows, int c
         const int wide_type =
             prop_type_info_wide(description, outside[i], wide[0], ROOM, wide[1], ROOM, wide[2], ROOM);
         expect(wide_type == NO_PROPERTY, "index %d: wide type %d", outside[i], wide_type);
+        expect(all_bytes((const uint8_t*)wide, sizeof wide, 0x5C), "index %d: a wide buffer was touched",
+               outside[i]);
     }
 }
 

@@ -9,9 +9,9 @@
 static const uint32_t kUntouched = 0xDEADBEEF;
 
 void test_module(void) {
-    begin_check("module: exports the creation function and no interface object");
+    begin_check("module: exports the creation function under its own name only");
     expect(exported("CreateSpecialEffectFactory") != NULL, "CreateSpecialEffectFactory is not there");
-    expect(exported("CreateFactory") == NULL, "an unexpected name is there");
+    expect(exported("CreateFactory") == NULL, "another name is there");
     end_check();
 
     begin_check("module: can be unloaded and loaded again");

@@ -5,6 +5,7 @@
 #include "check.h"
 #include "memory.h"
 #include "tests.h"
+#include "wide.h"
 
 enum { LARGEST = 40, FILL = 0x5C };
 
@@ -131,11 +132,12 @@ static void check_left_out_texts(Description* description, const PropertyRow* ro
                    "row %d without text %d: wrong wide type", index, skipped);
             for (int k = 0; k < 3; ++k) {
                 if (k != skipped) {
-                    expect(strcmp(text[k], texts[k]) == 0, "row %d without text %d: text %d is wrong", index,
-                           skipped, k);
+                    expect(strcmp(text[k], texts[k]) == 0 && wide_is(wide[k], texts[k]),
+                           "row %d without text %d: text %d is wrong", index, skipped, k);
                     continue;
                 }
-                expect(all_bytes((const uint8_t*)text[k], sizeof text[k], FILL),
+                expect(all_bytes((const uint8_t*)text[k], sizeof text[k], FILL) &&
+                           all_bytes((const uint8_t*)wide[k], sizeof wide[k], FILL),
                        "row %d: text %d was written", index, k);
             }
         }

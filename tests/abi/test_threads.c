@@ -30,9 +30,7 @@ static uint32_t process(Effect* effect, Planes* planes) {
 }
 
 static void run_sepia(Factory* factory, Random* random) {
-    Effect* effect = NULL;
-    expect_here(create_effect(factory, parse_guid("3BF3AE40-0316-41B9-84C5-A8C671212CAC"), 0, &effect) ==
-                SUCCESS);
+    Effect* effect = create_named(factory, "Sepia");
     Stream stream = {0, WIDTH, HEIGHT, PLANAR};
     expect_here(configure(effect, &stream) == SUCCESS);
     Planes planes, wanted;
@@ -46,9 +44,7 @@ static void run_sepia(Factory* factory, Random* random) {
 
 /* The wide forms convert through buffers; each thread must get its own texts back. */
 static void run_wide_texts(Factory* factory, Random* random) {
-    Effect* effect = NULL;
-    expect_here(create_effect(factory, parse_guid("CC006219-72F8-4E49-8E12-6E05B59269E9"), 0, &effect) ==
-                SUCCESS);
+    Effect* effect = create_named(factory, "Gray Scale");
     Wide name[TEXT_SIZE], value[TEXT_SIZE];
     char text[32];
     for (int i = 0; i < 31; ++i) text[i] = (char)('a' + random_next(random) % 26);
