@@ -135,7 +135,7 @@ TEST(GraphicPen, TakesTheColourAwayAndGivesItBack) {
     ASSERT_EQ(effect.Configure(32, 24), kSuccess);
     for (const char* colored : {"TRUE", "FALSE", "TRUE"}) {
         ASSERT_EQ(effect.Set("Colored", colored), kSuccess);
-        TestFrame frame(32, 24), expected(32, 24);
+        TestFrame frame(32, 24);
         frame.Fill(255, 90, 170);
         ASSERT_EQ(effect.Process(frame), kSuccess);
         const bool kept = colored[0] == 'T';

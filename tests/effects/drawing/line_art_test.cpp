@@ -9,6 +9,7 @@
 
 #include "imaging/ScalarColor.h"
 #include "tests/effects/drawing/DrawingModels.h"
+#include "tests/support/GoldenRun.h"
 
 namespace {
 
@@ -114,8 +115,6 @@ TEST(LineArt, WideFramesHaveTheLowerThreshold) {
 
 class LineArtSettings : public testing::Test {
   protected:
-    void TearDown() override { std::filesystem::remove(path_); }
-
     /// The result of `LoadSettings` for a file with this content.
     ResultCode Load(const std::string& content) {
         std::ofstream(path_, std::ios::binary) << content;
@@ -127,9 +126,9 @@ class LineArtSettings : public testing::Test {
     }
     std::string Color() { return effect_.Get("BackgroundColor"); }
 
+    const TemporaryDirectory directory_;
     EffectDriver effect_{kGuids[0]};
-    const std::string path_ = testing::TempDir() + "line_art_settings_" +
-                              testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt";
+    const std::string path_ = "settings.txt";
 };
 
 TEST_F(LineArtSettings, AreThreeNumbers) {
@@ -189,7 +188,7 @@ TEST_F(LineArtSettings, FailWithoutAFileAndKeepTheColor) {
     EXPECT_EQ(effect_->LoadSettings(&noWidePath), kFailure);
     EXPECT_EQ(LoadPath(path_ + ".missing"), kFailure);
     EXPECT_EQ(LoadPath(""), kFailure);
-    EXPECT_EQ(LoadPath(testing::TempDir()), kFailure) << "a directory";
+    EXPECT_EQ(LoadPath(directory_.path()), kFailure) << "a directory";
     std::filesystem::remove(path_);
     ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
     EXPECT_EQ(LoadPath(path_), kFailure) << "a pipe, which would wait for a writer that never comes";
