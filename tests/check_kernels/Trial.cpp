@@ -166,10 +166,6 @@ bool Trial::Advance() {
     return true;
 }
 
-void Trial::Reset() {
-    places_.clear();
-}
-
 Storage& Trial::NextStorage() {
     if (nextStorage_ == storages_.size()) {
         storages_.push_back(std::make_unique<Storage>());

@@ -225,8 +225,6 @@ class Trial {
     void Begin(int32_t width, int32_t height, double copyBytesPerPixel);
     /// Whether the run that just ended was the last combination.
     bool Advance();
-    /// Forgets the parameters of the kernel before.
-    void Reset();
 
     /// What is wrong at a processor level, or empty.
     std::string failure(cpu::Level level) const;

@@ -92,7 +92,8 @@ std::vector<Scene> Scenes(int side) {
     }
     scenes.insert(scenes.end(), {place, growing, shrinking});
 
-    // Rows in falling order around one place: each hit joins the rows of those before it.
+    // Random places, on both sides of the origin too; and hits further apart than the radius, with later ones
+    // between them, which fit two rows.
     Scene chance{"chance", {}}, negative{"around the origin", {}}, bridges{"bridges", {}};
     for (int i = 0; i < 2 * side * side; ++i) {
         chance.hits.push_back({random.Below(side), random.Below(side), 20 + random.Below(60)});

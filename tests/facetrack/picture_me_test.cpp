@@ -274,7 +274,7 @@ TEST_F(PictureMe, FliesAndLandsByItsSteps) {
             model(expected, asked);
             ASSERT_EQ(FirstDifference(frame, expected), "") << "size " << c.size << ", frame " << i;
         }
-        // Nothing may remain from an earlier test.
+        // The next case starts with a new effect.
         effect = EffectDriver(kGuid);
     }
 }

@@ -41,6 +41,7 @@ bool IsSentence(std::string_view text) {
 
 TEST(Catalogue, NamesEachEffectOnce) {
     std::set<std::string> guids, names;
+    EXPECT_FALSE(EffectCatalogue().empty());
     for (const CatalogueRow& row : EffectCatalogue()) {
         SCOPED_TRACE(row.shortName);
         EXPECT_EQ(RegistryForm(row.id), row.guid);

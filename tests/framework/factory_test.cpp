@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <vector>
 
-#include "framework/Catalogue.h"
 #include "framework/Guid.h"
 #include "framework/SpecialEffectFactory.h"
 
@@ -102,15 +102,7 @@ TEST(Factory, EffectsOutliveIt) {
     another->DestroyEffect(effect);
 }
 
-TEST(Catalogue, HasDifferentRows) {
-    const auto rows = EffectCatalogue();
-    EXPECT_FALSE(rows.empty());
-    for (size_t i = 0; i < rows.size(); ++i) {
-        for (size_t k = i + 1; k < rows.size(); ++k) EXPECT_FALSE(SameGuid(rows[i].id, rows[k].id));
-    }
-}
-
-TEST(Catalogue, ReadsGuidsInRegistryForm) {
+TEST(Guid, IsReadFromRegistryForm) {
     constexpr EffectGuid guid = ParseGuid("{ABC27FCB-B469-428E-9A2F-C2117AD7148E}");
     const uint8_t bytes[16] = {0xCB, 0x7F, 0xC2, 0xAB, 0x69, 0xB4, 0x8E, 0x42,
                                0x9A, 0x2F, 0xC2, 0x11, 0x7A, 0xD7, 0x14, 0x8E};

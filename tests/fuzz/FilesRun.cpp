@@ -1,5 +1,5 @@
-// The files that the library reads, with any content: the bytes are a cascade, a bitmap, a settings file and
-// a file of presets at once, each read by what reads such a file.
+// The files that the library reads, with any content: the bytes are a bitmap, a cascade and a settings file,
+// or a file of presets. The first byte decides.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -46,7 +46,7 @@ void Process(const Effect& effect, int frames) {
             const auto x = static_cast<int>(i % kWidth), y = static_cast<int>(i / kWidth);
             bytes[i] = static_cast<uint8_t>(x > 12 + frame && y > 10 && y < 30 ? 5 * x : 60 + (y / 8) * 24);
         }
-        sfx_picture picture;
+        sfx_picture picture = SFX_PICTURE_INIT;
         sfx_picture_layout(&picture, SFX_I420, kWidth, kHeight, bytes.data());
         Expect(sfx_process(effect.get(), &picture, SFX_NO_TIME) >= SFX_OK, "a frame was refused");
     }

@@ -3,25 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-#include <random>
-#include <vector>
+#include <algorithm>
 
 #include "imaging/BoxFilter.h"
 #include "imaging/Prim.h"
+#include "tests/imaging/TestPlanes.h"
 
 namespace {
-
-CPlane8u RandomPlane(int32_t width, int32_t height) {
-    std::minstd_rand random(static_cast<unsigned>(width * 1000 + height));
-    CPlane8u plane(width, height);
-    std::generate_n(plane.data, plane.Size(), [&] { return static_cast<uint8_t>(random() >> 8); });
-    return plane;
-}
-
-std::vector<uint8_t> Pixels(const CPlane8u& plane) {
-    return {plane.data, plane.data + plane.Size()};
-}
 
 TEST(Bands, EveryPassMakesEachRowOnceAndInTime) {
     for (const int32_t height : {1, 2, 15, 16, 17, 31, 33, 100}) {
@@ -46,7 +34,7 @@ TEST(Bands, EveryPassMakesEachRowOnceAndInTime) {
 TEST(Bands, FiltersInPlaceAsOverWholePlanes) {
     for (int32_t height = 1; height <= 70; ++height) {
         const int32_t width = 1 + height * 7 % 40;
-        CPlane8u plane = RandomPlane(width, height);
+        CPlane8u plane = RandomPlane(width, height, static_cast<uint64_t>(height));
         const auto gauss = [](auto... region) { PrimFilterGauss8uC1(region..., kPrimMask5x5); };
 
         CPlane8u first(width, height), second(width, height), expected(width, height);
@@ -63,7 +51,7 @@ TEST(Bands, FiltersInPlaceAsOverWholePlanes) {
                      [&](RowRange rows) { FilterBand(plane, smooth.Advance(rows), rows, height, 2, gauss); }},
             BandPass{1, [&](RowRange rows) { box.ApplyBand(smooth.Rows(), means.Advance(rows), rows); }},
             BandPass{2, [&](RowRange rows) { FilterBand(means.Rows(), plane, rows, height, 2, gauss); }});
-        EXPECT_EQ(Pixels(plane), Pixels(expected)) << width << " by " << height;
+        EXPECT_EQ(BytesOf(plane), BytesOf(expected)) << width << " by " << height;
     }
 }
 

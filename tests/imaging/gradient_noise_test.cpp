@@ -18,13 +18,13 @@ namespace {
 
 struct NoiseModel {
     int p[514];
-    double g1[514], g2[514][2], g3[514][3];
+    double g2[514][2], g3[514][3];
 
     NoiseModel() {
         const auto draw = [] { return (std::rand() % 512 - 256) / 256.0; };
         for (int i = 0; i < 256; ++i) {
             p[i] = i;
-            g1[i] = draw();
+            draw();  // for noise along a line, which nothing uses
             for (double& c : g2[i]) c = draw();
             const double length2 = std::sqrt(g2[i][0] * g2[i][0] + g2[i][1] * g2[i][1]);
             for (double& c : g2[i]) c = length2 == 0 ? 0 : c / length2;
@@ -35,7 +35,6 @@ struct NoiseModel {
         for (int i = 255; i >= 1; --i) std::swap(p[i], p[std::rand() % 256]);
         for (int i = 0; i <= 257; ++i) {
             p[256 + i] = p[i];
-            g1[256 + i] = g1[i];
             for (int c = 0; c < 2; ++c) g2[256 + i][c] = g2[i][c];
             for (int c = 0; c < 3; ++c) g3[256 + i][c] = g3[i][c];
         }

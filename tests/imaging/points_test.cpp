@@ -50,7 +50,7 @@ constexpr int32_t kAllScales[] = {std::numeric_limits<int32_t>::min(),
                                   33,
                                   std::numeric_limits<int32_t>::max()};
 
-/// 256 by 256 pixels that, with kColumns, make all pairs of bytes.
+/// 256 by 256 pixels that, with Columns(), make all pairs of bytes.
 Bytes Rows() {
     Bytes image(65536);
     for (size_t i = 0; i < image.size(); ++i) {

@@ -81,7 +81,6 @@ INSTANTIATE_TEST_SUITE_P(Sfx, FailingAllocations,
                                          "clouds+logo-animation", "picture-me+moving-twirl",
                                          "time-distortion"));
 
-// Once an effect runs, conversions take nothing more.
 TEST(SfxMemory, AllLinksTakeASettingsFileOrNone) {
     const TemporaryDirectory directory;
     std::ofstream("settings.txt") << "1 2 3\n";
@@ -131,6 +130,7 @@ TEST(SfxMemory, AllLinksTakeASettingsFileOrNone) {
     testing::internal::GetCapturedStderr();
 }
 
+/// Once an effect runs, conversions take nothing more.
 TEST(SfxMemory, FramesAllocateNothing) {
     for (int format = 0; format < SFX_FORMAT_COUNT; ++format) {
         std::vector<uint8_t> pixels;

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <vector>
 
 #include "tests/support/LevelLimit.h"
+#include "tests/support/TestFrame.h"
 
 namespace {
 
@@ -43,12 +43,13 @@ TEST(RepeatedMean, EqualsOneMeanAfterTheOther) {
         int lowest, highest;
     } kRanges[] = {{0, 255}, {0, 27}, {228, 255}, {100, 127}, {100, 128}, {40, 40}, {250, 255}};
     constexpr struct { int width, height; } kSizes[] = {{1, 1}, {1, 9}, {9, 1}, {2, 3}, {61, 7}, {130, 20}};
-    std::minstd_rand random(5);
+    TestRandom random(5);
     for (const auto [lowest, highest] : kRanges) {
         for (const auto [width, height] : kSizes) {
             CPlane8u source(width, height);
-            std::uniform_int_distribution<int> pixel(lowest, highest);
-            std::generate_n(source.data, source.Size(), [&] { return static_cast<uint8_t>(pixel(random)); });
+            std::generate_n(source.data, source.Size(), [&, first = lowest, count = highest - lowest + 1] {
+                return static_cast<uint8_t>(first + random.Below(count));
+            });
             source.data[0] = static_cast<uint8_t>(lowest);
             source.data[source.Size() - 1] = static_cast<uint8_t>(highest);
             for (const int count : {3, 4, 6, 30}) {
