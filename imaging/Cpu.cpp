@@ -63,17 +63,8 @@ std::span<const Level> Levels() {
 }
 
 const char* Name(Level level) {
-    switch (level) {
-        case Level::kBaseline:
-            return "baseline";
-        case Level::kVector128:
-            return "vector128";
-        case Level::kAvx2:
-            return "avx2";
-        case Level::kAvx512:
-            return "avx512";
-    }
-    return "unknown";
+    static constexpr std::array kNames{"baseline", "vector128", "avx2", "avx512"};
+    return kNames[static_cast<size_t>(level)];
 }
 
 void Limit(Level highest) {

@@ -45,10 +45,8 @@ uint32_t FirstSquareAbove(float threshold) {
     if (limit < 0) {
         return 0;
     }
+    // The product is exact, so its whole part has a root that is not above.
     double square = std::min(std::floor(limit * limit), kMost + 1);
-    while (square > 0 && std::sqrt(square) > limit) {
-        --square;
-    }
     while (square <= kMost && std::sqrt(square) <= limit) {
         ++square;
     }

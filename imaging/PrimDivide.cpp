@@ -6,20 +6,14 @@
 namespace prim {
 namespace {
 
-/// The smallest sum with a result of at least `value`, if it is not above kMaxSum.
+/// The smallest sum with a result of at least `value`, if it is not above kMaxSum. Up to there the products
+/// with the reciprocal, which has 24 bits, are exact: rounding moves no result.
 std::optional<int32_t> FirstSum(int32_t value, double reciprocal) {
     const double near = std::ceil((value - 0.5) / reciprocal);
     if (near > SingleQuotient::kMaxSum) {
         return std::nullopt;
     }
-    auto sum = static_cast<int32_t>(near);
-    while (Quotient(sum - 1, reciprocal) >= value) {
-        --sum;
-    }
-    while (Quotient(sum, reciprocal) < value) {
-        ++sum;
-    }
-    return sum;
+    return static_cast<int32_t>(near);
 }
 
 bool IsExact(const SingleQuotient& quotient, double reciprocal) {

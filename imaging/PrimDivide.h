@@ -82,7 +82,7 @@ SE_INLINE constexpr uint8_t Quotient(double sum, double reciprocal) {
 /// The same as sat8(trunc(sum * reciprocal + bias)) in single precision, for sums of a magnitude of up to
 /// kMaxSum.
 struct SingleQuotient {
-    static constexpr int32_t kMaxSum = 1 << 30;
+    static constexpr int32_t kMaxSum = 1 << 29;
 
     /// Nothing when there is no such form. Both forms rise with the sum, so they are the same when every
     /// result from 1 to 255 first comes up at the same sum. The exact form's products that end in a half all

@@ -138,20 +138,13 @@ class ShuffleRowScaler {
     explicit ShuffleRowScaler(const Axis& axis)
         : blockCount_(RoundUp(static_cast<size_t>(axis.count), kBlock) / kBlock), blocks_(blockCount_) {
         if (!blocks_) return;
-        for (size_t b = 0; b < blockCount_; ++b) {
-            if (!Lay(axis, b)) {
-                suitable_ = false;
-                return;
-            }
-        }
+        for (size_t b = 0; b < blockCount_; ++b) Lay(axis, b);
     }
 
     explicit operator bool() const { return static_cast<bool>(blocks_); }
 
-    /// False for rows that are too short and for blocks whose columns lie too far apart.
-    bool Suitable() const { return suitable_; }
-
-    static bool MaySuit(const Axis& axis) { return axis.length >= kWindow && axis.step < 4.0; }
+    /// False for rows that are too short, and where eight columns reach beyond two windows.
+    static bool Suits(const Axis& axis) { return axis.length >= kWindow && axis.step < 4.0; }
 
     SE_TARGET_AVX2 void Scale(const uint8_t* row, uint16_t* line) {
         const Block* const blocks = blocks_.data();
@@ -180,8 +173,9 @@ class ShuffleRowScaler {
         alignas(32) std::array<std::array<int16_t, 16>, 2> weights;
     };
 
-    /// Fills in block b; false if the columns of a lane lie too far apart.
-    bool Lay(const Axis& axis, size_t b) {
+    /// Fills in block b. From the left neighbour of a lane's first column to the right one of its last are
+    /// at most 7 * 4 + 2 bytes: all lie in the first window or in the second one.
+    void Lay(const Axis& axis, size_t b) {
         constexpr uint8_t kNothing = 0x80;
         Block& block = blocks_[b];
         bool narrow = true;
@@ -201,7 +195,6 @@ class ShuffleRowScaler {
                     const int32_t x = std::min(sample + neighbour, axis.length - 1);
                     const size_t byte = lane * 16 + i * 2 + static_cast<size_t>(neighbour);
                     const bool near = x - first < kWindow;
-                    if (!near && x - next >= kWindow) return false;
                     block.windows[0].shuffle[byte] = near ? static_cast<uint8_t>(x - first) : kNothing;
                     block.windows[1].shuffle[byte] = near ? kNothing : static_cast<uint8_t>(x - next);
                     narrow = narrow && near;
@@ -209,7 +202,6 @@ class ShuffleRowScaler {
             }
         }
         if (narrow && narrowBlocks_ == b) ++narrowBlocks_;
-        return true;
     }
 
     /// The number of a block's column; in the padding it is the last one that is shown.
@@ -238,7 +230,6 @@ class ShuffleRowScaler {
 
     size_t blockCount_;
     size_t narrowBlocks_ = 0;  // how many of them, from the first on, need only their first windows
-    bool suitable_ = true;
     Buffer<Block> blocks_;
 };
 
@@ -291,7 +282,6 @@ class LinearPlan final : public Plan {
           lines_(2 * stride_) {}
 
     bool Ready() const { return scaler_ && lines_; }
-    const RowScaler& Scaler() const { return scaler_; }
 
     void Run(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep) override {
         // Source row i lies in line i % 2, so that the lower row of one destination row can be the upper one
@@ -327,10 +317,7 @@ class LinearPlan final : public Plan {
 std::unique_ptr<Plan> Linear(const Axis& x, const Axis& y) {
 #if SE_AVX2
     if (simd::HasAvx2()) {
-        if (ShuffleRowScaler::MaySuit(x)) {
-            auto plan = MakePlan<LinearPlan<ShuffleRowScaler, BlendAvx2>>(x, y);
-            if (!plan || plan->Scaler().Suitable()) return plan;
-        }
+        if (ShuffleRowScaler::Suits(x)) return MakePlan<LinearPlan<ShuffleRowScaler, BlendAvx2>>(x, y);
         return MakePlan<LinearPlan<PlainRowScaler, BlendAvx2>>(x, y);
     }
 #endif

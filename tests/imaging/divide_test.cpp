@@ -1,9 +1,11 @@
 // Divisions computed as products equal real divisions, for all arguments that occur.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 
 #include "imaging/PrimDivide.h"
+#include "tests/support/TestFrame.h"
 
 namespace {
 
@@ -91,6 +93,31 @@ TEST(Divide, QuotientInSinglePrecision) {
         EXPECT_TRUE(prim::SingleQuotient::By(1 << shift)) << shift;
     }
     EXPECT_FALSE(prim::SingleQuotient::By(-3));
+}
+
+TEST(Divide, QuotientByLargeDivisors) {
+    // Where there is a product form, it is exact up to the largest sum.
+    constexpr int64_t kMost = prim::SingleQuotient::kMaxSum;
+    TestRandom random(4);
+    int forms = 0;
+    for (int64_t size = 4096; size < int64_t{1} << 30; size *= 2) {
+        for (int i = 0; i < 60; ++i) {
+            const auto divisor = static_cast<int32_t>(size + (i < 4 ? i : random.Next() % size));
+            const auto quotient = prim::SingleQuotient::By(divisor);
+            if (!quotient) continue;
+            ++forms;
+            const double reciprocal = prim::SingleReciprocal(divisor);
+            for (int64_t value = 0; value <= 256; ++value) {
+                const int64_t middle = (2 * value - 1) * divisor / 2;
+                for (int64_t sum = middle - 2; sum <= std::min(middle + 2, kMost); ++sum) {
+                    ASSERT_EQ((*quotient)(static_cast<int32_t>(sum)),
+                              prim::Quotient(static_cast<double>(sum), reciprocal))
+                        << sum << " / " << divisor;
+                }
+            }
+        }
+    }
+    EXPECT_GT(forms, 20);
 }
 
 }  // namespace

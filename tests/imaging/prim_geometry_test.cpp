@@ -298,6 +298,21 @@ TEST(PrimRemap, ForcesNearestOnASourceOneWideOrHigh) {
     EXPECT_EQ(target, (Bytes{10, 30}));
 }
 
+TEST(PrimRemap, FindsTheNearestPixelInRowsBeyondSinglePrecision) {
+    constexpr int32_t kLong = (1 << 24) + 3;
+    Bytes source(kLong, 10);
+    source[1] = 20;
+    source[kLong - 3] = 30;
+    const std::vector<float> xs{0.0f, 0.75f, 1.25f, 1 << 24, -1.0f};
+    const std::vector<float> ys(xs.size(), 0.0f);
+    Bytes target(xs.size(), 99);
+    const auto count = static_cast<int32_t>(xs.size());
+    ASSERT_EQ(PrimRemap8uC1(source.data(), kLong, 1, kLong, 0, 0, kLong, 1, xs.data(), 4 * count, ys.data(),
+                            4 * count, target.data(), count, count, 1, kPrimNearest),
+              kPrimOk);
+    EXPECT_EQ(target, (Bytes{10, 20, 20, 30, 99}));
+}
+
 TEST(PrimRemap, ClipsTheRegionToTheSource) {
     const Picture source(5, 5, 3);
     std::vector<float> xs, ys;
