@@ -168,9 +168,15 @@ bool CFaceDetector::ScalePicture(const CPlane8u& plane, float scale, CPlane8u& s
     return status == kPrimOk;
 }
 
+bool CFaceDetector::Spend(int64_t work) {
+    if (work > kMostFrameWork - frameWork) return false;
+    frameWork += work;
+    return true;
+}
+
 int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     constexpr int32_t kFailed = -1;
-    constexpr uint8_t kCandidate = 255;
+    constexpr uint8_t kCandidate = 255;  // what edges are marked with
     // Keeps the sums of large planes well inside 32 bits, and cancels in every rectangle.
     constexpr int32_t kSumOffset = -16777216;
 
@@ -186,22 +192,17 @@ int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     const int32_t sumStep = tableWidth * static_cast<int32_t>(sizeof(int32_t));
     const int32_t sqrStep = tableWidth * static_cast<int32_t>(sizeof(double));
     const int32_t normStep = scaledPlane.width * static_cast<int32_t>(sizeof(float));
-    if (PrimSqrIntegral8u32s64f(scaled.data, width, sumTable.data(), sumStep, sqrTable.data(), sqrStep, width,
-                                height, kSumOffset, 0.0) != kPrimOk) {
-        return kFailed;
-    }
     const int32_t placesX = width - cascade.featureWidth + 1, placesY = height - cascade.featureHeight + 1;
-    if (PrimRectStdDev32s32f(sumTable.data(), sumStep, sqrTable.data(), sqrStep, normPlane.data(), normStep,
-                             placesX, placesY, 0, 0, cascade.windowWidth - 2,
-                             cascade.windowHeight - 2) != kPrimOk) {
-        return kFailed;
-    }
     uint8_t* const mask = candidateMask.data;
     const int32_t maskStep = candidateMask.width;
-    if (PrimSet8uC1(kCandidate, mask, maskStep, placesX, placesY) != kPrimOk) return kFailed;
-    // Only windows whose corner lies on an edge are tried; without an edge map, all are.
-    if (MakeEdgeMask(scaled.data, width, mask, maskStep, placesX, placesY, 2) != kPrimOk) {
-        PrimSet8uC1(kCandidate, mask, maskStep, placesX, placesY);
+    // Only windows whose corner lies on an edge are tried.
+    if (PrimSqrIntegral8u32s64f(scaled.data, width, sumTable.data(), sumStep, sqrTable.data(), sqrStep, width,
+                                height, kSumOffset, 0.0) != kPrimOk ||
+        PrimRectStdDev32s32f(sumTable.data(), sumStep, sqrTable.data(), sqrStep, normPlane.data(), normStep,
+                             placesX, placesY, 0, 0, cascade.windowWidth - 2,
+                             cascade.windowHeight - 2) != kPrimOk ||
+        MakeEdgeMask(scaled.data, width, mask, maskStep, placesX, placesY, 2) != kPrimOk) {
+        return kFailed;
     }
 
     const int64_t places = int64_t{placesX} * placesY;
@@ -213,11 +214,9 @@ int32_t CFaceDetector::DetectAtScale(const CPlane8u& plane, float scale) {
     for (const Cascade::Stage& stage : cascade.stages) {
         const int64_t work =
             places / kPlacesPerWork + positiveCount * static_cast<int64_t>(1 + stage.rectCount);
-        if (work > kMostFrameWork - frameWork) return kFailed;
-        frameWork += work;
-        if (PrimApplyHaarClassifier32s32f(sumTable.data(), sumStep, normPlane.data(), normStep, mask,
-                                          maskStep, placesX, placesY, &positiveCount, stage.threshold,
-                                          stage.state.get()) != kPrimOk) {
+        if (!Spend(work) || PrimApplyHaarClassifier32s32f(
+                                sumTable.data(), sumStep, normPlane.data(), normStep, mask, maskStep, placesX,
+                                placesY, &positiveCount, stage.threshold, stage.state.get()) != kPrimOk) {
             return kFailed;
         }
         if (positiveCount == 0) return 0;

@@ -84,6 +84,8 @@ class CFaceDetector {
     void AddHits(float scale);
     std::unique_ptr<resize::Plan> PlanScale(float scale) const;
     bool ScalePicture(const CPlane8u& plane, float scale, CPlane8u& scaled);
+    /// Adds to the frame's work; false, without adding, where that would exceed `kMostFrameWork`.
+    bool Spend(int64_t work);
 
     Cascade cascade;
     float mergeRadius = 5.0F;  ///< distance of centres that joins hits

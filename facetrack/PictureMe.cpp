@@ -10,6 +10,22 @@
 
 using Effect = CPictureMeSpecialEffectFilter;
 
+namespace {
+
+/// A view of a plane whose rows are in reverse order for the length of a scope.
+struct UpsideDown {
+    UpsideDown(uint8_t* data, int32_t width, int32_t height) : plane(CPlane8u::Over(data, width, height)) {
+        plane.Mirror(kPrimMirrorRows);
+    }
+    ~UpsideDown() { plane.Mirror(kPrimMirrorRows); }
+    UpsideDown(const UpsideDown&) = delete;
+    UpsideDown& operator=(const UpsideDown&) = delete;
+
+    CPlane8u plane;
+};
+
+}  // namespace
+
 /// The result of `operation`; kOutOfMemory, with the workspace released, when memory ran out in it.
 template <class Operation>
 ResultCode Effect::Report(Operation operation) {
@@ -149,15 +165,10 @@ ResultCode Effect::ProcessFrame(FrameRecord* frame) {
 /// Where the tracker sees a face; all zero without one.
 RegionRect Effect::TrackFace(uint8_t* plane) {
     // The cascade counts rows from the bottom of the window, so it gets the picture upside down.
-    CPlane8u luma = CPlane8u::Over(plane, Stream.Width, Stream.Height);
-    luma.Mirror(kPrimMirrorRows);
-    try {
-        Detector.TrackFrame(luma);
-    } catch (const std::bad_alloc&) {
-        luma.Mirror(kPrimMirrorRows);
-        throw;
+    {
+        UpsideDown luma(plane, Stream.Width, Stream.Height);
+        Detector.TrackFrame(luma.plane);
     }
-    luma.Mirror(kPrimMirrorRows);
 
     const CFaceRect face = Detector.GetFace();
     if (face.width < 1 || face.height < 1) return {};

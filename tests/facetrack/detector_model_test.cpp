@@ -5,6 +5,7 @@
 #include <cmath>
 #include <fstream>
 #include <sstream>
+#include <tuple>
 #include <vector>
 
 #include "facetrack/FaceDetector.h"
@@ -253,6 +254,36 @@ TEST(DetectorModel, EqualsThePlainWayFromFrameToFrame) {
         EXPECT_GT(most, 0U);
         EXPECT_LT(model.passed, model.tried / 4);
     }
+}
+
+TEST(DetectorModel, APassServesOtherScalesAndPlanes) {
+    const TemporaryDirectory directory;
+    const std::vector<RawStage> stages = MakeStages();
+    WriteCascade(stages, "haar.txt");
+    constexpr int32_t kWidth = 160, kHeight = 120;
+    CFaceDetector detector;
+    ASSERT_TRUE(detector.Initialize(kWidth, kHeight));
+    const float first = detector.Scales().front().scale;
+    // A scale between two of the list, and one of the list on a smaller plane.
+    for (const auto& [width, height, scale] :
+         {std::tuple{kWidth, kHeight, first * 1.05F}, {kWidth - 21, kHeight - 8, first}}) {
+        SCOPED_TRACE(width);
+        ASSERT_TRUE(detector.Initialize(kWidth, kHeight));
+        Model model(stages, kWidth, kHeight);
+        TestFrame frame = TestFrame(width, height).DrawScene(3);
+        model.Track(LumaOf(frame), {{scale, 0, 0, 0}});
+        EXPECT_EQ(detector.DetectAtScale(CPlane8u::Over(frame.y(), width, height), scale), 0);
+        EXPECT_GT(model.passed, 0);
+        EXPECT_EQ(Text(detector.Hits()->Rows()), Text(model.hits));
+    }
+    // Pictures beyond the tables, below a window, and without a pixel.
+    TestFrame frame = TestFrame(kWidth, kHeight).DrawScene(3);
+    const size_t hits = detector.Hits()->Rows().size();
+    for (const float scale : {first / 2, kWidth / 8.0F, 2.0F * kWidth}) {
+        EXPECT_EQ(detector.DetectAtScale(CPlane8u::Over(frame.y(), kWidth, kHeight), scale), -1) << scale;
+    }
+    EXPECT_EQ(detector.DetectAtScale(CPlane8u(), first), -1);
+    EXPECT_EQ(detector.Hits()->Rows().size(), hits);
 }
 
 TEST(DetectorModel, EqualRectanglesBecomeOne) {

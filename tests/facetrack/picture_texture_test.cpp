@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 constexpr int32_t kWidth = 40, kHeight = 30, kThumb = 20;
@@ -39,6 +42,26 @@ TEST(PictureTexture, WhatIsOutsideTheFrameIsBlackOnTheThumbnail) {
                 ASSERT_EQ(shown.v.Row(y / 2)[x / 2], inside ? 110 : 128) << slot.x << "," << slot.y;
             }
         }
+    }
+}
+
+TEST(PictureTexture, IsDrawnAsAThumbnailOnceItHasLanded) {
+    CPictureTexture texture(kWidth, kHeight, kThumb, kThumb);
+    const CPictureTexture::Point slot{10, 6};
+    PlaneSet frame = FlatFrame(70, 90, 110);
+    ASSERT_EQ(texture.Start(frame, {0, 0}, &slot, {0, 0}, 0, 1, 1), kSuccess);
+    ASSERT_TRUE(texture.Advance());
+    texture.DrawMoving(frame);
+    ASSERT_FALSE(texture.Advance());
+
+    PlaneSet moving = FlatFrame(20, 30, 40), thumbnail = FlatFrame(20, 30, 40);
+    texture.DrawMoving(moving);
+    texture.DrawThumb(thumbnail);
+    EXPECT_EQ(moving.y.Row(16)[20], 70);
+    EXPECT_EQ(moving.u.Row(8)[10], 90);
+    for (const auto& [one, other] :
+         {std::pair{&moving.y, &thumbnail.y}, {&moving.u, &thumbnail.u}, {&moving.v, &thumbnail.v}}) {
+        EXPECT_TRUE(std::equal(one->data, one->data + one->Size(), other->data));
     }
 }
 
