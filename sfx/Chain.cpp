@@ -233,22 +233,15 @@ sfx_status sfx_effect::Process(const sfx::Picture& picture, int64_t time) {
     }
     const sfx::WorkFrame::Planes planes = work_.Load(picture);
     Advance(time);
-    const Link* failed = nullptr;
     try {
         for (Link& link : links_) {
-            if (link.Process(planes, elapsed_) != kSuccess) {
-                failed = &link;
-                break;
-            }
+            link.Process(planes, elapsed_);
         }
     } catch (...) {
-        Stop();  // an effect that ran out of memory in the midst of a frame starts anew
+        Stop();  // an effect that fails in the midst of a frame starts anew
         throw;
     }
     work_.Store(picture);
-    if (failed != nullptr) {
-        return Tell(SFX_ERROR_FAILED, "%s failed on a frame", failed->Effect().info.id);
-    }
     return status;
 }
 

@@ -1,6 +1,7 @@
 #include "sfx/DataFiles.h"
 
 #include <random>
+#include <utility>
 
 #include "framework/Mutex.h"
 #include "imaging/Files.h"
@@ -15,24 +16,25 @@ std::string TemporaryName(const std::string& name) {
     return name + "." + std::to_string(random()) + std::to_string(random()) + ".new";
 }
 
+/// Removes a file at the end of a scope, where there is one.
+struct TemporaryFile {
+    explicit TemporaryFile(std::string name) : path(std::move(name)) {}
+    ~TemporaryFile() { files::Remove(path.c_str()); }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const std::string path;
+};
+
 bool MakeIn(const std::string& folder, const std::string& name,
             const std::function<void(const std::string& path)>& make) {
     if (folder.empty() || !MakeFolder(folder)) {
         return false;
     }
-    const std::string temporary = JoinPath(folder, TemporaryName(name));
-    try {
-        make(temporary);
-    } catch (...) {
-        files::Remove(temporary.c_str());
-        throw;
-    }
-    if (!files::RegularFileSize(temporary.c_str())) {
-        return false;
-    }
-    const bool made = files::Rename(temporary.c_str(), JoinPath(folder, name).c_str());
-    files::Remove(temporary.c_str());
-    return made;
+    const TemporaryFile temporary{JoinPath(folder, TemporaryName(name))};
+    make(temporary.path);
+    return files::RegularFileSize(temporary.path.c_str()).has_value() &&
+           files::Rename(temporary.path.c_str(), JoinPath(folder, name).c_str());
 }
 
 }  // namespace

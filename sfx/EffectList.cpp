@@ -4,11 +4,10 @@
 #include <array>
 #include <deque>
 
-#include "framework/AdditiveRandom.h"
 #include "framework/Catalogue.h"
 #include "framework/Mutex.h"
-#include "framework/Surroundings.h"
 #include "sfx/Guard.h"
+#include "sfx/NoSurroundings.h"
 #include "sfx/Words.h"
 
 namespace sfx {
@@ -45,19 +44,6 @@ int32_t FromModuleText(sfx_type type, std::string_view text) {
     }
     return ParseInteger(text).value_or(0);
 }
-
-/// No data files, and chance and time that do not matter.
-class NoSurroundings final : public Surroundings {
-  public:
-    int64_t Milliseconds() override { return 0; }
-    int32_t Rand() override { return random_.Next(); }
-    void Srand(uint32_t seed) override { random_.Seed(seed); }
-    std::string DataFile(const std::string&) override { return {}; }
-    std::string NewDataFile(const std::string&) override { return {}; }
-
-  private:
-    AdditiveRandom random_;
-};
 
 sfx_type TypeOf(PropTypeSet type, bool hasChoices) {
     switch (type) {
@@ -155,9 +141,7 @@ class List {
         const SurroundingsScope scope(none);
         const Filter filter = entry.Create();
         StreamDescription stream{0, 640, 480, kFormatPlanar};
-        if (filter->Configure(&stream) != kSuccess) {
-            throw Failure{Tell(SFX_ERROR_FAILED, "%s cannot be configured", entry.info.id)};
-        }
+        Require(filter->Configure(&stream), SFX_ERROR_FAILED, entry.info.id, kNotConfigured);
         std::vector<PropertyEntry> properties;
         for (size_t i = 0; i < words.size(); ++i) {
             properties.push_back(MakeProperty(words[i], static_cast<int32_t>(i), *filter));
@@ -222,6 +206,15 @@ std::string WithBraces(std::string_view guid) {
 }
 
 }  // namespace
+
+void Require(ResultCode code, sfx_status status, const char* effect, const char* what) {
+    if (code == kOutOfMemory) {
+        throw std::bad_alloc();
+    }
+    if (code != kSuccess) {
+        throw Failure{Tell(status, "%s %s", effect, what)};
+    }
+}
 
 int32_t PropertyEntry::Clamp(int32_t value) const {
     return std::clamp(value, info.minimum, info.maximum);

@@ -18,6 +18,11 @@ struct DestroyFilter {
 /// An effect object of the module.
 using Filter = std::unique_ptr<CSpecialEffectFilter, DestroyFilter>;
 
+/// Throws where a call of the module's did not succeed: std::bad_alloc, or a Failure of this status whose
+/// message says what the effect did.
+void Require(ResultCode code, sfx_status status, const char* effect, const char* what);
+inline constexpr const char* kNotConfigured = "cannot be configured";
+
 struct PropertyEntry {
     sfx_property_info info;
     const char* moduleName;  ///< what `SetProperty` and `GetProperty` take

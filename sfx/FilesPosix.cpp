@@ -44,16 +44,16 @@ std::string UserFolder(const char* variable, const char* inHome) {
 }  // namespace
 
 std::string LibraryFolder() {
-#if !defined(__wasm__)
+#if defined(__wasm__)
+    return {};
+#else
     Dl_info info{};
     static const char inThisLibrary = 0;
-    if (dladdr(&inThisLibrary, &info) != 0 && info.dli_fname != nullptr) {
-        const Text library(realpath(info.dli_fname, nullptr));
-        const std::string path = library != nullptr ? library.get() : "";
-        return path.substr(0, path.find_last_of('/') + 1);
-    }
+    const bool isKnown = dladdr(&inThisLibrary, &info) != 0 && info.dli_fname != nullptr;
+    const Text library(isKnown ? realpath(info.dli_fname, nullptr) : nullptr);
+    const std::string path = library != nullptr ? library.get() : "";
+    return path.substr(0, path.find_last_of('/') + 1);
 #endif
-    return {};
 }
 
 bool MakeFolder(const std::string& path) {

@@ -1,25 +1,19 @@
 #include "sfx/Link.h"
 
-#include <new>
 #include <utility>
 
-#include "framework/AdditiveRandom.h"
-#include "framework/Surroundings.h"
 #include "imaging/Files.h"
 #include "sfx/DataFiles.h"
-#include "sfx/Guard.h"
+#include "sfx/NoSurroundings.h"
 
 namespace sfx {
 namespace {
 
 /// What an effect sees that does nothing but make its data file, at a path of its own.
-class MakerSurroundings final : public Surroundings {
+class MakerSurroundings final : public NoSurroundings {
   public:
     explicit MakerSurroundings(std::string path) : path_(std::move(path)) {}
 
-    int64_t Milliseconds() override { return 0; }
-    int32_t Rand() override { return random_.Next(); }
-    void Srand(uint32_t seed) override { random_.Seed(seed); }
     std::string DataFile(const std::string&) override {
         return files::RegularFileSize(path_.c_str()) ? path_ : std::string();
     }
@@ -27,19 +21,11 @@ class MakerSurroundings final : public Surroundings {
 
   private:
     std::string path_;
-    AdditiveRandom random_;
 };
 
 void Configure(CSpecialEffectFilter& filter, const char* name, int32_t width, int32_t height) {
     StreamDescription stream{0, width, height, kFormatPlanar};
-    const ResultCode code = filter.Configure(&stream);
-    if (code == kOutOfMemory) {
-        throw std::bad_alloc();
-    }
-    if (code != kSuccess) {
-        throw Failure{Tell(SFX_ERROR_FAILED, "%s refuses frames of %d by %d", name, static_cast<int>(width),
-                           static_cast<int>(height))};
-    }
+    Require(filter.Configure(&stream), SFX_ERROR_FAILED, name, kNotConfigured);
 }
 
 ResultCode LoadSettingsFile(CSpecialEffectFilter& filter, std::string path) {
@@ -96,7 +82,6 @@ class LinkSurroundings final : public Surroundings {
 
 Link::Link(LinkText text) : text_(std::move(text)) {}
 Link::Link(Link&&) noexcept = default;
-Link& Link::operator=(Link&&) noexcept = default;
 Link::~Link() = default;
 
 Link Link::Clone() const {
@@ -126,7 +111,7 @@ void Link::Stop() {
     surroundings_.reset();
 }
 
-ResultCode Link::Process(const WorkFrame::Planes& planes, int64_t time) {
+void Link::Process(const WorkFrame::Planes& planes, int64_t time) {
     surroundings_->SetTime(time);
     const SurroundingsScope scope(*surroundings_);
     const auto chromaSize = static_cast<int32_t>(planes.ChromaSize());
@@ -136,11 +121,7 @@ ResultCode Link::Process(const WorkFrame::Planes& planes, int64_t time) {
                       {static_cast<int32_t>(planes.LumaSize()), chromaSize, chromaSize}};
     FrameRecord frame{{0, 0, 0}, &image};
     isFresh_ = false;
-    const ResultCode code = filter_->ProcessFrame(&frame);
-    if (code == kOutOfMemory) {
-        throw std::bad_alloc();
-    }
-    return code;
+    Require(filter_->ProcessFrame(&frame), SFX_ERROR_FAILED, Effect().info.id, "failed on a frame");
 }
 
 void Link::Set(size_t property, int32_t value) {
@@ -176,7 +157,7 @@ bool Link::TakesSettingsFile() const {
 Link Link::CloneWithSettingsFile(const std::string& path) const {
     Link clone = Clone();
     clone.settingsFile_ = path;
-    MakerSurroundings none{std::string()};
+    NoSurroundings none;
     const SurroundingsScope scope(none);
     const Filter filter = Effect().Create();
     clone.ApplySettings(*filter);
@@ -221,14 +202,8 @@ void Link::ApplySettings(CSpecialEffectFilter& filter) const {
 }
 
 void Link::ReadSettingsFile(CSpecialEffectFilter& filter) const {
-    const ResultCode code = LoadSettingsFile(filter, settingsFile_);
-    if (code == kOutOfMemory) {
-        throw std::bad_alloc();
-    }
-    if (code != kSuccess) {
-        throw Failure{Tell(SFX_ERROR_FILE, "%s does not take the settings file %s", Effect().info.id,
-                           settingsFile_.c_str())};
-    }
+    const std::string refusal = "does not take the settings file " + settingsFile_;
+    Require(LoadSettingsFile(filter, settingsFile_), SFX_ERROR_FILE, Effect().info.id, refusal.c_str());
 }
 
 }  // namespace sfx

@@ -17,7 +17,7 @@ class Link {
   public:
     explicit Link(LinkText text);
     Link(Link&&) noexcept;
-    Link& operator=(Link&&) noexcept;
+    Link& operator=(Link&&) = delete;
     ~Link();
 
     /// The same settings, not started.
@@ -31,8 +31,9 @@ class Link {
     const char* Start(int32_t width, int32_t height, uint32_t seed, const std::string& dataFolder);
     void Stop();
 
-    /// Changes a frame at a time in nanoseconds since the first one. Throws std::bad_alloc.
-    ResultCode Process(const WorkFrame::Planes& planes, int64_t time);
+    /// Changes a frame at a time in nanoseconds since the first one. Throws std::bad_alloc, or Failure where
+    /// the effect fails; the frame may then be changed in part.
+    void Process(const WorkFrame::Planes& planes, int64_t time);
 
     /// `value` is within the property's bounds.
     void Set(size_t property, int32_t value);

@@ -57,6 +57,7 @@ TEST(Text, SaysWhatIsWrong) {
     EXPECT_EQ(Refusal("sepia:tone=9", SFX_ERROR_UNKNOWN), "sepia has no property \"tone\"; it has none");
     EXPECT_EQ(Refusal("rain:drop-size=big", SFX_ERROR_VALUE), "drop-size takes a whole number, not \"big\"");
     EXPECT_EQ(Refusal("rain:drop-size=", SFX_ERROR_VALUE), "drop-size takes a whole number, not \"\"");
+    EXPECT_EQ(Refusal("rain:drop-size=+-9", SFX_ERROR_VALUE), "drop-size takes a whole number, not \"+-9\"");
     EXPECT_EQ(Refusal("fish-eye:effect-type=sphre", SFX_ERROR_UNKNOWN),
               "effect-type takes the name or number of a choice, not \"sphre\"; did you mean sphere?");
     EXPECT_EQ(Refusal("rain:9", SFX_ERROR_VALUE),
