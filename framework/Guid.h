@@ -7,35 +7,24 @@
 
 #include "framework/SpecialEffectFactory.h"
 
-namespace guid_detail {
-
-constexpr uint32_t HexDigit(char c) {
-    if (c >= '0' && c <= '9') return static_cast<uint32_t>(c - '0');
-    if (c >= 'A' && c <= 'F') return static_cast<uint32_t>(c - 'A' + 10);
-    throw "not an upper case hexadecimal digit";
-}
-
-constexpr uint32_t Hex(std::string_view digits) {
-    uint32_t value = 0;
-    for (const char c : digits) value = value * 16 + HexDigit(c);
-    return value;
-}
-
-}  // namespace guid_detail
-
 /// "{ABC27FCB-B469-428E-9A2F-C2117AD7148E}" as 16 bytes. Anything else does not compile.
 consteval EffectGuid ParseGuid(std::string_view text) {
-    using guid_detail::Hex;
+    const auto hex = [text](size_t first, size_t count) {
+        uint32_t value = 0;
+        for (const char c : text.substr(first, count)) {
+            const bool isDigit = c >= '0' && c <= '9';
+            if (!isDigit && !(c >= 'A' && c <= 'F')) throw "not an upper case hexadecimal digit";
+            value = value * 16 + static_cast<uint32_t>(isDigit ? c - '0' : c - 'A' + 10);
+        }
+        return value;
+    };
     if (text.size() != 38 || text[0] != '{' || text[37] != '}' || text[9] != '-' || text[14] != '-' ||
         text[19] != '-' || text[24] != '-') {
         throw "not a GUID in registry form";
     }
-    EffectGuid guid{Hex(text.substr(1, 8)),
-                    static_cast<uint16_t>(Hex(text.substr(10, 4))),
-                    static_cast<uint16_t>(Hex(text.substr(15, 4))),
-                    {}};
+    EffectGuid guid{hex(1, 8), static_cast<uint16_t>(hex(10, 4)), static_cast<uint16_t>(hex(15, 4)), {}};
     for (size_t i = 0; i < 8; ++i) {
-        guid.Data4[i] = static_cast<uint8_t>(Hex(text.substr(i < 2 ? 20 + 2 * i : 21 + 2 * i, 2)));
+        guid.Data4[i] = static_cast<uint8_t>(hex(i < 2 ? 20 + 2 * i : 21 + 2 * i, 2));
     }
     return guid;
 }

@@ -23,7 +23,7 @@ constexpr uint16_t DivideBy3(uint16_t n) {
 
 namespace exact_division_detail {
 template <class Divide>
-constexpr bool IsExact(Divide divide, uint32_t divisor, uint32_t last) {
+consteval bool IsExact(Divide divide, uint32_t divisor, uint32_t last) {
     for (uint32_t n = 0; n <= last; ++n) {
         if (divide(static_cast<uint16_t>(n)) != n / divisor) return false;
     }

@@ -12,7 +12,7 @@ struct FirePalette {
     std::array<uint8_t, 256> Y{}, U{}, V{};
 };
 
-constexpr uint8_t Truncated(double value) {
+consteval uint8_t Truncated(double value) {
     return static_cast<uint8_t>(value <= 0.0 ? 0 : value >= 255.0 ? 255 : static_cast<int>(value));
 }
 

@@ -17,7 +17,7 @@ void Effect::SetAndRemake(Effect& effect, int32_t value) {
 }
 
 template <size_t index>
-constexpr Property<Effect> Effect::ColorRow(const char* name) {
+consteval Property<Effect> Effect::ColorRow(const char* name) {
     return ColorProperty<Effect>(
                name, "0,0,0", [](const Effect& effect) { return static_cast<int32_t>(effect.Colors[index]); },
                [](Effect& effect, int32_t value) {

@@ -27,7 +27,7 @@ class CLogoAnimationSpecialEffectFilter final : public PlanarEffect<CLogoAnimati
     template <auto Member>
     static void SetAndRemake(CLogoAnimationSpecialEffectFilter& effect, int32_t value);
     template <size_t index>
-    static constexpr Property<CLogoAnimationSpecialEffectFilter> ColorRow(const char* name);
+    static consteval Property<CLogoAnimationSpecialEffectFilter> ColorRow(const char* name);
 
     void SyncObjects(int32_t wanted);
     bool AddPictureLogo(const std::string& path);

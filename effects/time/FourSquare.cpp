@@ -21,7 +21,7 @@ struct Rgb {
 using Table = std::array<uint8_t, 256>;
 
 /// Chroma by luma: the tint grows with the luma; exact black and white have colours of their own.
-constexpr Table ChromaTable(int32_t tint, uint8_t black, uint8_t white) {
+consteval Table ChromaTable(int32_t tint, uint8_t black, uint8_t white) {
     Table table{};
     for (int32_t i = 0; i < 256; ++i) {
         table[static_cast<size_t>(i)] = static_cast<uint8_t>(i * tint / 255 + 128);
@@ -46,7 +46,7 @@ struct CFourSquareSpecialEffectFilter::Print {
     uint8_t blackY, whiteY;
     Table TableU, TableV;
 
-    constexpr Print(Rgb black, Rgb white, Rgb tint)
+    consteval Print(Rgb black, Rgb white, Rgb tint)
         : blackY(RgbToY(black.r, black.g, black.b)),
           whiteY(RgbToY(white.r, white.g, white.b)),
           TableU(ChromaTable(static_cast<int32_t>(tint.b * 0.439 - (tint.g * 0.291 + tint.r * 0.148)),
