@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "framework/EffectBase.h"
 #include "tests/support/EffectDriver.h"
@@ -45,6 +46,56 @@ class CSampleEffect final : public PlanarEffect<CSampleEffect> {
     int32_t Wanted = 1, Sets = 0;
     uint32_t Colors[2] = {};
 };
+
+TEST(PropertyRows, HoldWhatTheyAreMadeFrom) {
+    const std::string range = "2,16";  // not a constant: the rows are made when the test runs
+    static constexpr ValueName kNames[] = {{2, "two", "a pair"}};
+    CSampleEffect effect;
+
+    const auto plain = IntegerProperty<&CSampleEffect::Intensity>("Intensity", "3", range.c_str());
+    EXPECT_EQ(plain.type, PropTypeSet::Integer);
+    EXPECT_STREQ(plain.name, "Intensity");
+    EXPECT_STREQ(plain.defaultText, "3");
+    EXPECT_EQ(plain.range, range.c_str());
+    EXPECT_EQ(std::pair(plain.lowest, plain.highest), std::pair(2, 16));
+    EXPECT_STREQ(plain.description, "");
+    EXPECT_TRUE(plain.values.empty());
+    plain.set(effect, 7);
+    EXPECT_EQ(effect.Intensity, 7);
+    EXPECT_EQ(plain.get(effect), 7);
+
+    const auto changed = plain.Says("How much.", kNames)
+                             .ClampedTo(-1, 5)
+                             .OnSet([](CSampleEffect& sample, int32_t value) { sample.Wanted = value; })
+                             .OnGet([](const CSampleEffect& sample) { return sample.Wanted + 1; });
+    EXPECT_STREQ(changed.name, "Intensity");
+    EXPECT_EQ(changed.range, range.c_str());
+    EXPECT_EQ(std::pair(changed.lowest, changed.highest), std::pair(-1, 5));
+    EXPECT_STREQ(changed.description, "How much.");
+    EXPECT_EQ(changed.values.data(), kNames);
+    changed.set(effect, 3);
+    EXPECT_EQ(effect.Wanted, 3);
+    EXPECT_EQ(changed.get(effect), 4);
+
+    const std::string name = "Name";
+    const auto boolean = BooleanProperty<&CSampleEffect::Soft>(name.c_str(), "TRUE");
+    EXPECT_EQ(boolean.type, PropTypeSet::Boolean);
+    EXPECT_EQ(std::pair(boolean.lowest, boolean.highest), std::pair(0, 1));
+    EXPECT_STREQ(boolean.range, "");
+    boolean.set(effect, 1);
+    EXPECT_TRUE(effect.Soft);
+
+    const auto color = ColorProperty<&CSampleEffect::Color>(name.c_str(), "0,0,192");
+    const auto other = ColorProperty<CSampleEffect>(name.c_str(), "0,0,192", color.get, color.set);
+    for (const Property<CSampleEffect>& row : {color, other}) {
+        EXPECT_EQ(row.type, PropTypeSet::Color);
+        EXPECT_EQ(row.name, name.c_str());
+        EXPECT_STREQ(row.defaultText, "0,0,192");
+        EXPECT_EQ(std::pair(row.lowest, row.highest), std::pair(INT32_MIN, INT32_MAX));
+        EXPECT_EQ(row.get, color.get);
+        EXPECT_EQ(row.set, color.set);
+    }
+}
 
 TEST(Properties, AreFoundInAnyCase) {
     auto effect = EffectDriver::Of<CSampleEffect>();

@@ -14,6 +14,8 @@
 
 #include "effects/animated/RainDrops.h"
 #include "framework/Catalogue.h"
+#include "imaging/Plane8u.h"
+#include "imaging/Prim.h"
 #include "tests/memory/Heap.h"
 #include "tests/support/GoldenRun.h"
 #include "tests/support/TestFrame.h"
@@ -363,6 +365,29 @@ INSTANTIATE_TEST_SUITE_P(Rows, Memory, testing::Range(size_t{0}, EffectCatalogue
                          [](const testing::TestParamInfo<size_t>& row) {
                              return std::to_string(row.param + 1);
                          });
+
+// ---- primitives ------------------------------------------------------------------------------------------
+
+TEST(MemoryOfPrimitives, ThoseInPlaceReportThatItRanOutAndChangeNothing) {
+    CPlane8u plane(40, 30);
+    TestRandom random(1);
+    for (size_t i = 0; i < plane.Size(); ++i) plane.data[i] = random.Byte();
+    const CPlane8u before = plane;
+    const auto withoutMemory = [](const auto& call) {
+        heap::FailAllocation(1);
+        const PrimStatus status = call();
+        heap::FailAllocation(0);
+        return status;
+    };
+    const auto box = [&] { return PrimFilterBox8uC1(plane.data, 40, 40, 30, 5, 5, 2, 2); };
+    const auto dilate = [&] { return PrimDilate3x38uC1(plane.Row(1) + 1, 40, 38, 28); };
+    EXPECT_EQ(withoutMemory(box), kPrimMemoryError);
+    EXPECT_EQ(withoutMemory(dilate), kPrimMemoryError);
+    EXPECT_TRUE(std::equal(plane.data, plane.data + plane.Size(), before.data));
+    EXPECT_EQ(box(), kPrimOk);
+    EXPECT_EQ(dilate(), kPrimOk);
+    EXPECT_FALSE(std::equal(plane.data, plane.data + plane.Size(), before.data));
+}
 
 /// Clouds makes its file if it is missing; no failure leaves a partial file.
 TEST(MemoryOfClouds, NoFileIsLeftBehindWhenMemoryRunsOut) {
