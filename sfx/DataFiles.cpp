@@ -23,7 +23,7 @@ struct TemporaryFile {
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    const std::string path;
+    std::string path;
 };
 
 bool MakeIn(const std::string& folder, const std::string& name,
