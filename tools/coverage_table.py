@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Prints a table of the lines that tests run, by folder, from traces in lcov's format.
 
-    tools/coverage_table.py [--left-out FOLDER]... UNCOVERED TRACE...
+    tools/coverage_table.py --folder FOLDER... UNCOVERED TRACE...
 
-A line counts as covered when it ran in any of the traces, in any instance of a template, at any processor level. Paths
-in a trace are relative to the root of the tree, or lie below it. Each line that did not run goes to the file UNCOVERED
-with its text. The exit code is 1 when a folder is below its bar or in no trace, unless it is left out.
+A line counts as covered when it ran in any of the traces, in any instance of a template, at any processor level. Lines
+without code do not count: empty ones, comments and directives of C's preprocessor. Paths in a trace are relative to the
+root of the tree, or lie below it. Each line that did not run goes to the file UNCOVERED with its text. The exit code is
+1 when a folder is below its bar or in no trace.
 """
 
 from __future__ import annotations
@@ -17,9 +18,10 @@ from pathlib import Path, PurePosixPath
 
 ROOT = Path(__file__).resolve().parent.parent
 
-# The least percentage of lines. A tenth of the framework makes tables of constants, which the compiler runs.
+# The least percentage of lines. Clang 14 counts two lines wrongly: it loses the count after a loop with a pragma in
+# imaging/PlaneRelief.cpp, and counts the end of a consteval constructor in effects/time/FourSquare.cpp.
 BARS = {
-    "framework": 85,
+    "framework": 95,
     "imaging": 95,
     "effects": 95,
     "facetrack": 95,
@@ -28,6 +30,9 @@ BARS = {
     "bridges/gstreamer": 85,
     "bridges/python": 85,
 }
+
+# What lines without code begin with.
+MARKS = {".h": ("#", "//"), ".c": ("#", "//"), ".cpp": ("#", "//")}
 
 # For each file and line, how often it ran.
 Counts = defaultdict[PurePosixPath, defaultdict[int, int]]
@@ -57,6 +62,15 @@ def read_trace(trace: Path, counts: Counts) -> None:
             lines[int(line)] += int(count)
 
 
+def drop_lines_without_code(counts: Counts) -> None:
+    """Removes the lines that hold no code but are counted with the code around them."""
+    for path, lines in counts.items():
+        marks = MARKS.get(path.suffix, ())
+        text = [line.strip() for line in (ROOT / path).read_text().splitlines()]
+        for line in [line for line in lines if not text[line - 1] or text[line - 1].startswith(marks)]:
+            del lines[line]
+
+
 def write_uncovered(counts: Counts, target: Path) -> None:
     """Writes path, number and text of each line that did not run."""
     with target.open("w") as out:
@@ -67,14 +81,12 @@ def write_uncovered(counts: Counts, target: Path) -> None:
                     out.write(f"{path}:{line}: {text[line - 1].strip()}\n")
 
 
-def print_table(counts: Counts, left_out: list[str]) -> bool:
-    """Prints a row for each folder. Whether none is below its bar."""
+def print_table(counts: Counts, folders: list[str]) -> bool:
+    """Prints a row for each of these folders. Whether none is below its bar."""
     print(f"{'folder':<18}{'lines':>7}{'covered':>9}{'percent':>9}{'at least':>10}")
     good = True
-    for folder, bar in BARS.items():
-        if folder in left_out:
-            print(f"{folder:<18}  left out")
-            continue
+    for folder in folders:
+        bar = BARS[folder]
         ran = [count > 0 for path in counts if folder_of(path) == folder for count in counts[path].values()]
         percent = 100 * sum(ran) / len(ran) if ran else 0
         good = good and percent >= bar
@@ -84,8 +96,7 @@ def print_table(counts: Counts, left_out: list[str]) -> bool:
 
 def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--left-out", action="append", default=[], choices=BARS, metavar="FOLDER",
-                        help="is not measured")
+    parser.add_argument("--folder", action="append", required=True, choices=BARS, help="of the table")
     parser.add_argument("uncovered", type=Path, metavar="UNCOVERED")
     parser.add_argument("traces", type=Path, nargs="+", metavar="TRACE")
     options = parser.parse_args()
@@ -93,8 +104,9 @@ def main() -> int:
     counts: Counts = defaultdict(lambda: defaultdict(int))
     for trace in options.traces:
         read_trace(trace, counts)
+    drop_lines_without_code(counts)
     write_uncovered(counts, options.uncovered)
-    return 0 if print_table(counts, options.left_out) else 1
+    return 0 if print_table(counts, options.folder) else 1
 
 
 if __name__ == "__main__":
