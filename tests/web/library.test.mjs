@@ -21,7 +21,7 @@ const FORMATS = 14;
 const I420 = 0;
 
 /** An effect and a picture in a module, as a caller has them. */
-class Session {
+class Caller {
   constructor(module) {
     this.module = module;
     this.layout = module.layout();
@@ -63,17 +63,17 @@ class Session {
   }
 }
 
-const begin = (path) => new Session(start(path));
+const begin = (path) => new Caller(start(path));
 
 /** The bytes of a picture after some frames of an effect. */
-function framesOf(session, text, format, [width, height], count = 2) {
-  assert.equal(session.create(text), OK, text);
-  session.picture(format, width, height);
+function framesOf(caller, text, format, [width, height], count = 2) {
+  assert.equal(caller.create(text), OK, text);
+  caller.picture(format, width, height);
   for (let frame = 0; frame < count; ++frame) {
-    if (frame > 0) session.refill();
-    assert.equal(session.process(frame), OK, text);
+    if (frame > 0) caller.refill();
+    assert.equal(caller.process(frame), OK, text);
   }
-  return session.bytes().slice();
+  return caller.bytes().slice();
 }
 
 for (const path of [vectors, baseline]) {
@@ -123,24 +123,24 @@ test('the list can be read by the layout', () => {
 });
 
 test('errors are statuses with messages', () => {
-  const session = begin(vectors);
-  assert.equal(session.create('sepia+rain:drop-size=9'), OK);
-  assert.equal(session.create('speia'), ERROR_UNKNOWN);
-  assert.match(session.message(), /sepia/);
-  assert.equal(session.create('rain:drop-size=x'), ERROR_VALUE);
-  assert.equal(session.create('rain:drop-size=1000'), CLAMPED);
-  session.picture(I420, 64, 48);
-  session.module.bytes[session.record + session.layout.sfx_picture.format] = 99;
-  assert.equal(session.process(), ERROR_PICTURE);
-  const load = session.module.exports.sfx_load_presets;
-  assert.equal(session.module.withTexts(['/missing.ini'], load), ERROR_FILE);
-  session.module.wasi.writeFile('/wrong.ini', new TextEncoder().encode('[ok]\neffect = sepia\n[bad]\neffect = nix\n'));
-  assert.equal(session.module.withTexts(['/wrong.ini'], load), ERROR_VALUE);
-  assert.match(session.message(), /line 4/);
+  const caller = begin(vectors);
+  assert.equal(caller.create('sepia+rain:drop-size=9'), OK);
+  assert.equal(caller.create('speia'), ERROR_UNKNOWN);
+  assert.match(caller.message(), /sepia/);
+  assert.equal(caller.create('rain:drop-size=x'), ERROR_VALUE);
+  assert.equal(caller.create('rain:drop-size=1000'), CLAMPED);
+  caller.picture(I420, 64, 48);
+  caller.module.bytes[caller.record + caller.layout.sfx_picture.format] = 99;
+  assert.equal(caller.process(), ERROR_PICTURE);
+  const load = caller.module.exports.sfx_load_presets;
+  assert.equal(caller.module.withTexts(['/missing.ini'], load), ERROR_FILE);
+  caller.module.wasi.writeFile('/wrong.ini', new TextEncoder().encode('[ok]\neffect = sepia\n[bad]\neffect = nix\n'));
+  assert.equal(caller.module.withTexts(['/wrong.ini'], load), ERROR_VALUE);
+  assert.match(caller.message(), /line 4/);
   // Each error frees what it took.
-  const size = session.module.bytes.length;
-  for (let i = 0; i < 20_000; ++i) session.create('sepia+rain:drop-size=x');
-  assert.equal(session.module.bytes.length, size);
+  const size = caller.module.bytes.length;
+  for (let i = 0; i < 20_000; ++i) caller.create('sepia+rain:drop-size=x');
+  assert.equal(caller.module.bytes.length, size);
 });
 
 test('both modules give the same frames in every format', () => {
@@ -152,29 +152,29 @@ test('both modules give the same frames in every format', () => {
 
 test('a picture beyond 2 GB is like any other', () => {
   const expected = framesOf(begin(vectors), 'sepia+fish-eye+line-art-1', I420, [320, 240]);
-  const session = begin(vectors);
-  for (let i = 0; i < 3; ++i) session.module.exports.malloc(0x3000_0000);
-  assert.deepEqual(framesOf(session, 'sepia+fish-eye+line-art-1', I420, [320, 240]), expected);
-  assert.ok(session.pixels > 2 ** 31);
+  const caller = begin(vectors);
+  for (let i = 0; i < 3; ++i) caller.module.exports.malloc(0x3000_0000);
+  assert.deepEqual(framesOf(caller, 'sepia+fish-eye+line-art-1', I420, [320, 240]), expected);
+  assert.ok(caller.pixels > 2 ** 31);
 });
 
 test('without memory a frame is refused, and the effect goes on when there is some', () => {
-  const session = begin(vectors);
-  assert.equal(session.create('fish-eye'), OK);
-  session.picture(I420, 1280, 720);
-  const { malloc, free } = session.module.exports;
+  const caller = begin(vectors);
+  assert.equal(caller.create('fish-eye'), OK);
+  caller.picture(I420, 1280, 720);
+  const { malloc, free } = caller.module.exports;
   const blocks = [];
   for (let size = 0x4000_0000; size >= 0x1000; size /= 2) {
     for (let block = malloc(size); block !== 0; block = malloc(size)) blocks.push(block);
   }
-  assert.equal(session.process(0), ERROR_MEMORY);
-  assert.equal(session.message(), 'out of memory');
+  assert.equal(caller.process(0), ERROR_MEMORY);
+  assert.equal(caller.message(), 'out of memory');
   assert.equal(
-    session.module.withTexts([], () => session.process(1)),
+    caller.module.withTexts([], () => caller.process(1)),
     ERROR_MEMORY,
   );
   blocks.forEach((block) => free(block));
-  assert.equal(session.process(2), OK);
+  assert.equal(caller.process(2), OK);
 });
 
 test('a trap is an exception of WebAssembly, and a new instance goes on', () => {
