@@ -255,17 +255,19 @@ test('effects that trap again and again are taken off until others are set', asy
     async () => {
       const { engine, errors } = await createEngine();
       await engine.setEffects('sepia');
-      for (let i = 0; i < 40; ++i) {
-        engine.tryPixels(pixels(5), BigInt(i));
+      const isOff = () => /again and again/.test(errors.at(-1)?.message);
+      // The last frames come after the engine has given up.
+      for (let frame = 0, left = 10; left > 0 && frame < 2000; ++frame, left -= isOff() ? 1 : 0) {
+        engine.tryPixels(pixels(5), BigInt(frame));
         await new Promise((resolve) => setTimeout(resolve, 5));
       }
+      assert.ok(isOff(), JSON.stringify(errors));
       assert.equal(engine.restarts, 4);
-      assert.match(errors.at(-1).message, /again and again/);
       assert.equal(engine.isActive, false);
       isBroken = false;
       await engine.setEffects('gray-scale');
       const changed = pixels(5);
-      assert.equal(engine.tryPixels(changed, 99n), true);
+      assert.equal(engine.tryPixels(changed, 9999n), true);
       assert.notDeepEqual(changed.data, pixels(5).data);
     },
   );

@@ -84,7 +84,7 @@ function fakePump(options = {}) {
 }
 
 const until = async (condition) => {
-  for (let i = 0; i < 1000 && !condition(); ++i) await new Promise((resolve) => setTimeout(resolve, 1));
+  for (let i = 0; i < 10_000 && !condition(); ++i) await new Promise((resolve) => setTimeout(resolve, 1));
   assert.ok(condition());
 };
 

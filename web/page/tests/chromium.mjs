@@ -78,9 +78,9 @@ export async function open({ browser, url }, { hash = '', init, wait = true, ...
   await context.grantPermissions(['camera', 'clipboard-read', 'clipboard-write'], { origin: new URL(url).origin });
   const page = await context.newPage();
   page.setDefaultTimeout(30_000);
-  // Frames that the browser drops when a page falls far behind are not the page's fault.
   page.trouble = [];
   page.on('pageerror', (error) => page.trouble.push(error.stack));
+  // Frames that the browser drops when a page falls far behind are not the page's fault.
   page.on('console', (message) => {
     if (message.type() === 'error' && !message.text().startsWith('A VideoFrame was garbage collected'))
       page.trouble.push(message.text());

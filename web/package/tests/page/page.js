@@ -82,6 +82,9 @@ async function waitForFrame(track, isRight, seconds = 10) {
   });
 }
 
+/** The first frame of a track with these bytes; others may still be on their way before it. */
+const waitForHash = (track, hash) => waitForFrame(track, (found) => found.hash === hash);
+
 /** A track of frames that the test writes. */
 function handMadeTrack() {
   const track = new MediaStreamTrackGenerator({ kind: 'video' });
@@ -131,6 +134,7 @@ Object.assign(window, {
   eachFrame,
   hashes,
   waitForFrame,
+  waitForHash,
   handMadeTrack,
   feed,
   rate,
