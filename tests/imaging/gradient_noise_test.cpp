@@ -115,12 +115,13 @@ TEST(GradientNoise, MatchesItsDefinition) {
 const GradientNoise noise(std::rand);
 
 TEST(GradientNoise, ARowEqualsItsPointsAtEveryLevel) {
+    constexpr size_t kCounts[] = {0, 1, 2, 63, 64, 65, 200};
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     constexpr double kOdd[] = {kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN(), 1e300,
                                -9.3e18};
     for (const cpu::Level level : cpu::Levels()) {
         const LevelLimit limit(level);
-        for (const size_t count : {0, 1, 2, 63, 64, 65, 200}) {
+        for (const size_t count : kCounts) {
             for (const double pitch : {1 / 64.0, 0.37, -1.0, 5.25}) {
                 for (const int32_t octaves : {0, 1, 7}) {
                     std::vector<double> row(count);
