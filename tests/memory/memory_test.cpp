@@ -379,7 +379,7 @@ TEST(MemoryOfPrimitives, ThoseInPlaceReportThatItRanOutAndChangeNothing) {
         heap::FailAllocation(0);
         return status;
     };
-    const auto box = [&] { return PrimFilterBox8uC1(plane.data, 40, 40, 30, 5, 5, 2, 2); };
+    const auto box = [&] { return PrimFilterBox8uC1(plane.Row(2) + 2, 40, 36, 26, 5, 5, 2, 2); };
     const auto dilate = [&] { return PrimDilate3x38uC1(plane.Row(1) + 1, 40, 38, 28); };
     EXPECT_EQ(withoutMemory(box), kPrimMemoryError);
     EXPECT_EQ(withoutMemory(dilate), kPrimMemoryError);
