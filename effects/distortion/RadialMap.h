@@ -63,8 +63,8 @@ struct SourcePoint {
 };
 
 /// Calls use(y, x, sources) for each row that the function's disc reaches: `sources` are those of the pixels
-/// from column x on. They include the disc, and some pixels beyond it, which turn like the rim if the formula
-/// says so too. Rows come in any order. `exact(x, y)` is the formula.
+/// from column x on. They include the disc and some pixels beyond it, which turn like the rim, provided that
+/// the formula gives the same there. Rows come in any order. `exact(x, y)` is the formula.
 ///
 /// Coordinates are truncated towards 0 if `Number` is int32_t, and rounded to the nearest if it is float.
 template <class Number>
