@@ -8,9 +8,9 @@ INSTALLED ?= build/installed.txt
 export CCACHE_BASEDIR ?= $(CURDIR)
 
 # The parts of `make check-all`. A part is one word here and its rule check-WORD below.
-PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web packages docs
+PARTS ?= install clang sanitize thread fuzz slow gstreamer frei0r python arm64 windows obs web packages docs coverage
 
-.PHONY: build arm64 windows install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench bench-peers docs lint help clean $(PARTS:%=check-%) check-coverage
+.PHONY: build arm64 windows install install-gstreamer install-frei0r install-obs uninstall packages dist demo check check-all bench bench-peers docs lint help clean $(PARTS:%=check-%)
 
 ## build      the library and the program, in build/release
 build:
@@ -228,7 +228,7 @@ check-web-page: web
 	@tools/setup.sh check-web-page
 	cd web/page && npm run check && npm test
 
-# Which lines run in quick tests, in build/coverage; fails where they are too few. Not a part of check-all.
+# Which lines run in quick tests, in build/coverage; fails where they are too few.
 check-coverage:
 	tools/coverage.sh
 

@@ -16,7 +16,7 @@ objects="libsfx.so host/specialeffects tests/host/host_tests
 folders="framework imaging effects facetrack sfx host"
 options=""
 python=""
-for bridge in gstreamer python; do
+for bridge in gstreamer frei0r obs python; do
     if ! tools/setup.sh "$bridge" "check-$bridge"; then
         [ -z "${CI:-}" ] || exit 1
         echo "bridges/$bridge is left out"
@@ -28,11 +28,20 @@ for bridge in gstreamer python; do
             options="$options -DSE_BUILD_GSTREAMER=ON"
             objects="$objects gstreamer-1.0/libgstspecialeffects.so"
             ;;
+        frei0r)
+            # All plugins have the same code.
+            options="$options -DSE_BUILD_FREI0R=ON"
+            objects="$objects frei0r-1/sfx_sepia.so bridges/frei0r/make_editor_files"
+            ;;
+        obs)
+            options="$options -DSE_BUILD_OBS=ON"
+            objects="$objects obs-plugins/specialeffects/bin/64bit/specialeffects.so"
+            ;;
         python) python=yes ;;
     esac
 done
 
-rm -rf "$build/counts"
+rm -rf "$build/counts" "$build/editors"  # the build writes the latter anew
 export LLVM_PROFILE_FILE="$build/counts/%4m.profraw"
 # shellcheck disable=SC2086  # a list of words is meant
 cmake --preset coverage $options
@@ -42,7 +51,7 @@ cmake --build --preset coverage
 # of files holds for the counts, too.
 export GTEST_FILTER='-*_baseline:*GoldenWithLibrarysRand*:*EveryEffect*:*RandomTexts*:Threads.*'
 ctest --preset coverage -j "${JOBS:-$(nproc)}" -LE slow -E \
-    '^(docs|layout|soak|fuzz|abi\.(large_sizes|threads)|gstreamer\.[a-z])|OlderOutputSurvivesAFailure|FileThatMayNotGrow'
+    '^(docs|layout|soak|fuzz|abi\.(large_sizes|threads)|gstreamer\.[a-z]|frei0r\.hosts|obs\.program)|OlderOutputSurvivesAFailure|FileThatMayNotGrow'
 set --
 if [ -n "$python" ]; then
     export COVERAGE_FILE="$build/python.counts" SE_BUILD_DIR="$build" LD_LIBRARY_PATH="$build" PYTHONDONTWRITEBYTECODE=1

@@ -28,6 +28,8 @@ BARS = {
     "sfx": 95,
     "host": 85,
     "bridges/gstreamer": 85,
+    "bridges/frei0r": 85,
+    "bridges/obs": 85,
     "bridges/python": 85,
 }
 
