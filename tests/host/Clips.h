@@ -30,7 +30,7 @@ struct Sound {
     double firstSecond = 0;  ///< when the first packet begins
     double lastSecond = 0;   ///< when the last packet begins
 };
-/// The first stream of sound; empty when there is none.
+/// The first sound stream of a file. A file without sound gives an empty one.
 Sound SoundOf(const std::string& path);
 
 /// Mean of a plane.

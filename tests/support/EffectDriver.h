@@ -11,8 +11,8 @@
 /// Owns one effect and gives its slots short names.
 class EffectDriver {
   public:
-    /// The effect with this GUID in registry form, through the factory. Throws std::invalid_argument, which
-    /// fails the test, when there is none.
+    /// Creates the effect with this GUID, in registry form, through the factory. An unknown GUID throws
+    /// std::invalid_argument, which fails the test.
     explicit EffectDriver(const char* guid);
     /// An effect made by the test itself; taken over.
     explicit EffectDriver(CSpecialEffectFilter* effect) : effect_(effect) {}
